@@ -1,0 +1,69 @@
+#include "model/document.h"
+
+#include "platform/collation.h"
+
+Document::Document() : m_root(std::make_unique<TreeNode>()) {}
+
+Document::~Document() = default;
+
+void Document::setRoot(std::unique_ptr<TreeNode> root)
+{
+    m_root = std::move(root);
+    m_current = nullptr;
+}
+
+std::unique_ptr<TreeNode> Document::takeRoot()
+{
+    m_current = nullptr;
+    return std::move(m_root);
+}
+
+Item *Document::liveItem(quint32 handle) const
+{
+    Item *item = Item::fromHandle(handle);
+    if (!item || !m_root || item->topNode() != m_root.get())
+        return nullptr;
+    return item;
+}
+
+Item *Document::linkTarget(const QString &link) const
+{
+    return liveItem(Item::handleOfLink(link));
+}
+
+quint32 Document::docFlags() const
+{
+    return quint32(hideCompleted) | quint32(showNoteWindow) << 1 | quint32(showDueDate) << 2 |
+           quint32(showStatistics) << 3 | quint32(viewAscending) << 7;
+}
+
+void Document::setDocFlags(quint32 flags)
+{
+    hideCompleted = flags & 1;
+    showNoteWindow = flags & 2;
+    showDueDate = flags & 4;
+    showStatistics = flags & 8;
+    viewAscending = flags & 0x80;
+}
+
+QString Document::collectCategory(const QString &category)
+{
+    if (category.isEmpty())
+        return category;
+    if (categories.size() != m_categoriesSeenCount) { // the list was edited elsewhere
+        m_seenCategories.clear();
+        m_categoriesSeenCount = categories.size();
+    }
+    const auto seen = m_seenCategories.constFind(category);
+    if (seen != m_seenCategories.constEnd())
+        return *seen;
+    m_seenCategories.insert(category);
+    const Collation &collation = Collation::instance();
+    for (const QString &known : std::as_const(categories)) {
+        if (collation.equal(known, category))
+            return category;
+    }
+    categories.append(category);
+    m_categoriesSeenCount = categories.size();
+    return category;
+}

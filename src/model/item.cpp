@@ -1,0 +1,145 @@
+#include "model/item.h"
+
+#include <QHash>
+
+namespace {
+// Handles are serial numbers, given out once: a link to a destroyed Item can
+// never come to name another. Only Items that have been asked for a handle
+// (link targets) are registered, so a million plain items cost nothing here.
+QHash<quint32, Item *> &handleRegistry()
+{
+    static QHash<quint32, Item *> registry;
+    return registry;
+}
+quint32 g_nextHandle = 1;
+} // namespace
+
+Item::Item(const QString &name, quint16 image) : TreeNode(Kind::Item, name, image), m_created(SystemTime::now()) {}
+
+Item::~Item()
+{
+    if (m_handle)
+        handleRegistry().remove(m_handle);
+}
+
+Item::Extras &Item::extras()
+{
+    if (!m_extras)
+        m_extras = std::make_unique<Extras>();
+    return *m_extras;
+}
+
+void Item::dropEmptyExtras()
+{
+    if (m_extras && m_extras->isEmpty())
+        m_extras.reset();
+}
+
+QString Item::taskTime() const
+{
+    return m_extras ? m_extras->taskTime : QString();
+}
+
+void Item::setTaskTime(const QString &text)
+{
+    extras().taskTime = text.left(7);
+    dropEmptyExtras();
+}
+
+QStringList Item::links() const
+{
+    return m_extras ? m_extras->links : QStringList();
+}
+
+void Item::setLinks(const QStringList &links)
+{
+    extras().links = links;
+    dropEmptyExtras();
+}
+
+int Item::noteSize() const
+{
+    return m_extras ? int(m_extras->note.size()) : 0;
+}
+
+QByteArray Item::note() const
+{
+    return m_extras ? m_extras->note : QByteArray();
+}
+
+void Item::setNote(const QByteArray &note)
+{
+    extras().note = note;
+    dropEmptyExtras();
+}
+
+SystemTime Item::reminderTime() const
+{
+    return m_extras ? m_extras->reminderTime : SystemTime();
+}
+
+void Item::setReminderTime(const SystemTime &time)
+{
+    extras().reminderTime = time;
+    dropEmptyExtras();
+}
+
+void Item::setProgress(quint16 progress)
+{
+    m_progress = progress;
+    progressChanged();
+}
+
+void Item::setFlags(quint32 flags)
+{
+    m_showIcon = flags & 1;
+    m_autoProgress = flags & 2;
+    m_italic = flags & 4;
+}
+
+Item *Item::clone() const
+{
+    auto *copy = new Item(name(), image());
+    copyNodeFieldsTo(copy);
+    if (m_extras)
+        copy->m_extras = std::make_unique<Extras>(*m_extras);
+    copy->m_category = m_category;
+    copy->m_dueDate = m_dueDate;
+    copy->m_taskTimeType = m_taskTimeType;
+    copy->m_colour = m_colour;
+    copy->m_progress = m_progress;
+    copy->m_statusType = m_statusType;
+    copy->m_priority = m_priority;
+    copy->m_showIcon = m_showIcon;
+    copy->m_autoProgress = m_autoProgress;
+    copy->m_italic = m_italic;
+    return copy;
+}
+
+quint32 Item::handle() const
+{
+    if (!m_handle) {
+        m_handle = g_nextHandle++;
+        handleRegistry().insert(m_handle, const_cast<Item *>(this));
+    }
+    return m_handle;
+}
+
+QString Item::linkText() const
+{
+    return QLatin1Char('!') + QString::number(handle());
+}
+
+Item *Item::fromHandle(quint32 handle)
+{
+    return handle ? handleRegistry().value(handle) : nullptr;
+}
+
+quint32 Item::handleOfLink(const QString &link)
+{
+    if (!isItemLink(link))
+        return 0;
+    bool ok = false;
+    const quint32 handle = QStringView(link).mid(1).toUInt(&ok);
+    return ok ? handle : 0;
+}

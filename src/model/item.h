@@ -1,0 +1,118 @@
+#pragma once
+
+#include "model/treenode.h"
+#include "model/treewalker.h"
+
+#include <QStringList>
+#include <memory>
+
+/// An ordinary node of the note tree: a task or note with its attributes.
+class Item : public TreeNode {
+public:
+    enum StatusType : quint16 { NoStatus = 0, CheckBox = 1, ProgressBar = 2 };
+
+    /// Defaults: priority 10, check box, show icon on, manual order
+    /// ascending, created now.
+    explicit Item(const QString &name = QString(), quint16 image = 0);
+    ~Item() override;
+
+    /// Task time as typed, at most 7 UTF-16 units.
+    QString taskTime() const;
+    void setTaskTime(const QString &text);
+    /// Unit of the task time (0 none, 1 minutes ... 5 months); the file does
+    /// not keep it.
+    quint16 taskTimeType() const { return m_taskTimeType; }
+    void setTaskTimeType(quint16 type) { m_taskTimeType = type; }
+    /// Index into the 36-colour table; 0 is the default colour.
+    quint16 colour() const { return m_colour; }
+    void setColour(quint16 colour) { m_colour = colour; }
+    const SystemTime &created() const { return m_created; }
+    void setCreated(const SystemTime &time) { m_created = time; }
+
+    QStringList links() const;
+    void setLinks(const QStringList &links);
+
+    int noteSize() const;
+    QByteArray note() const override;
+    /// Keeps a copy; an empty buffer leaves no note.
+    void setNote(const QByteArray &note) override;
+
+    quint16 progress() const override { return m_progress; }
+    /// Stores the value, then rolls the change up through every automatic
+    /// ancestor to the root.
+    void setProgress(quint16 progress) override;
+    /// Stores the value without the roll-up (loading, cloning).
+    void storeProgress(quint16 progress) { m_progress = progress; }
+    quint16 statusType() const override { return m_statusType; }
+    void setStatusType(quint16 type) { m_statusType = type; }
+    bool isComplete() const override { return m_progress == 100; }
+
+    bool showIcon() const { return m_showIcon; }
+    void setShowIcon(bool on) { m_showIcon = on; }
+    bool autoProgress() const { return m_autoProgress; }
+    void setAutoProgress(bool on) { m_autoProgress = on; }
+    bool isItalic() const { return m_italic; }
+    void setItalic(bool on) { m_italic = on; }
+    /// Bit 0 ShowIcon, bit 1 AutoProgress, bit 2 Italic.
+    quint32 flags() const { return quint32(m_showIcon) | quint32(m_autoProgress) << 1 | quint32(m_italic) << 2; }
+    void setFlags(quint32 flags);
+
+    QString category() const override { return m_category; }
+    void setCategory(const QString &category) { m_category = category; }
+    quint16 priority() const override { return m_priority; }
+    void setPriority(quint16 priority) { m_priority = priority; }
+    SystemTime dueDate() const override { return m_dueDate; }
+    void setDueDate(const SystemTime &date) { m_dueDate = date; }
+    bool hasDueDate() const { return m_dueDate.hasDate(); }
+    SystemTime reminderTime() const;
+    void setReminderTime(const SystemTime &time);
+
+    /// Every attribute, links and note included, childless and collapsed,
+    /// with a creation date of now.
+    Item *clone() const override;
+
+    /// The identity that item links carry ("!" + decimal handle). Given on
+    /// first use and never reused, so a link to a destroyed Item stays dead.
+    quint32 handle() const;
+    /// "!" followed by the handle.
+    QString linkText() const;
+    /// The live Item with this handle, or null.
+    static Item *fromHandle(quint32 handle);
+    /// The handle of an item link text ("!123"), or 0 when it is none.
+    static quint32 handleOfLink(const QString &link);
+    static bool isItemLink(const QString &link) { return link.startsWith(QLatin1Char('!')); }
+
+private:
+    // What most items lack lives apart, to keep a million items small.
+    struct Extras {
+        QString taskTime;
+        QStringList links;
+        QByteArray note;
+        SystemTime reminderTime;
+        bool isEmpty() const { return taskTime.isEmpty() && links.isEmpty() && note.isEmpty() && reminderTime.isZero(); }
+    };
+    Extras &extras();
+    void dropEmptyExtras();
+
+    std::unique_ptr<Extras> m_extras;
+    QString m_category;
+    SystemTime m_created;
+    SystemTime m_dueDate;
+    mutable quint32 m_handle = 0;
+    quint16 m_taskTimeType = 0;
+    quint16 m_colour = 0;
+    quint16 m_progress = 0;
+    quint16 m_statusType = CheckBox;
+    quint16 m_priority = 10;
+    bool m_showIcon = true;
+    bool m_autoProgress = false;
+    bool m_italic = false;
+};
+
+template<typename Fn>
+void TreeNode::forEachDescendant(Fn &&fn) const
+{
+    TreeWalker walker(this);
+    while (Item *item = walker.next())
+        fn(item);
+}

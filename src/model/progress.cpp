@@ -1,0 +1,56 @@
+#include "model/progress.h"
+
+#include "model/childorder.h"
+#include "model/item.h"
+
+namespace Progress {
+
+void rollUp(TreeNode *node)
+{
+    for (; node; node = node->parent()) {
+        Item *item = node->asItem();
+        if (!item || !item->autoProgress())
+            continue;
+        quint64 sum = 0;
+        for (const Item *child : item->children())
+            sum += child->progress();
+        // Unsigned integer division: 100, 100 and 0 give 66.
+        item->storeProgress(item->hasChildren() ? quint16(sum / quint64(item->childCount())) : 0);
+    }
+}
+
+TapResult tap(Item *item)
+{
+    if (item->autoProgress())
+        return TapResult::Ignored;
+    if (item->statusType() == Item::CheckBox) {
+        item->setProgress(item->isComplete() ? 0 : 100);
+        return TapResult::Toggled;
+    }
+    return TapResult::ShowPresets;
+}
+
+void resortAncestors(Item *item)
+{
+    for (TreeNode *node = item->parent(); node; node = node->parent()) {
+        if (node->sort() == TreeNode::SortPercentComplete)
+            ChildOrder::sortAgain(node);
+    }
+}
+
+Statistics statistics(const TreeNode *node)
+{
+    Statistics stats;
+    for (const Item *child : node->children()) {
+        const quint16 p = child->progress();
+        if (p == 0)
+            ++stats.notStarted;
+        else if (p == 100)
+            ++stats.completed;
+        else if (p < 100)
+            ++stats.started;
+    }
+    return stats;
+}
+
+} // namespace Progress

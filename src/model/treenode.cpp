@@ -1,0 +1,124 @@
+#include "model/treenode.h"
+
+#include "model/item.h"
+#include "model/progress.h"
+
+#include <algorithm>
+
+TreeNode::TreeNode(const QString &name, quint16 image) : TreeNode(Kind::Root, name, image) {}
+
+TreeNode::TreeNode(Kind kind, const QString &name, quint16 image) : m_name(name), m_image(image), m_kind(kind) {}
+
+TreeNode::~TreeNode()
+{
+    // Destroy the branch with an explicit stack: each node's children are
+    // taken away before it is deleted, so no destructor recurses.
+    std::vector<Item *> pending;
+    pending.swap(m_children);
+    while (!pending.empty()) {
+        Item *node = pending.back();
+        pending.pop_back();
+        TreeNode *base = node;
+        pending.insert(pending.end(), base->m_children.begin(), base->m_children.end());
+        base->m_children.clear();
+        delete node;
+    }
+}
+
+Item *TreeNode::asItem()
+{
+    return isItem() ? static_cast<Item *>(this) : nullptr;
+}
+
+const Item *TreeNode::asItem() const
+{
+    return isItem() ? static_cast<const Item *>(this) : nullptr;
+}
+
+void TreeNode::setStdFlags(quint32 flags)
+{
+    m_ascending = flags & 2;
+    setExpanded(flags & 1);
+}
+
+void TreeNode::insertChild(Item *child, int position)
+{
+    TreeNode *node = child;
+    node->m_parent = this;
+    if (position < 0 || size_t(position) >= m_children.size())
+        m_children.push_back(child);
+    else
+        m_children.insert(m_children.begin() + position, child);
+}
+
+Item *TreeNode::takeChild(int position)
+{
+    Item *child = m_children[size_t(position)];
+    m_children.erase(m_children.begin() + position);
+    static_cast<TreeNode *>(child)->m_parent = nullptr;
+    if (m_children.empty())
+        m_expanded = false;
+    return child;
+}
+
+bool TreeNode::removeChild(Item *child)
+{
+    const int index = indexOf(child);
+    if (index == childCount())
+        return false;
+    takeChild(index);
+    return true;
+}
+
+int TreeNode::indexOf(const TreeNode *child) const
+{
+    const auto it = std::find(m_children.begin(), m_children.end(), child);
+    return int(it - m_children.begin());
+}
+
+int TreeNode::level() const
+{
+    int level = 0;
+    for (const TreeNode *node = m_parent; node; node = node->m_parent)
+        ++level;
+    return level;
+}
+
+TreeNode *TreeNode::topNode()
+{
+    TreeNode *node = this;
+    while (node->m_parent)
+        node = node->m_parent;
+    return node;
+}
+
+bool TreeNode::isAncestorOf(const TreeNode *node) const
+{
+    for (const TreeNode *up = node ? node->m_parent : nullptr; up; up = up->m_parent) {
+        if (up == this)
+            return true;
+    }
+    return false;
+}
+
+TreeNode *TreeNode::clone() const
+{
+    auto *copy = new TreeNode(m_name, m_image);
+    copyNodeFieldsTo(copy);
+    return copy;
+}
+
+void TreeNode::copyNodeFieldsTo(TreeNode *other) const
+{
+    other->m_name = m_name;
+    other->m_image = m_image;
+    other->m_sort = m_sort;
+    other->m_extraWord = m_extraWord;
+    other->m_ascending = m_ascending;
+    other->m_expanded = false;
+}
+
+void TreeNode::progressChanged()
+{
+    Progress::rollUp(this);
+}
