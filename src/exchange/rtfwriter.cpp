@@ -17,8 +17,8 @@ void appendText(QByteArray &out, const QString &text)
             out += "\\line ";
         } else if (unit >= 0x20 && unit < 0x7f) {
             out += char(unit);
-        } else if (unit == u'\r') {
-            // A lone CR inside a run has no place in a paragraph.
+        } else if (unit < 0x20 || unit == 0x7f) {
+            // Other control characters (a lone CR, a zero) are no text.
         } else {
             // RTF numbers are signed 16-bit: units above 32767 are written
             // negative. Each half of a surrogate pair is its own escape.
