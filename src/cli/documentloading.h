@@ -4,6 +4,7 @@
 #include "storage/documentfile.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QTextStream>
 
 /// What the document commands of qbx share: loading with the exact message of
@@ -27,20 +28,24 @@ inline int parse(QCommandLineParser &parser, const QStringList &arguments, const
                  int maxPositional)
 {
     parser.addHelpOption();
-    QStringList named = arguments;
-    if (!named.isEmpty())
-        named[0] = QLatin1String("qbx ") + QLatin1String(command); // what the usage line shows
-    if (!parser.parse(named)) {
+    // The usage line names the command, not the path of the executable.
+    const QString usage = QLatin1String("qbx ") + QLatin1String(command);
+    QString help = parser.helpText();
+    const QString program = QCoreApplication::arguments().value(0);
+    const qsizetype at = help.indexOf(program);
+    if (at >= 0)
+        help.replace(at, program.size(), usage);
+    if (!parser.parse(arguments)) {
         QTextStream(stderr) << "qbx: " << parser.errorText() << "\n";
         return 2;
     }
     if (parser.isSet(QStringLiteral("help"))) {
-        QTextStream(stdout) << parser.helpText();
+        QTextStream(stdout) << help;
         return 0;
     }
     const qsizetype count = parser.positionalArguments().size();
     if (count < minPositional || count > maxPositional) {
-        QTextStream(stderr) << "qbx: wrong number of arguments\n" << parser.helpText();
+        QTextStream(stderr) << "qbx: wrong number of arguments\n" << help;
         return 2;
     }
     return -1;

@@ -41,9 +41,18 @@ private:
     std::mt19937 m_engine;
 };
 
+// Built from the fields directly: a local QDateTime per item would consult
+// the time zone a million times.
 SystemTime dateTime(int year, int month, int day, int hour, int minute)
 {
-    return SystemTime::fromDateTime(QDateTime(QDate(year, month, day), QTime(hour, minute)));
+    SystemTime t;
+    t.year = quint16(year);
+    t.month = quint16(month);
+    t.dayOfWeek = quint16(QDate(year, month, day).dayOfWeek() % 7); // Sunday is 0
+    t.day = quint16(day);
+    t.hour = quint16(hour);
+    t.minute = quint16(minute);
+    return t;
 }
 
 QString rtfNote(const QString &text)
