@@ -82,9 +82,14 @@ public:
             m_parent = m_last;
         } else {
             for (quint32 up = m_depth - depth; up > 0; --up) {
+                if (!m_parent->parent()) {
+                    // After a tolerated jump the legacy depths run ahead of
+                    // the tree; climbing stops at the root there.
+                    if (!m_legacy)
+                        return false;
+                    break;
+                }
                 m_parent = m_parent->parent();
-                if (!m_parent)
-                    return false;
             }
         }
         m_depth = depth;

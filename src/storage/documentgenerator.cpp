@@ -113,7 +113,7 @@ void DocumentGenerator::generate(Document *document, const Options &options)
         items.push_back(item);
 
         if (random.oneIn(2))
-            item->setCategory(document->collectCategory(categories[random.below(quint32(categories.size()))]));
+            item->setCategory(categories[random.below(quint32(categories.size()))]);
         if (random.oneIn(3))
             item->setDueDate(dateTime(2025 + int(random.below(2)), int(random.below(12)) + 1, day, 0, 0));
         item->setPriority(random.oneIn(2) ? 10 : quint16(random.below(20) + 1));
@@ -147,6 +147,8 @@ void DocumentGenerator::generate(Document *document, const Options &options)
             item->setLinks(links);
         }
     }
+    // The category list follows the file's order, as after loading.
+    root->forEachDescendant([document](Item *item) { document->collectCategory(item->category()); });
     // The top level is shown open, as a user would leave it.
     root->setExpanded(true);
     for (Item *item : root->children())
