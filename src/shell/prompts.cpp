@@ -1,6 +1,7 @@
 #include "shell/prompts.h"
 
 #include "platform/messages.h"
+#include "shell/iconchooser.h"
 
 #include <QAction>
 #include <QApplication>
@@ -148,4 +149,10 @@ void DialogPrompts::about(QWidget *parent)
     box.setInformativeText(QStringLiteral("A hierarchical note-taking and task outliner.\n\n"
                                           "Documents are kept as .qbx files in your documents folder."));
     box.exec();
+}
+
+int DialogPrompts::chooseIcon(QWidget *parent, quint16 current)
+{
+    IconChooser chooser(current, parent);
+    return chooser.exec() == QDialog::Accepted ? chooser.chosen() : -1;
 }

@@ -34,9 +34,13 @@ public:
     /// Asks for the password of a protected document until check accepts
     /// it; false when cancelled.
     virtual bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) = 0;
-    /// Shows a popup menu at a global position; the chosen action or null.
+    /// Shows a popup menu at a global position. The chosen action is
+    /// triggered (callers act on its triggered signal) and returned; null
+    /// when the menu was dismissed.
     virtual QAction *popupMenu(QMenu *menu, const QPoint &globalPos) = 0;
     virtual void about(QWidget *parent) = 0;
+    /// An icon number from the icon chooser, or -1 when cancelled.
+    virtual int chooseIcon(QWidget *parent, quint16 current) = 0;
 };
 
 /// The real dialogs.
@@ -51,4 +55,5 @@ public:
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;
+    int chooseIcon(QWidget *parent, quint16 current) override;
 };

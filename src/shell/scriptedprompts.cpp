@@ -42,16 +42,11 @@ bool ScriptedPrompts::askPassword(QWidget *, const std::function<bool(const QStr
 QHash<QString, ScriptedPrompts::ActionState> ScriptedPrompts::actionStates(QMenu *menu)
 {
     QHash<QString, ActionState> states;
-    QList<QMenu *> pending{menu};
-    while (!pending.isEmpty()) {
-        QMenu *m = pending.takeLast();
-        for (QAction *action : m->actions()) {
-            if (action->menu())
-                pending.append(action->menu());
-            if (!action->objectName().isEmpty())
-                states.insert(action->objectName(),
-                              {action->isEnabled(), action->isCheckable(), action->isChecked(), action->text()});
-        }
+    const auto actions = menu->findChildren<QAction *>();
+    for (QAction *action : actions) {
+        if (!action->objectName().isEmpty())
+            states.insert(action->objectName(),
+                          {action->isEnabled(), action->isCheckable(), action->isChecked(), action->text()});
     }
     return states;
 }
@@ -65,19 +60,25 @@ QAction *ScriptedPrompts::popupMenu(QMenu *menu, const QPoint &)
     if (menuChoices.isEmpty())
         return nullptr;
     const QString name = menuChoices.dequeue();
-    if (name.isEmpty())
-        return nullptr;
-    QAction *action = menu->findChild<QAction *>(name);
-    if (!action) {
-        for (QAction *a : menu->actions())
-            if (a->objectName() == name)
-                action = a;
+    QAction *action = name.isEmpty() ? nullptr : menu->findChild<QAction *>(name);
+    // A greyed entry, or one in a greyed submenu, cannot be chosen.
+    for (QObject *o = action; o && o != menu; o = o->parent()) {
+        auto *sub = qobject_cast<QMenu *>(o);
+        if (sub && !sub->menuAction()->isEnabled())
+            action = nullptr;
     }
-    // A greyed entry cannot be chosen.
-    return action && action->isEnabled() ? action : nullptr;
+    if (!action || !action->isEnabled())
+        return nullptr;
+    action->trigger();
+    return action;
 }
 
 void ScriptedPrompts::about(QWidget *)
 {
     ++aboutShown;
+}
+
+int ScriptedPrompts::chooseIcon(QWidget *, quint16)
+{
+    return icons.isEmpty() ? -1 : icons.dequeue();
 }

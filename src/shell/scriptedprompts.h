@@ -27,13 +27,15 @@ public:
     QQueue<QString> fileNames;
     QQueue<int> noteTypes;
     QQueue<QString> passwords;
-    /// Object names of the actions to choose; an empty name dismisses.
+    /// Object names of the actions to choose (triggered as a click would);
+    /// an empty name dismisses.
     QQueue<QString> menuChoices;
+    QQueue<int> icons;
 
     QList<Shown> shown;
     int passwordAttempts = 0;
     int aboutShown = 0;
-    /// Every action of the last popup menu and its submenus, by object name.
+    /// Every named action of the last popup menu and its submenus.
     QHash<QString, ActionState> lastMenu;
     /// The texts of the last popup menu's top-level entries, in order
     /// ("-" for separators).
@@ -48,6 +50,7 @@ public:
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;
+    int chooseIcon(QWidget *parent, quint16 current) override;
 
     /// Records a menu's actions as lastMenu does, for menus the shell shows
     /// itself (the menu bar's drop-downs).

@@ -426,19 +426,19 @@ void TreePane::focusOutEvent(QFocusEvent *event)
 
 bool TreePane::startRename()
 {
-    Item *item = currentNode() ? currentNode()->asItem() : nullptr;
-    if (!item)
+    TreeNode *node = currentNode();
+    if (!node)
         return false;
     if (m_editor)
         finishRename(false);
     scrollToRow(m_current);
-    m_renaming = item;
+    m_renaming = node;
     m_renameDone = false;
     auto *editor = new QLineEdit(viewport());
     editor->setObjectName(QStringLiteral("renameEditor"));
     editor->setMaxLength(RenameMaxLength);
-    editor->setFont(m_painter->itemFont(item));
-    editor->setText(item->name());
+    editor->setFont(node->isItem() ? m_painter->itemFont(node->asItem()) : m_painter->titleFont());
+    editor->setText(node->name());
     editor->selectAll();
     editor->setFrame(true);
     const QRect text = rowGeometry(m_current).textRect();
@@ -457,7 +457,7 @@ void TreePane::finishRename(bool commit)
         return;
     m_renameDone = true;
     QLineEdit *editor = m_editor;
-    Item *item = m_renaming;
+    TreeNode *node = m_renaming;
     const QString text = editor->text();
     m_editor = nullptr;
     m_renaming = nullptr;
@@ -465,8 +465,8 @@ void TreePane::finishRename(bool commit)
     editor->hide();
     editor->deleteLater();
     setFocus(Qt::OtherFocusReason);
-    if (commit && item && text != item->name())
-        Q_EMIT renameCommitted(item, text);
+    if (commit && node && text != node->name())
+        Q_EMIT renameCommitted(node, text);
     viewport()->update();
 }
 

@@ -9,7 +9,7 @@
 #include <memory>
 
 class Item;
-class QLineEdit;
+#include <QLineEdit>
 class RowList;
 class TreeNode;
 
@@ -47,7 +47,7 @@ public:
     RowGeometry rowGeometry(int row) const;
     int statePainted(int row) const;
 
-    /// Opens the rename box over the current item's row: at most 95
+    /// Opens the rename box over the current row's text: at most 95
     /// characters, the whole name selected.
     bool startRename();
     QLineEdit *renameEditor() const { return m_editor; }
@@ -61,7 +61,7 @@ Q_SIGNALS:
     void statusTapped(Item *item, const QPoint &globalPos);
     void contextMenuRequested(int row, const QPoint &globalPos);
     void dropRequested(Item *dragged, TreeNode *target);
-    void renameCommitted(Item *item, const QString &name);
+    void renameCommitted(TreeNode *node, const QString &name);
     void deleteRequested();
     void expansionChanged();
 
@@ -104,6 +104,6 @@ private:
     QTimer m_scrollTimer;
 
     QPointer<QLineEdit> m_editor;
-    Item *m_renaming = nullptr;
+    TreeNode *m_renaming = nullptr;
     bool m_renameDone = false;
 };
