@@ -152,7 +152,7 @@ void RowPainter::paintProgressBar(QPainter *p, int x, int y, const Item *item) c
     if (item->autoProgress())
         p->drawRect(outline);
     else
-        p->drawRoundedRect(outline, 4, 4, Qt::AbsoluteSize);
+        p->drawRoundedRect(outline, 2, 2, Qt::AbsoluteSize); // a 4 × 4 corner ellipse
 
     const int innerLeft = left + 1;
     const int innerTop = top + 1;
