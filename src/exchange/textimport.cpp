@@ -1,6 +1,8 @@
 #include "exchange/textimport.h"
 
+#include "model/document.h"
 #include "model/item.h"
+#include "platform/messages.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -107,4 +109,25 @@ TextImport::Result TextImport::import(const QByteArray &bytes, TreeNode *root, c
         last = item;
     }
     return Result::Ok;
+}
+
+TextImport::Result TextImport::importDocument(const QString &textPath, quint16 noteType, const Options &options,
+                                              Document *document)
+{
+    document->noteType = noteType;
+    document->path = documentPath(textPath);
+    return importFile(textPath, document->root(), options);
+}
+
+QString TextImport::message(Result result)
+{
+    switch (result) {
+    case Result::Ok:
+        return QString();
+    case Result::FormatError:
+        return QString::fromLatin1(Messages::ImportFormatInvalid);
+    case Result::Unreadable:
+        return QString::fromLatin1(Messages::ImportTooLarge);
+    }
+    return QString();
 }

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+class Document;
 class TreeNode;
 
 /// Import of an indented text outline: the first line names the root, every
@@ -46,4 +47,13 @@ public:
     /// unit. Lines are the pieces between runs of CR and LF, so blank lines
     /// are skipped; names are cut to 96 characters.
     static Result import(const QByteArray &bytes, TreeNode *root, const Options &options);
+
+    /// The import command's work: fills a freshly made document with the
+    /// outline, gives it the NoteType and the path beside the text file
+    /// (documentPath()). The caller saves it; nothing is written here, so a
+    /// failed import leaves no file behind.
+    static Result importDocument(const QString &textPath, quint16 noteType, const Options &options,
+                                 Document *document);
+    /// The message of a failure; empty for Ok.
+    static QString message(Result result);
 };
