@@ -103,6 +103,8 @@ void TestNoteConversion::convertsOneNote_data()
     QTest::newRow("foreign ink holding rtf")
         << quint16(1) << quint16(0) << QByteArray("\x05\x00\x00\x00", 4) + formatted << le(u"Bold text\r\nsecond");
 
+    QTest::newRow("bare rtf as rich ink keeps its formatting")
+        << quint16(1) << quint16(2) << formatted + QByteArray(2, '\0') << formatted;
     QTest::newRow("same type is unchanged") << quint16(1) << quint16(1) << foreign << foreign;
     QTest::newRow("empty plain is no note") << quint16(0) << quint16(2) << QByteArray(2, '\0') << QByteArray();
 }
