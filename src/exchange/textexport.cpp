@@ -1,5 +1,6 @@
 #include "exchange/textexport.h"
 
+#include "exchange/linktargets.h"
 #include "exchange/notetext.h"
 #include "model/document.h"
 #include "model/item.h"
@@ -59,13 +60,6 @@ private:
     CodePage m_codePage;
     bool m_ok = false;
 };
-
-const TreeNode *topOf(const TreeNode *node)
-{
-    while (node->parent())
-        node = node->parent();
-    return node;
-}
 
 // The path lines of the notes and links exports. One growing text and the
 // length it had at each depth, so a deep tree costs no more than its lines.
@@ -211,7 +205,7 @@ bool TextExport::exportLinks(const QString &path, const TreeNode *root, const Op
 {
     TextWriter writer(path, options);
     PathLines paths(root, separator(options.separator));
-    const TreeNode *top = topOf(root);
+    const LinkTargets targets(root);
     TreeWalker walker(root);
     while (writer.ok()) {
         const Item *item = walker.next();
@@ -226,8 +220,7 @@ bool TextExport::exportLinks(const QString &path, const TreeNode *root, const Op
                 writer.line(link);
                 continue;
             }
-            const Item *target = Item::fromHandle(Item::handleOfLink(link));
-            if (target && topOf(target) == top)
+            if (const Item *target = targets.target(link))
                 writer.line(target->name());
         }
         writer.write(u"\r\n");

@@ -1,5 +1,6 @@
 #include "exchange/xmlexport.h"
 
+#include "exchange/linktargets.h"
 #include "exchange/notetext.h"
 #include "model/item.h"
 #include "model/treewalker.h"
@@ -164,13 +165,6 @@ struct StringSink {
     }
 };
 
-const TreeNode *topOf(const TreeNode *node)
-{
-    while (node->parent())
-        node = node->parent();
-    return node;
-}
-
 void putDate(Output &out, const SystemTime &time)
 {
     out.putNumber(time.year, 4);
@@ -205,7 +199,7 @@ void textElement(Output &out, const char16_t (&open)[N], const QString &value, c
 
 // One Item's record up to its SUBITEMS, each line as the writer primitives
 // (open-start, attribute, end-of-start-tag, element, cdata) spell it.
-void writeItem(Output &out, const Item *item, const TreeNode *top, quint16 noteType)
+void writeItem(Output &out, const Item *item, const LinkTargets &targets, quint16 noteType)
 {
     out.put(u"<ITEM StdFlags=\"");
     out.putNumber(item->stdFlags());
@@ -268,8 +262,8 @@ void writeItem(Output &out, const Item *item, const TreeNode *top, quint16 noteT
         for (const QString &link : links) {
             if (Item::isItemLink(link)) {
                 // An item link names its target; a dead one leaves no trace.
-                const Item *target = Item::fromHandle(Item::handleOfLink(link));
-                if (!target || topOf(target) != top)
+                const Item *target = targets.target(link);
+                if (!target)
                     continue;
                 textElement(out, u"<LINK>", target->name(), u"</LINK>\r\n", u"<LINK />\r\n", !target->name().isNull());
             } else {
@@ -310,14 +304,14 @@ void writeDocument(Output &out, const TreeNode *root, const XmlExport::Options &
     appendEscaped(out, root->name());
     out.put(u"\">\r\n");
 
-    const TreeNode *top = topOf(root);
+    const LinkTargets targets(root);
     // Items whose SUBITEMS are open; a count, not recursion, so any depth is safe.
     qsizetype open = 0;
     TreeWalker walker(root);
     while (const Item *item = walker.next()) {
         for (; open >= walker.depth(); --open)
             out.put(u"</SUBITEMS>\r\n</ITEM>\r\n");
-        writeItem(out, item, top, options.noteType);
+        writeItem(out, item, targets, options.noteType);
         if (item->hasChildren()) {
             out.put(u"<SUBITEMS>\r\n");
             ++open;
