@@ -44,6 +44,18 @@ FB &plainEntry(FB &f, quint32 depth, quint32 number, const QString &name, const 
     return f;
 }
 
+// Valid hand-built files double as the fuzzer's seed corpus: with
+// QUILLBOX_WRITE_CORPUS set to a folder, the tests leave them there.
+void keepForCorpus(const char *name, const QByteArray &file)
+{
+    const QString folder = qEnvironmentVariable("QUILLBOX_WRITE_CORPUS");
+    if (folder.isEmpty())
+        return;
+    QFile out(folder + QLatin1Char('/') + QLatin1String(name) + QLatin1String(".qbx"));
+    if (out.open(QIODevice::WriteOnly))
+        out.write(file);
+}
+
 QByteArray writtenBack(const QByteArray &file)
 {
     Document doc;
@@ -95,6 +107,7 @@ void TestDocumentFile::emptyDocumentIsHeaderAndRootOnly()
                                                     "02000000"           // Ascending, not expanded
                                                     "0f00");             // manual order
     QCOMPARE(expected.size(), 24 + 16 + 2 * 4);
+    keepForCorpus("empty-551", expected);
     QCOMPARE(DocumentFile::toBytes(doc), expected);
 
     Document loaded;
@@ -121,6 +134,7 @@ void TestDocumentFile::version551EveryFieldUnusual()
     f.str(QStringLiteral("öffentlich")).u16(20).time(2025, 6, 0, 1, 0, 0, 0, 0).zeroTime().u32(0xFFFFFFFF);
     f.u32(1).str(QStringLiteral("!9"));
 
+    keepForCorpus("every-field-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 551u);
@@ -208,6 +222,7 @@ void TestDocumentFile::version550HasNoReminderTime()
     f.str(QStringLiteral("5")).u16(1).time(2010, 5, 1, 3, 4, 5, 6, 7).u16(50).u16(2).u32(1);
     f.str(QString()).u16(10).time(2011, 1, 6, 1, 0, 0, 0, 0).u32(2).hex("4100").u32(0);
 
+    keepForCorpus("reminderless-550", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 550u);
@@ -246,6 +261,7 @@ void TestDocumentFile::versions500And501()
     f.str(QString()).u16(0).zeroTime().u16(0).u16(1).u32(1).str(QStringLiteral("Work")).u16(10).zeroTime();
     f.u32(0).u32(0);
 
+    keepForCorpus(version == 500 ? "password-500" : "password-501", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, version);
@@ -291,6 +307,7 @@ void TestDocumentFile::version410LegacyRecords()
     f.u32(2).fixed(QStringLiteral("/docs/Projects/x.txt"), 260).fixed(QStringLiteral("/docsother/y.txt"), 260);
     f.u32(0);
 
+    keepForCorpus("records-410", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 410u);
@@ -356,6 +373,7 @@ void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
     record(f, 5, QStringLiteral("b")); // child of a
     record(f, 5, QStringLiteral("c")); // sibling of b
     record(f, 0, QStringLiteral("d")); // climbs past the depths the tree has: stops at the root
+    keepForCorpus("depth-jumps-410", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.noteType, quint16(0)); // bit 9 set
@@ -503,6 +521,7 @@ void TestDocumentFile::depthThreeToOneIsValid()
     plainEntry(f, 1, 4, QStringLiteral("d"));
     plainEntry(f, 2, 5, QStringLiteral("e"));
     plainEntry(f, 2, 6, QStringLiteral("f"));
+    keepForCorpus("depths-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     const QList<Item *> items = preOrder(doc.root());
@@ -526,6 +545,7 @@ void TestDocumentFile::linkRepairAndCurrentNumber()
                {QStringLiteral("!5"), QStringLiteral("!6"), QStringLiteral("!x"), QStringLiteral("!"),
                 QStringLiteral("!0"), QStringLiteral("!99999999999"), QStringLiteral("mailto:a@b")});
     plainEntry(f, 1, 6, QStringLiteral("six"));
+    keepForCorpus("links-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     const QList<Item *> items = preOrder(doc.root());
