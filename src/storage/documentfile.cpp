@@ -418,64 +418,70 @@ DocumentFile::LoadResult loadFrom(ByteReader &in, Document *doc)
 /// unique in the file but not in file order.
 class Numbering {
 public:
-    /// Link targets are looked up among the Items of scope (the document's
-    /// whole tree), so a target outside a written branch still gets a number.
-    Numbering(const TreeNode *scope, const TreeNode *written)
+    /// Link targets must be Items of scope (the document's whole tree), so a
+    /// target outside a written branch still gets a number while one removed
+    /// from the tree, or of another document, is written as a dead link.
+    explicit Numbering(const TreeNode *scope) { m_live.insert(scope); }
+
+    /// The current Item is numbered first, before anything is written.
+    quint32 numberFirst(const Item *item)
     {
-        // Only link targets and the current Item need remembering; every
-        // other Item takes the next number when it is written.
-        TreeWalker walker(written);
-        while (const Item *item = walker.next()) {
-            if (item->links().isEmpty())
-                continue;
-            for (const QString &link : item->links()) {
-                if (const Item *target = Item::fromHandle(Item::handleOfLink(link)))
-                    m_targets.insert(target, 0);
-            }
-        }
-        if (m_targets.isEmpty())
-            return;
-        // A handle may name an Item of another document or one since
-        // removed from this tree: such a link is written dead.
-        QSet<const Item *> live;
-        TreeWalker all(scope);
-        while (const Item *item = all.next()) {
-            if (m_targets.contains(item))
-                live.insert(item);
-        }
-        for (auto it = m_targets.begin(); it != m_targets.end();) {
-            it = live.contains(it.key()) ? std::next(it) : m_targets.erase(it);
-        }
+        m_first = item;
+        return numberOf(item);
     }
 
     quint32 numberOf(const Item *item)
     {
-        if (m_targets.isEmpty())
+        if (item == m_first && m_firstNumber)
+            return m_firstNumber;
+        if (item == m_first)
+            return m_firstNumber = m_next++;
+        // Only an Item that has a handle can be named by a link, so only such
+        // Items need remembering; the rest take the next number.
+        if (!item->hasHandle())
             return m_next++;
-        const auto found = m_targets.find(item);
-        if (found == m_targets.end())
-            return m_next++;
-        if (!*found)
-            *found = m_next++;
+        auto found = m_numbers.find(item);
+        if (found == m_numbers.end())
+            found = m_numbers.insert(item, m_next++);
         return *found;
-    }
-    void giveFirst(const Item *item)
-    {
-        const quint32 number = m_next++;
-        m_targets.insert(item, number);
     }
     QString fileLink(const QString &link)
     {
         if (!Item::isItemLink(link))
             return link;
         const Item *target = Item::fromHandle(Item::handleOfLink(link));
-        if (!target || !m_targets.contains(target))
+        if (!target || !isLive(target))
             return QStringLiteral("!0");
         return QLatin1Char('!') + QString::number(numberOf(target));
     }
 
 private:
-    QHash<const Item *, quint32> m_targets;
+    // Climbs from node until a node known to be in scope (live) or the top of
+    // another tree (dead); what the climb passed is remembered either way, so
+    // every node is climbed over at most once however deep the tree.
+    bool isLive(const TreeNode *node)
+    {
+        std::vector<const TreeNode *> path;
+        bool live = false;
+        for (const TreeNode *up = node; up; up = up->parent()) {
+            if (m_live.contains(up)) {
+                live = true;
+                break;
+            }
+            if (m_dead.contains(up))
+                break;
+            path.push_back(up);
+        }
+        for (const TreeNode *passed : path)
+            (live ? m_live : m_dead).insert(passed);
+        return live;
+    }
+
+    QHash<const Item *, quint32> m_numbers;
+    const Item *m_first = nullptr;
+    quint32 m_firstNumber = 0;
+    QSet<const TreeNode *> m_live;
+    QSet<const TreeNode *> m_dead;
     quint32 m_next = 1;
 };
 
@@ -533,15 +539,14 @@ void writeEntries(ByteWriter &out, const TreeNode *top, Numbering *numbering)
 bool writeDocument(ByteWriter &out, const Document &doc)
 {
     const TreeNode *root = doc.root();
-    Numbering numbering(root, root);
+    Numbering numbering(root);
     quint32 currentNumber = 0;
     const Item *current = doc.currentItem();
     const TreeNode *top = current;
     while (top && top->parent())
         top = top->parent();
     if (current && top == root) {
-        numbering.giveFirst(current);
-        currentNumber = numbering.numberOf(current);
+        currentNumber = numbering.numberFirst(current);
     }
     writeHeader(out, doc, currentNumber);
     writeNodeRecord(out, root);
@@ -551,7 +556,7 @@ bool writeDocument(ByteWriter &out, const Document &doc)
 
 bool writeBranch(ByteWriter &out, const Document &doc, const TreeNode *node)
 {
-    Numbering numbering(doc.root(), node);
+    Numbering numbering(doc.root());
     writeHeader(out, doc, 0);
     writeNodeRecord(out, node);
     writeEntries(out, node, &numbering);
@@ -593,6 +598,7 @@ QByteArray DocumentFile::toBytes(const Document &document)
     ByteWriter out;
     if (document.root())
         writeDocument(out, document);
+    out.finish();
     return out.bytes();
 }
 
