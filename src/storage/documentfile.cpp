@@ -24,6 +24,8 @@ constexpr quint32 MaxTaskTimeUnits = 7;
 // Version 410 stores fixed-size records.
 constexpr qint64 LegacyRecordSize = 392;
 constexpr int LegacyLinkUnits = 260;
+// The smallest item entry (version 500, every string empty).
+constexpr qint64 MinEntrySize = 84;
 constexpr quint16 LegacyImageBase = 796;
 
 QString g_legacyFolder;
@@ -68,7 +70,13 @@ qint64 linkNumber(const QString &link)
 /// and the Expanded flags need, and finishes the tree at the end.
 class TreeBuilder {
 public:
-    TreeBuilder(TreeNode *root, bool legacy) : m_root(root), m_parent(root), m_legacy(legacy) {}
+    /// maxEntries bounds how many entries the bytes left can hold.
+    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_parent(root), m_legacy(legacy)
+    {
+        // Reserved, not touched: pages never written cost no memory, and
+        // the list never has to be copied while it grows.
+        m_numbered.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
+    }
 
     /// Appends item under the parent its depth names; false (item not placed)
     /// when the depth is impossible.
@@ -95,7 +103,7 @@ public:
         m_depth = depth;
         m_parent->appendChild(item);
         m_last = item;
-        m_numbers.push_back(number);
+        m_numbered.emplace_back(number, item);
         return true;
     }
 
@@ -128,13 +136,9 @@ public:
         }
         if (currentNumber >= 1)
             wanted.insert(quint32(currentNumber), nullptr);
-        // The tree's pre-order is the file's order, so the walk meets the
-        // Items in the order their numbers were read; a later equal number
-        // replaces an earlier one.
-        TreeWalker walker(m_root);
-        size_t index = 0;
-        while (Item *item = walker.next()) {
-            const auto found = wanted.find(m_numbers[index++]);
+        // In file order, so a later equal number replaces an earlier one.
+        for (const auto &[number, item] : m_numbered) {
+            const auto found = wanted.find(number);
             if (found != wanted.end())
                 *found = item;
         }
@@ -153,12 +157,11 @@ public:
     }
 
 private:
-    TreeNode *m_root;
     TreeNode *m_parent;
     Item *m_last = nullptr;
     quint32 m_depth = 1;
     bool m_legacy;
-    std::vector<quint32> m_numbers;
+    std::vector<std::pair<quint32, Item *>> m_numbered; // in file order
     std::vector<TreeNode *> m_expanded;
     std::vector<Item *> m_withItemLinks;
 };
@@ -292,7 +295,7 @@ DocumentFile::LoadResult readCurrent(ByteReader &in, quint32 version, Document *
 
     doc->setRoot(std::make_unique<TreeNode>());
     TreeNode *root = doc->root();
-    TreeBuilder builder(root, false);
+    TreeBuilder builder(root, false, in.bytesLeft() / MinEntrySize);
     const NodeRecord rootRecord = readNodeRecord(in, version);
     if (!in.ok())
         return DocumentFile::Damaged;
@@ -325,7 +328,7 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
 
     doc->setRoot(std::make_unique<TreeNode>(title));
     TreeNode *root = doc->root();
-    TreeBuilder builder(root, true);
+    TreeBuilder builder(root, true, in.bytesLeft() / LegacyRecordSize);
     Item *current = nullptr;
     while (!in.atEnd()) {
         if (in.bytesLeft() < LegacyRecordSize)
@@ -654,7 +657,7 @@ DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *
     in.skip(8); // ViewMode, ViewOrder, HideByStatus
     in.u32();   // CurrentNumber
     TreeNode importedRoot;
-    TreeBuilder builder(&importedRoot, false);
+    TreeBuilder builder(&importedRoot, false, in.bytesLeft() / MinEntrySize);
     const NodeRecord rootRecord = readNodeRecord(in, version);
     if (!in.ok())
         return Damaged;
