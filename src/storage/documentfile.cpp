@@ -35,11 +35,11 @@ QString legacyLink(const QString &link)
 {
     if (Item::isItemLink(link))
         return link;
-    // Links made on the handheld name its documents folder; links made here
-    // name ours. Either way the link keeps what follows the folder, which is
-    // how file links inside the documents folder are stored today.
-    static const QLatin1String handheldFolder("\\My Documents");
-    if (link.startsWith(handheldFolder, Qt::CaseInsensitive)) {
+    // Version 410 files name the documents folder "\My Documents"; a link
+    // into our own documents folder is treated the same. The link keeps what
+    // follows the folder, which is how file links inside it are stored today.
+    static const QLatin1String legacyFolder("\\My Documents");
+    if (link.startsWith(legacyFolder, Qt::CaseInsensitive)) {
         const qsizetype slash = link.indexOf(QLatin1Char('\\'), 1);
         return slash < 0 ? link : link.mid(slash + 1);
     }
@@ -360,7 +360,12 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
         if (!in.ok() || quint32(taskTime.size()) > MaxTaskTimeUnits)
             return DocumentFile::Damaged;
 
-        auto item = std::make_unique<Item>(name, quint16(icon + LegacyImageBase), created);
+        // 0xFFFF means "unset" for these fields in every version, so that a
+        // loaded document writes back to a file that loads the same.
+        quint16 image = quint16(icon + LegacyImageBase);
+        if (image == ImageUnset)
+            image = ImageUnsetValue;
+        auto item = std::make_unique<Item>(name, image, created);
         if (itemFlags & (1u << 2))
             builder.expandLater(item.get());
         item->setPriority(quint16(priority + 1));
@@ -369,7 +374,7 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
         if (!taskTime.isEmpty())
             item->setTaskTime(taskTime);
         item->setTaskTimeType(taskTimeUnit ? quint16(taskTimeUnit + 1) : 0);
-        item->setColour(colour);
+        item->setColour(colour == ColourUnset ? 0 : colour);
         item->storeProgress((itemFlags & 1u) ? 100 : quint16(progress));
         const bool bit7 = itemFlags & (1u << 7);
         const bool bit8 = itemFlags & (1u << 8);

@@ -363,8 +363,9 @@ void TestDocumentFile::version410LegacyRecords()
 
 void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
 {
-    auto record = [](FB &f, quint32 depth, const QString &name) {
-        f.u32(0).fixed(name, 96).u16(0).u16(0).fixed(QString(), 64).zeroTime().fixed(QString(), 8).u16(0).u16(0);
+    auto record = [](FB &f, quint32 depth, const QString &name, quint16 icon = 0, quint16 colour = 0) {
+        f.u32(0).fixed(name, 96).u16(icon).u16(0).fixed(QString(), 64).zeroTime().fixed(QString(), 8).u16(0);
+        f.u16(colour);
         f.zeroTime().u32(depth).u32(0).u32(0).u32(0).u32(0);
     };
     FB f;
@@ -372,7 +373,9 @@ void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
     record(f, 1, QStringLiteral("a"));
     record(f, 5, QStringLiteral("b")); // child of a
     record(f, 5, QStringLiteral("c")); // sibling of b
-    record(f, 0, QStringLiteral("d")); // climbs past the depths the tree has: stops at the root
+    // Climbs past the depths the tree has: stops at the root. Its icon gives
+    // image 0xFFFF and its colour is 0xFFFF, both "unset" as in later versions.
+    record(f, 0, QStringLiteral("d"), 0xFFFF - 796, 0xFFFF);
     keepForCorpus("depth-jumps-410", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
@@ -383,6 +386,9 @@ void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
     QCOMPARE(items[1]->parent(), items[0]);
     QCOMPARE(items[2]->parent(), items[0]);
     QCOMPARE(items[3]->parent(), doc.root());
+    QCOMPARE(items[3]->image(), quint16(826));
+    QCOMPARE(items[3]->colour(), quint16(0));
+    QCOMPARE(items[2]->image(), quint16(796));
 
     // A TaskTime that fills all 8 units has no terminator: damage.
     FB g;
