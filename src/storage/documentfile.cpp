@@ -360,12 +360,9 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
         if (!in.ok() || quint32(taskTime.size()) > MaxTaskTimeUnits)
             return DocumentFile::Damaged;
 
-        // 0xFFFF means "unset" for these fields in every version, so that a
-        // loaded document writes back to a file that loads the same.
-        quint16 image = quint16(icon + LegacyImageBase);
-        if (image == ImageUnset)
-            image = ImageUnsetValue;
-        auto item = std::make_unique<Item>(name, image, created);
+        // The record's values are taken as they are: the 0xFFFF rules of the
+        // later versions do not apply to this layout.
+        auto item = std::make_unique<Item>(name, quint16(icon + LegacyImageBase), created);
         if (itemFlags & (1u << 2))
             builder.expandLater(item.get());
         item->setPriority(quint16(priority + 1));
@@ -374,7 +371,7 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
         if (!taskTime.isEmpty())
             item->setTaskTime(taskTime);
         item->setTaskTimeType(taskTimeUnit ? quint16(taskTimeUnit + 1) : 0);
-        item->setColour(colour == ColourUnset ? 0 : colour);
+        item->setColour(colour);
         item->storeProgress((itemFlags & 1u) ? 100 : quint16(progress));
         const bool bit7 = itemFlags & (1u << 7);
         const bool bit8 = itemFlags & (1u << 8);

@@ -373,8 +373,9 @@ void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
     record(f, 1, QStringLiteral("a"));
     record(f, 5, QStringLiteral("b")); // child of a
     record(f, 5, QStringLiteral("c")); // sibling of b
-    // Climbs past the depths the tree has: stops at the root. Its icon gives
-    // image 0xFFFF and its colour is 0xFFFF, both "unset" as in later versions.
+    // Climbs past the depths the tree has: stops at the root. Its image
+    // (icon + 796) and colour are 0xFFFF, which this layout takes as they are;
+    // written as 551 they are the unset values that later load as 826 and 0.
     record(f, 0, QStringLiteral("d"), 0xFFFF - 796, 0xFFFF);
     keepForCorpus("depth-jumps-410", f);
     Document doc;
@@ -386,9 +387,13 @@ void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
     QCOMPARE(items[1]->parent(), items[0]);
     QCOMPARE(items[2]->parent(), items[0]);
     QCOMPARE(items[3]->parent(), doc.root());
-    QCOMPARE(items[3]->image(), quint16(826));
-    QCOMPARE(items[3]->colour(), quint16(0));
+    QCOMPARE(items[3]->image(), quint16(0xFFFF));
+    QCOMPARE(items[3]->colour(), quint16(0xFFFF));
     QCOMPARE(items[2]->image(), quint16(796));
+    Document resaved;
+    QCOMPARE(DocumentFile::loadFromBytes(DocumentFile::toBytes(doc), &resaved), DocumentFile::Loaded);
+    QCOMPARE(preOrder(resaved.root())[3]->image(), quint16(826));
+    QCOMPARE(preOrder(resaved.root())[3]->colour(), quint16(0));
 
     // A TaskTime that fills all 8 units has no terminator: damage.
     FB g;
