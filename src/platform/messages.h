@@ -51,8 +51,6 @@ inline constexpr const char *XmlFileFilter = "XML Files|*.xml|";
 
 namespace Messages {
 
-inline constexpr const char *SaveFailed = "Unable to save file. Please make sure there is enough disk space.";
-inline constexpr const char *LoadDamaged = "Unable to load file. The file may be corrupted.";
 inline constexpr const char *LoadUnsupported = "This file was created either prior to version 5.0 or by a newer "
                                                "version. These file formats are not supported.";
 inline constexpr const char *FileMissing = "File '%1' does not exist.";
