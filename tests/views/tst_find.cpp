@@ -65,6 +65,7 @@ private Q_SLOTS:
     void matchingRules_data();
     void matchingRules();
     void walkOrderAndHiddenMatches();
+    void deepChain();
     void agreesWithThePlainRules_data();
     void agreesWithThePlainRules();
 };
@@ -156,6 +157,18 @@ task 6 | st=2
     QCOMPARE(Outline::names(Finder::search(document, c)), (QStringList{"task 1", "task 2", "task 5"}));
     // Matched but hidden: nothing left to list.
     QVERIFY(Finder::search(document, criteria(QStringLiteral("name=4"))).empty());
+}
+
+void TestFind::deepChain()
+{
+    Document document;
+    TreeNode *parent = document.root();
+    for (int i = 0; i < 300000; ++i) {
+        auto *item = new Item(i % 100000 == 99999 ? QStringLiteral("needle") : QStringLiteral("hay"));
+        parent->appendChild(item);
+        parent = item;
+    }
+    QCOMPARE(Finder::search(document, criteria(QStringLiteral("name=needle"))).size(), size_t(3));
 }
 
 void TestFind::agreesWithThePlainRules_data()
