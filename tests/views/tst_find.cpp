@@ -66,6 +66,8 @@ private Q_SLOTS:
     void matchingRules();
     void walkOrderAndHiddenMatches();
     void deepChain();
+    void notesOfEveryType_data();
+    void notesOfEveryType();
     void agreesWithThePlainRules_data();
     void agreesWithThePlainRules();
 };
@@ -169,6 +171,30 @@ void TestFind::deepChain()
         parent = item;
     }
     QCOMPARE(Finder::search(document, criteria(QStringLiteral("name=needle"))).size(), size_t(3));
+}
+
+void TestFind::notesOfEveryType_data()
+{
+    QTest::addColumn<int>("noteType");
+    QTest::newRow("plain text") << 0;
+    QTest::newRow("rich ink") << 1;
+    QTest::newRow("rich text") << 2;
+}
+
+// The phrase is looked for in the note's text, whatever the note's format.
+void TestFind::notesOfEveryType()
+{
+    QFETCH(int, noteType);
+    Document document;
+    document.noteType = quint16(noteType);
+    auto *item = new Item(QStringLiteral("x"));
+    item->setNote(NoteText::fromText(QStringLiteral("Call the Plumber {today}"), quint16(noteType)));
+    QVERIFY(item->noteSize() > 0);
+    document.root()->appendChild(item);
+    document.root()->appendChild(new Item(QStringLiteral("no note")));
+    QCOMPARE(Finder::search(document, criteria(QStringLiteral("note=the_plumber ci"))).size(), size_t(1));
+    QCOMPARE(Finder::search(document, criteria(QStringLiteral("note={today}"))).size(), size_t(1));
+    QCOMPARE(Finder::search(document, criteria(QStringLiteral("note=the_plumber"))).size(), size_t(0));
 }
 
 void TestFind::agreesWithThePlainRules_data()
