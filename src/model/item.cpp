@@ -16,6 +16,11 @@ quint32 g_nextHandle = 1;
 
 Item::Item(const QString &name, quint16 image) : TreeNode(Kind::Item, name, image), m_created(SystemTime::now()) {}
 
+Item::Item(const QString &name, quint16 image, const SystemTime &created)
+    : TreeNode(Kind::Item, name, image), m_created(created)
+{
+}
+
 Item::~Item()
 {
     if (m_handle)

@@ -14,6 +14,9 @@ public:
     /// Defaults: priority 10, check box, show icon on, manual order
     /// ascending, created now.
     explicit Item(const QString &name = QString(), quint16 image = 0);
+    /// The same defaults with a given creation date, without asking the clock
+    /// (loading builds a million Items).
+    Item(const QString &name, quint16 image, const SystemTime &created);
     ~Item() override;
 
     /// Task time as typed, at most 7 UTF-16 units.

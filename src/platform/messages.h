@@ -13,6 +13,40 @@ inline constexpr const char *AskPasteChildren =
 inline constexpr const char *BranchHidden =
     "The whole branch is hidden due to progress value and/or status type changes.";
 
+inline constexpr const char *LoadDamaged = "Unable to load file. The file may be corrupted.";
+inline constexpr const char *LoadUnsupportedVersion =
+    "This file was created either prior to version 5.0 or by a newer version. These file formats are not supported.";
+/// %1 is the path.
+inline constexpr const char *LoadNotFound = "File '%1' does not exist.";
+inline constexpr const char *SaveFailed = "Unable to save file. Please make sure there is enough disk space.";
+inline constexpr const char *ImportUnsupportedVersion =
+    "Only Quillbox files from the current version can be imported. Please open the file and save it and then try "
+    "import again.";
+
+inline constexpr const char *PasswordEnterPrompt =
+    "This Quillbox file is protected with a password. Please enter a valid password.";
+inline constexpr const char *PasswordSetPrompt =
+    "Enter a new password to protect this file. If this file already has a password, please enter it to change.";
+inline constexpr const char *PasswordNotCorrect = "The password is not correct. Please enter the password and try again.";
+inline constexpr const char *PasswordMismatch = "The new password and confirmation do not match. Please try again.";
+
+// Import and export.
+inline constexpr const char *NoItemsToExport = "There are no items that matched the export criteria. No file is created.";
+inline constexpr const char *ItemExportFailed =
+    "Item Export has failed. Please make sure you have enough storage space and try again.";
+inline constexpr const char *ItemsExported = "%d item(s) exported.";
+inline constexpr const char *TextFileFilter = "Text Files|*.txt|Unicode Files|*.txt|";
+inline constexpr const char *ImportTooLarge = "Unable to load file. Please try again with a smaller file.";
+inline constexpr const char *ExportFailed =
+    "Export has failed. Please make sure you have enough storage space and try again.";
+inline constexpr const char *NoLinks = "(None)";
+inline constexpr const char *NoteConversionFailed = "Note conversion has failed. Original file is restored.";
+inline constexpr const char *NoteConversionDone = "Note conversion completed.";
+inline constexpr const char *AskConvertNotes = "Converting notes to a different format may cause data loss. Are you sure?";
+inline constexpr const char *ImportFormatInvalid =
+    "The format of the import text file is invalid. Please correct the file and try again.";
+inline constexpr const char *XmlFileFilter = "XML Files|*.xml|";
+
 } // namespace Messages
 
 namespace Messages {

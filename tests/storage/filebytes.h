@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// Spells out document file bytes field by field for the tests, so that every
+// expected file is written down by hand rather than produced by the writer.
+class FileBytes {
+public:
+    FileBytes &hex(const char *text)
+    {
+        m_bytes += QByteArray::fromHex(QByteArray(text).replace(' ', ""));
+        return *this;
+    }
+    FileBytes &u16(quint16 v)
+    {
+        m_bytes += char(v & 0xFF);
+        m_bytes += char(v >> 8);
+        return *this;
+    }
+    FileBytes &u32(quint32 v)
+    {
+        for (int i = 0; i < 4; ++i)
+            m_bytes += char((v >> (8 * i)) & 0xFF);
+        return *this;
+    }
+    /// A counted UTF-16LE string.
+    FileBytes &str(const QString &text)
+    {
+        u32(quint32(text.size()));
+        return units(text);
+    }
+    /// A fixed field of count units, zero-padded.
+    FileBytes &fixed(const QString &text, int count)
+    {
+        units(text);
+        for (qsizetype i = text.size(); i < count; ++i)
+            u16(0);
+        return *this;
+    }
+    FileBytes &time(quint16 y, quint16 mo, quint16 dow, quint16 d, quint16 h, quint16 mi, quint16 s, quint16 ms)
+    {
+        return u16(y).u16(mo).u16(dow).u16(d).u16(h).u16(mi).u16(s).u16(ms);
+    }
+    FileBytes &zeroTime() { return time(0, 0, 0, 0, 0, 0, 0, 0); }
+    FileBytes &bytes(const QByteArray &raw)
+    {
+        m_bytes += raw;
+        return *this;
+    }
+    int size() const { return int(m_bytes.size()); }
+    operator QByteArray() const { return m_bytes; }
+    QByteArray data() const { return m_bytes; }
+
+private:
+    FileBytes &units(const QString &text)
+    {
+        for (QChar c : text)
+            u16(c.unicode());
+        return *this;
+    }
+    QByteArray m_bytes;
+};

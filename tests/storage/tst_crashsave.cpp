@@ -1,0 +1,108 @@
+#include "model/document.h"
+#include "storage/documentfile.h"
+#include "storage/safesave.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+// A save killed at any moment leaves either the complete old document or the
+// complete new one, never a mixture, and nothing that looks like a document.
+class TestCrashSave : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void killedSavesLeaveOldOrNew();
+};
+
+namespace {
+
+const QString Qbx = QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
+
+QByteArray readAll(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool generate(const QString &path, int items, int seed)
+{
+    return QProcess::execute(Qbx, {QStringLiteral("generate"), QStringLiteral("--items"), QString::number(items),
+                                   QStringLiteral("--seed"), QString::number(seed), path}) == 0;
+}
+
+} // namespace
+
+void TestCrashSave::killedSavesLeaveOldOrNew()
+{
+    QVERIFY2(QFile::exists(Qbx), "build the qbx target first");
+    QTemporaryDir reference;
+    QTemporaryDir work;
+    const QString oldPath = reference.filePath(QStringLiteral("old.qbx"));
+    const QString newPath = reference.filePath(QStringLiteral("new.qbx"));
+    const int newItems = 40000;
+    QVERIFY(generate(oldPath, 2000, 1));
+    QVERIFY(generate(newPath, newItems, 2));
+    const QByteArray oldBytes = readAll(oldPath);
+    const QByteArray newBytes = readAll(newPath);
+    QVERIFY(oldBytes != newBytes && !oldBytes.isEmpty());
+
+    const QString target = work.filePath(QStringLiteral("document.qbx"));
+    const QStringList arguments{QStringLiteral("generate"), QStringLiteral("--items"), QString::number(newItems),
+                                QStringLiteral("--seed"), QStringLiteral("2"), target};
+    // How long a whole run takes, so the kills spread over all of it.
+    QVERIFY(QFile::copy(oldPath, target));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(QProcess::execute(Qbx, arguments), 0);
+    const qint64 runMicroseconds = timer.nsecsElapsed() / 1000;
+    QCOMPARE(readAll(target), newBytes);
+
+    const quint32 seed = QRandomGenerator::global()->generate();
+    qInfo("kill moments from seed %u over %lld us", seed, runMicroseconds);
+    QRandomGenerator random(seed);
+    int keptOld = 0;
+    int gotNew = 0;
+    const int kills = 200;
+    for (int i = 0; i < kills; ++i) {
+        QFile::remove(target);
+        QVERIFY(QFile::copy(oldPath, target));
+        QProcess process;
+        process.start(Qbx, arguments);
+        QVERIFY(process.waitForStarted());
+        QThread::usleep(random.bounded(quint64(runMicroseconds * 13 / 10) + 1));
+        process.kill(); // SIGKILL
+        QVERIFY(process.waitForFinished());
+
+        Document doc;
+        QCOMPARE(DocumentFile::load(target, &doc), DocumentFile::Loaded);
+        const QByteArray onDisk = readAll(target);
+        QVERIFY2(onDisk == oldBytes || onDisk == newBytes, qPrintable(QStringLiteral("kill %1").arg(i)));
+        (onDisk == oldBytes ? keptOld : gotNew)++;
+
+        // What a killed save leaves behind is a hidden temporary file that no
+        // listing of documents shows; it is cleared for the next round.
+        const QStringList files = QDir(work.path()).entryList(QDir::Files | QDir::Hidden);
+        for (const QString &file : files) {
+            if (file == QLatin1String("document.qbx"))
+                continue;
+            QVERIFY2(SafeSave::isTemporaryName(file) && !file.endsWith(QLatin1String(".qbx")), qPrintable(file));
+            QVERIFY(QDir(work.path()).remove(file));
+        }
+        QVERIFY(QDir(work.path()).entryList(QStringList{QStringLiteral("*.qbx")}, QDir::Files) ==
+                QStringList{QStringLiteral("document.qbx")});
+    }
+    qInfo("%d kills kept the old document, %d found the new one", keptOld, gotNew);
+    QCOMPARE(keptOld + gotNew, kills);
+    // The kills must have landed both before and after the replacement.
+    QVERIFY(keptOld > 0);
+    QVERIFY(gotNew > 0);
+}
+
+QTEST_GUILESS_MAIN(TestCrashSave)
+#include "tst_crashsave.moc"

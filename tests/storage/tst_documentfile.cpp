@@ -1,0 +1,857 @@
+#include "filebytes.h"
+#include "model/document.h"
+#include "storage/documentfile.h"
+#include "storage/documentgenerator.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+using FB = FileBytes;
+
+QList<Item *> preOrder(const TreeNode *top)
+{
+    QList<Item *> items;
+    top->forEachDescendant([&items](Item *item) { items.append(item); });
+    return items;
+}
+
+SystemTime st(quint16 y, quint16 mo, quint16 dow, quint16 d, quint16 h, quint16 mi, quint16 s, quint16 ms)
+{
+    return SystemTime{y, mo, dow, d, h, mi, s, ms};
+}
+
+// The root and one plain entry of a 551 file, for the damage cases: an entry
+// with every count zero except the name's.
+FB header551(quint32 currentNumber = 0)
+{
+    FB f;
+    f.u32(551).u16(0).u32(0x82).u16(0).u16(0).u16(0).u32(0).u32(currentNumber);
+    f.u16(0).str(QStringLiteral("Root")).u32(0).u32(2).u16(15);
+    return f;
+}
+
+FB &plainEntry(FB &f, quint32 depth, quint32 number, const QString &name, const QStringList &links = {})
+{
+    f.u32(depth).u32(number).u16(0).str(name).u32(0).u32(2).u16(15);
+    f.str(QString()).u16(0).time(2024, 1, 1, 1, 0, 0, 0, 0).u16(0).u16(1).u32(1).str(QString()).u16(10);
+    f.zeroTime().zeroTime().u32(0).u32(quint32(links.size()));
+    for (const QString &link : links)
+        f.str(link);
+    return f;
+}
+
+QByteArray writtenBack(const QByteArray &file)
+{
+    Document doc;
+    if (DocumentFile::loadFromBytes(file, &doc) != DocumentFile::Loaded)
+        return "load failed";
+    return DocumentFile::toBytes(doc);
+}
+
+} // namespace
+
+class TestDocumentFile : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void emptyDocumentIsHeaderAndRootOnly();
+    void version551EveryFieldUnusual();
+    void version550HasNoReminderTime();
+    void versions500And501_data();
+    void versions500And501();
+    void version410LegacyRecords();
+    void legacyDepthJumpsAndFolderLinks();
+    void damagedFilesAreRefused_data();
+    void damagedFilesAreRefused();
+    void everyTruncationIsDamageOrAnEarlierEnd();
+    void depthThreeToOneIsValid();
+    void linkRepairAndCurrentNumber();
+    void writerNumbersCurrentAndLinkTargetsFirst();
+    void categoriesAreCollectedCaseSensitively();
+    void generatedDocumentRoundTrips();
+    void chainOfAMillionLevels();
+    void fileResults();
+    void branchFile();
+    void importIntoNode();
+    void importRefusals();
+};
+
+void TestDocumentFile::emptyDocumentIsHeaderAndRootOnly()
+{
+    Document doc;
+    const QByteArray expected = QByteArray::fromHex("27020000"           // Version 551
+                                                    "0000"               // HashLength 0
+                                                    "82000000"           // ShowNoteWindow, ViewAscending
+                                                    "0000" "0000" "0000" // NoteType, ViewMode, ViewOrder
+                                                    "00000000"           // HideByStatus
+                                                    "00000000"           // CurrentNumber: the root
+                                                    "0000"               // Image
+                                                    "04000000" "52006f006f007400" // "Root"
+                                                    "00000000"           // ExtraWord
+                                                    "02000000"           // Ascending, not expanded
+                                                    "0f00");             // manual order
+    QCOMPARE(expected.size(), 24 + 16 + 2 * 4);
+    QCOMPARE(DocumentFile::toBytes(doc), expected);
+
+    Document loaded;
+    QCOMPARE(DocumentFile::loadFromBytes(expected, &loaded), DocumentFile::Loaded);
+    QCOMPARE(loaded.root()->name(), QStringLiteral("Root"));
+    QVERIFY(!loaded.root()->hasChildren());
+    QCOMPARE(loaded.current(), loaded.root());
+}
+
+void TestDocumentFile::version551EveryFieldUnusual()
+{
+    FB f;
+    f.u32(551).u16(3).hex("abcdef").u32(0xFFFFFFFF).u16(2).u16(3).u16(5).u32(0xFFFFFF8F).u32(7);
+    f.u16(0xFFFF).str(QStringLiteral("Wurzel ü")).u32(0xDEADBEEF).u32(3).u16(4);
+    // A: depth 1, number 9.
+    f.u32(1).u32(9).u16(0xFFFE).str(QString()).u32(0x80000001).u32(1).u16(5);
+    f.str(QStringLiteral("1234567")).u16(0xFFFF).time(2004, 2, 0, 29, 23, 59, 59, 999).u16(250).u16(7).u32(0xFFFFFFF8);
+    f.str(QStringLiteral("Öffentlich")).u16(0).time(0, 0, 1, 2, 3, 4, 5, 6);
+    f.time(0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF).u32(5).hex("0102030405");
+    f.u32(3).str(QStringLiteral("!7")).str(QStringLiteral("!99")).str(QStringLiteral("\\\\server\\share\\x.txt"));
+    // B: depth 2, number 7, a negative NoteSize (no note, no bytes), a link back to A.
+    f.u32(2).u32(7).u16(12).str(QStringLiteral("Kind")).u32(0).u32(2).u16(15);
+    f.str(QString()).u16(35).time(1999, 12, 5, 31, 0, 0, 0, 0).u16(100).u16(1).u32(7);
+    f.str(QStringLiteral("öffentlich")).u16(20).time(2025, 6, 0, 1, 0, 0, 0, 0).zeroTime().u32(0xFFFFFFFF);
+    f.u32(1).str(QStringLiteral("!9"));
+
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    QCOMPARE(doc.version, 551u);
+    QCOMPARE(doc.passwordHash, QByteArray::fromHex("abcdef"));
+    QVERIFY(doc.hideCompleted && doc.showNoteWindow && doc.showDueDate && doc.showStatistics && doc.viewAscending);
+    QCOMPARE(doc.noteType, quint16(2));
+    QCOMPARE(doc.viewMode, quint16(3));
+    QCOMPARE(doc.viewOrder, quint16(5));
+    QCOMPARE(doc.hideByStatus, 0xFFFFFF8Fu);
+    QCOMPARE(doc.categories, QStringList({QStringLiteral("Öffentlich"), QStringLiteral("öffentlich")}));
+
+    const TreeNode *root = doc.root();
+    QCOMPARE(root->image(), quint16(826));
+    QCOMPARE(root->name(), QStringLiteral("Wurzel ü"));
+    QCOMPARE(root->extraWord(), 0xDEADBEEFu);
+    QVERIFY(root->isExpanded() && root->isAscending());
+    QCOMPARE(root->sort(), quint16(4));
+
+    const QList<Item *> items = preOrder(root);
+    QCOMPARE(items.size(), 2);
+    const Item *a = items[0];
+    const Item *b = items[1];
+    QCOMPARE(b->parent(), a);
+    QCOMPARE(doc.current(), b);
+
+    QCOMPARE(a->image(), quint16(0xFFFE));
+    QCOMPARE(a->name(), QString());
+    QCOMPARE(a->extraWord(), 0x80000001u);
+    QVERIFY(a->isExpanded());
+    QVERIFY(!a->isAscending());
+    QCOMPARE(a->sort(), quint16(5));
+    QCOMPARE(a->taskTime(), QStringLiteral("1234567"));
+    QCOMPARE(a->taskTimeType(), quint16(0));
+    QCOMPARE(a->colour(), quint16(0));
+    QCOMPARE(a->created(), st(2004, 2, 0, 29, 23, 59, 59, 999));
+    QCOMPARE(a->progress(), quint16(250));
+    QCOMPARE(a->statusType(), quint16(7));
+    QVERIFY(!a->showIcon() && !a->autoProgress() && !a->isItalic());
+    QCOMPARE(a->category(), QStringLiteral("Öffentlich"));
+    QCOMPARE(a->priority(), quint16(0));
+    QCOMPARE(a->dueDate(), st(0, 0, 1, 2, 3, 4, 5, 6));
+    QVERIFY(!a->hasDueDate());
+    QCOMPARE(a->reminderTime(), st(0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF));
+    QCOMPARE(a->note(), QByteArray::fromHex("0102030405"));
+    QCOMPARE(a->links(), QStringList({b->linkText(), QStringLiteral("!0"), QStringLiteral("\\\\server\\share\\x.txt")}));
+
+    QCOMPARE(b->image(), quint16(12));
+    QVERIFY(!b->isExpanded());
+    QVERIFY(b->isAscending());
+    QCOMPARE(b->colour(), quint16(35));
+    QCOMPARE(b->created(), st(1999, 12, 5, 31, 0, 0, 0, 0));
+    QCOMPARE(b->progress(), quint16(100));
+    QVERIFY(b->showIcon() && b->autoProgress() && b->isItalic());
+    QCOMPARE(b->category(), QStringLiteral("öffentlich"));
+    QCOMPARE(b->priority(), quint16(20));
+    QCOMPARE(b->dueDate(), st(2025, 6, 0, 1, 0, 0, 0, 0));
+    QVERIFY(b->reminderTime().isZero());
+    QCOMPARE(b->noteSize(), 0);
+    QCOMPARE(b->links(), QStringList{a->linkText()});
+
+    // Written back: only the five document flags, 826 for the unset image, 0
+    // for the unset colour, the current Item numbered 1, A numbered 2 when
+    // met, the dead link as "!0".
+    FB e;
+    e.u32(551).u16(3).hex("abcdef").u32(0x8F).u16(2).u16(3).u16(5).u32(0xFFFFFF8F).u32(1);
+    e.u16(826).str(QStringLiteral("Wurzel ü")).u32(0xDEADBEEF).u32(3).u16(4);
+    e.u32(1).u32(2).u16(0xFFFE).str(QString()).u32(0x80000001).u32(1).u16(5);
+    e.str(QStringLiteral("1234567")).u16(0).time(2004, 2, 0, 29, 23, 59, 59, 999).u16(250).u16(7).u32(0);
+    e.str(QStringLiteral("Öffentlich")).u16(0).time(0, 0, 1, 2, 3, 4, 5, 6);
+    e.time(0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF).u32(5).hex("0102030405");
+    e.u32(3).str(QStringLiteral("!1")).str(QStringLiteral("!0")).str(QStringLiteral("\\\\server\\share\\x.txt"));
+    e.u32(2).u32(1).u16(12).str(QStringLiteral("Kind")).u32(0).u32(2).u16(15);
+    e.str(QString()).u16(35).time(1999, 12, 5, 31, 0, 0, 0, 0).u16(100).u16(1).u32(7);
+    e.str(QStringLiteral("öffentlich")).u16(20).time(2025, 6, 0, 1, 0, 0, 0, 0).zeroTime().u32(0);
+    e.u32(1).str(QStringLiteral("!2"));
+    QCOMPARE(DocumentFile::toBytes(doc), e.data());
+}
+
+void TestDocumentFile::version550HasNoReminderTime()
+{
+    FB f;
+    f.u32(550).u16(0).u32(0x04).u16(1).u16(2).u16(1).u32(0x40).u32(0);
+    f.u16(3).str(QStringLiteral("R")).u32(0).u32(0).u16(0);
+    f.u32(1).u32(4).u16(7).str(QStringLiteral("x")).u32(0).u32(2).u16(15);
+    f.str(QStringLiteral("5")).u16(1).time(2010, 5, 1, 3, 4, 5, 6, 7).u16(50).u16(2).u32(1);
+    f.str(QString()).u16(10).time(2011, 1, 6, 1, 0, 0, 0, 0).u32(2).hex("4100").u32(0);
+
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    QCOMPARE(doc.version, 550u);
+    QVERIFY(doc.showDueDate && !doc.showNoteWindow && !doc.viewAscending);
+    const Item *item = doc.root()->child(0);
+    QCOMPARE(item->dueDate(), st(2011, 1, 6, 1, 0, 0, 0, 0));
+    QVERIFY(item->reminderTime().isZero());
+    QCOMPARE(item->note(), QByteArray::fromHex("4100"));
+    QVERIFY(!doc.root()->isAscending());
+
+    FB e;
+    e.u32(551).u16(0).u32(0x04).u16(1).u16(2).u16(1).u32(0x40).u32(0);
+    e.u16(3).str(QStringLiteral("R")).u32(0).u32(0).u16(0);
+    e.u32(1).u32(1).u16(7).str(QStringLiteral("x")).u32(0).u32(2).u16(15);
+    e.str(QStringLiteral("5")).u16(1).time(2010, 5, 1, 3, 4, 5, 6, 7).u16(50).u16(2).u32(1);
+    e.str(QString()).u16(10).time(2011, 1, 6, 1, 0, 0, 0, 0).zeroTime().u32(2).hex("4100").u32(0);
+    QCOMPARE(writtenBack(f), e.data());
+}
+
+void TestDocumentFile::versions500And501_data()
+{
+    QTest::addColumn<quint32>("version");
+    QTest::addColumn<quint16>("loadedSort");
+    QTest::newRow("500 reads Sort 5 as manual order") << 500u << quint16(15);
+    QTest::newRow("501 keeps Sort 5") << 501u << quint16(5);
+}
+
+void TestDocumentFile::versions500And501()
+{
+    QFETCH(quint32, version);
+    QFETCH(quint16, loadedSort);
+    FB f;
+    f.u32(version).str(QStringLiteral("abc")).u32(0x100 | 0x01).u16(1).u16(2).u32(0x20).u32(1);
+    f.u16(5).str(QStringLiteral("R")).u32(0).u32(2).u16(5);
+    f.u32(1).u32(1).u16(0).str(QStringLiteral("i")).u32(0).u32(2).u16(5);
+    f.str(QString()).u16(0).zeroTime().u16(0).u16(1).u32(1).str(QStringLiteral("Work")).u16(10).zeroTime();
+    f.u32(0).u32(0);
+
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    QCOMPARE(doc.version, version);
+    // The plain-text password of these versions becomes the digest of "abc".
+    QCOMPARE(doc.passwordHash.toHex(), QByteArray("ce1473cf80c6b3fda8e3dfc006adc315"));
+    QCOMPARE(doc.noteType, quint16(1)); // DocFlags bit 8
+    QVERIFY(doc.hideCompleted && !doc.showNoteWindow && !doc.viewAscending);
+    QCOMPARE(doc.root()->sort(), loadedSort);
+    QCOMPARE(doc.root()->child(0)->sort(), loadedSort);
+    QCOMPARE(doc.current(), doc.root()->child(0));
+
+    FB e;
+    e.u32(551).u16(16).hex("ce1473cf80c6b3fda8e3dfc006adc315").u32(0x01).u16(1).u16(1).u16(2).u32(0x20).u32(1);
+    e.u16(5).str(QStringLiteral("R")).u32(0).u32(2).u16(loadedSort);
+    e.u32(1).u32(1).u16(0).str(QStringLiteral("i")).u32(0).u32(2).u16(loadedSort);
+    e.str(QString()).u16(0).zeroTime().u16(0).u16(1).u32(1).str(QStringLiteral("Work")).u16(10).zeroTime();
+    e.zeroTime().u32(0).u32(0);
+    QCOMPARE(writtenBack(f), e.data());
+}
+
+void TestDocumentFile::version410LegacyRecords()
+{
+    DocumentFile::setLegacyDocumentsFolder(QStringLiteral("/docs"));
+    FB f;
+    // HideCompleted, ShowDueDate, ViewAscending, ShowStatistics, hide bits
+    // 14 and 16; bit 1 clear (note window shown), bit 9 clear (rich ink).
+    f.u32(410).fixed(QStringLiteral("pw"), 16).u32(0x14415).u32(0x00010002).u32(3);
+    f.fixed(QStringLiteral("Legacy title"), 96);
+    const int headerSize = f.size();
+    // Complete, expanded, current, progress bar, automatic.
+    f.u32(0x395).fixed(QStringLiteral("Erledigt"), 96).u16(30).u16(4).fixed(QStringLiteral("Home"), 64);
+    f.time(2003, 7, 2, 16, 0, 0, 0, 0).fixed(QStringLiteral("2h"), 8).u16(2).u16(9);
+    f.time(2003, 1, 3, 2, 8, 15, 0, 0).u32(1).u32(5).u32(42);
+    QCOMPARE(f.size() - headerSize, 392);
+    f.u32(2).fixed(QStringLiteral("!6"), 260).fixed(QStringLiteral("\\My Documents\\Letters\\a.psw"), 260);
+    f.u32(4).hex("41004200");
+    // Bit 7 alone: no status. Depth 3 right after depth 1 is tolerated here.
+    f.u32(0x80).fixed(QStringLiteral("Tief"), 96).u16(0).u16(9).fixed(QString(), 64);
+    f.zeroTime().fixed(QString(), 8).u16(0).u16(0).zeroTime().u32(3).u32(6).u32(42).u32(0).u32(0);
+    // Plain check box with its own progress, back at depth 1.
+    f.u32(0).fixed(QStringLiteral("Drei"), 96).u16(1).u16(0).fixed(QStringLiteral("Home"), 64);
+    f.zeroTime().fixed(QString(), 8).u16(0).u16(0).zeroTime().u32(1).u32(7).u32(60);
+    f.u32(2).fixed(QStringLiteral("/docs/Projects/x.txt"), 260).fixed(QStringLiteral("/docsother/y.txt"), 260);
+    f.u32(0);
+
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    QCOMPARE(doc.version, 410u);
+    QCOMPARE(doc.passwordHash.toHex(), QByteArray("d29e9e1676c2b9d01b1e10adce084822"));
+    QVERIFY(doc.hideCompleted && doc.showNoteWindow && doc.showDueDate && doc.viewAscending && doc.showStatistics);
+    QCOMPARE(doc.noteType, quint16(1));
+    QCOMPARE(doc.hideByStatus, 0x50u);
+    QCOMPARE(doc.viewMode, quint16(2));
+    QCOMPARE(doc.viewOrder, quint16(3));
+    QCOMPARE(doc.root()->name(), QStringLiteral("Legacy title"));
+    QCOMPARE(doc.categories, QStringList{QStringLiteral("Home")});
+
+    const QList<Item *> items = preOrder(doc.root());
+    QCOMPARE(items.size(), 3);
+    const Item *done = items[0];
+    const Item *deep = items[1];
+    const Item *third = items[2];
+    QCOMPARE(deep->parent(), done);
+    QCOMPARE(third->parent(), doc.root());
+    QCOMPARE(doc.current(), done);
+
+    QCOMPARE(done->name(), QStringLiteral("Erledigt"));
+    QCOMPARE(done->image(), quint16(826));
+    QCOMPARE(done->priority(), quint16(5));
+    QCOMPARE(done->category(), QStringLiteral("Home"));
+    QCOMPARE(done->dueDate(), st(2003, 7, 2, 16, 0, 0, 0, 0));
+    QCOMPARE(done->taskTime(), QStringLiteral("2h"));
+    QCOMPARE(done->taskTimeType(), quint16(3));
+    QCOMPARE(done->colour(), quint16(9));
+    QCOMPARE(done->created(), st(2003, 1, 3, 2, 8, 15, 0, 0));
+    QCOMPARE(done->progress(), quint16(100));
+    QCOMPARE(done->statusType(), quint16(Item::ProgressBar));
+    QVERIFY(done->autoProgress() && done->isExpanded() && done->showIcon() && !done->isItalic());
+    QCOMPARE(done->links(), QStringList({deep->linkText(), QStringLiteral("Letters\\a.psw")}));
+    QCOMPARE(done->note(), QByteArray::fromHex("41004200"));
+
+    QCOMPARE(deep->statusType(), quint16(Item::NoStatus));
+    QCOMPARE(deep->progress(), quint16(42));
+    QCOMPARE(deep->image(), quint16(796));
+    QCOMPARE(deep->priority(), quint16(10));
+    QCOMPARE(deep->taskTimeType(), quint16(0));
+
+    QCOMPARE(third->statusType(), quint16(Item::CheckBox));
+    QCOMPARE(third->progress(), quint16(60));
+    QCOMPARE(third->links(), QStringList({QStringLiteral("Projects/x.txt"), QStringLiteral("/docsother/y.txt")}));
+
+    // Every record of the file is needed: a record cut short is damage.
+    for (int cut : {1, 100, 392, 392 + 4 + 520}) {
+        Document partial;
+        QCOMPARE(DocumentFile::loadFromBytes(f.data().left(f.size() - cut), &partial), DocumentFile::Damaged);
+    }
+}
+
+void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
+{
+    auto record = [](FB &f, quint32 depth, const QString &name) {
+        f.u32(0).fixed(name, 96).u16(0).u16(0).fixed(QString(), 64).zeroTime().fixed(QString(), 8).u16(0).u16(0);
+        f.zeroTime().u32(depth).u32(0).u32(0).u32(0).u32(0);
+    };
+    FB f;
+    f.u32(410).fixed(QString(), 16).u32(0x200).u32(0).u32(0).fixed(QStringLiteral("T"), 96);
+    record(f, 1, QStringLiteral("a"));
+    record(f, 5, QStringLiteral("b")); // child of a
+    record(f, 5, QStringLiteral("c")); // sibling of b
+    record(f, 0, QStringLiteral("d")); // climbs past the depths the tree has: stops at the root
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    QCOMPARE(doc.noteType, quint16(0)); // bit 9 set
+    QVERIFY(doc.passwordHash.isEmpty());
+    const QList<Item *> items = preOrder(doc.root());
+    QCOMPARE(items.size(), 4);
+    QCOMPARE(items[1]->parent(), items[0]);
+    QCOMPARE(items[2]->parent(), items[0]);
+    QCOMPARE(items[3]->parent(), doc.root());
+
+    // A TaskTime that fills all 8 units has no terminator: damage.
+    FB g;
+    g.u32(410).fixed(QString(), 16).u32(0).u32(0).u32(0).fixed(QStringLiteral("T"), 96);
+    g.u32(0).fixed(QStringLiteral("x"), 96).u16(0).u16(0).fixed(QString(), 64).zeroTime();
+    g.fixed(QStringLiteral("12345678"), 8).u16(0).u16(0).zeroTime().u32(1).u32(0).u32(0).u32(0).u32(0);
+    Document bad;
+    QCOMPARE(DocumentFile::loadFromBytes(g, &bad), DocumentFile::Damaged);
+}
+
+void TestDocumentFile::damagedFilesAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("result");
+
+    QTest::newRow("empty file") << QByteArray() << 1;
+    QTest::newRow("three bytes") << QByteArray::fromHex("270200") << 1;
+    QTest::newRow("version 552") << FB().u32(552).u16(0).data() << 2;
+    QTest::newRow("version 0") << FB().u32(0).data() << 2;
+    QTest::newRow("version 411") << FB().u32(411).data() << 2;
+    QTest::newRow("header cut") << FB().u32(551).u16(0).u32(0).data() << 1;
+    QTest::newRow("hash longer than the file") << FB().u32(551).u16(0xFFFF).hex("0102").data() << 1;
+    QTest::newRow("root name count huge")
+        << FB().u32(551).u16(0).u32(0).u16(0).u16(0).u16(0).u32(0).u32(0).u16(0).u32(0x7FFFFFFF).u16(65).data() << 1;
+    QTest::newRow("root name count 0xFFFFFFFF")
+        << FB().u32(551).u16(0).u32(0).u16(0).u16(0).u16(0).u32(0).u32(0).u16(0).u32(0xFFFFFFFF).data() << 1;
+    QTest::newRow("500 password count huge") << FB().u32(500).u32(0x40000000).u16(97).data() << 1;
+    QTest::newRow("410 header cut") << FB().u32(410).fixed(QString(), 16).u32(0).data() << 1;
+    {
+        FB f;
+        f.u32(410).fixed(QString(), 16).u32(0).u32(0).u32(0).fixed(QStringLiteral("T"), 96);
+        f.u32(0).fixed(QStringLiteral("x"), 50);
+        QTest::newRow("410 record cut") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        f.u32(1).u32(1).u16(0).u32(0x7FFFFFF0);
+        QTest::newRow("item name count huge") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        f.u32(1).u32(1).u16(0).str(QStringLiteral("x")).u32(0).u32(0).u16(15).str(QStringLiteral("12345678"));
+        f.u16(0).zeroTime().u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().zeroTime().u32(0).u32(0);
+        QTest::newRow("TaskTime of 8 units") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        f.u32(1).u32(1).u16(0).str(QStringLiteral("x")).u32(0).u32(0).u16(15).str(QString());
+        f.u16(0).zeroTime().u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().zeroTime().u32(0x7FFFFFFF);
+        f.hex("00000000");
+        QTest::newRow("note size beyond the file") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        f.u32(1).u32(1).u16(0).str(QStringLiteral("x")).u32(0).u32(0).u16(15).str(QString());
+        f.u16(0).zeroTime().u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().zeroTime().u32(0).u32(0x7FFFFFFF);
+        QTest::newRow("link count huge") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        f.u32(1).u32(1).u16(0).str(QStringLiteral("x")).u32(0).u32(0).u16(15).str(QString());
+        f.u16(0).zeroTime().u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().zeroTime().u32(0).u32(3);
+        f.str(QStringLiteral("!1"));
+        QTest::newRow("fewer links than counted") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        plainEntry(f, 2, 1, QStringLiteral("first at depth 2"));
+        QTest::newRow("first entry at depth 2") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        plainEntry(f, 0, 1, QStringLiteral("depth 0"));
+        QTest::newRow("depth 0") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        plainEntry(f, 1, 1, QStringLiteral("a"));
+        plainEntry(f, 3, 2, QStringLiteral("jumps two levels"));
+        QTest::newRow("depth 1 to 3") << f.data() << 1;
+    }
+    {
+        FB f = header551();
+        plainEntry(f, 1, 1, QStringLiteral("a"));
+        f.hex("010000");
+        QTest::newRow("three stray bytes after an entry") << f.data() << 1;
+    }
+    {
+        FB f;
+        f.u32(410).fixed(QString(), 16).u32(0).u32(0).u32(0).fixed(QStringLiteral("T"), 96);
+        f.u32(0).fixed(QStringLiteral("x"), 96).u16(0).u16(0).fixed(QString(), 64).zeroTime().fixed(QString(), 8);
+        f.u16(0).u16(0).zeroTime().u32(1).u32(0).u32(0).u32(0x10000000).u32(0);
+        QTest::newRow("410 link count huge") << f.data() << 1;
+    }
+}
+
+void TestDocumentFile::damagedFilesAreRefused()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(int, result);
+    Document doc;
+    QCOMPARE(int(DocumentFile::loadFromBytes(file, &doc)), result);
+}
+
+void TestDocumentFile::everyTruncationIsDamageOrAnEarlierEnd()
+{
+    FB f = header551(2);
+    QList<int> ends{f.size()};
+    plainEntry(f, 1, 1, QStringLiteral("one"), {QStringLiteral("!3")});
+    ends.append(f.size());
+    plainEntry(f, 2, 2, QStringLiteral("two"));
+    ends.append(f.size());
+    plainEntry(f, 1, 3, QStringLiteral("three"), {QStringLiteral("!1"), QStringLiteral("http://x")});
+    ends.append(f.size());
+
+    const QByteArray file = f;
+    for (int length = 0; length <= file.size(); ++length) {
+        Document doc;
+        const DocumentFile::LoadResult result = DocumentFile::loadFromBytes(file.left(length), &doc);
+        const int complete = int(ends.indexOf(length));
+        if (complete < 0) {
+            QVERIFY2(result == DocumentFile::Damaged, qPrintable(QString::number(length)));
+        } else {
+            QCOMPARE(result, DocumentFile::Loaded);
+            QCOMPARE(preOrder(doc.root()).size(), complete);
+        }
+    }
+}
+
+void TestDocumentFile::depthThreeToOneIsValid()
+{
+    FB f = header551();
+    plainEntry(f, 1, 1, QStringLiteral("a"));
+    plainEntry(f, 2, 2, QStringLiteral("b"));
+    plainEntry(f, 3, 3, QStringLiteral("c"));
+    plainEntry(f, 1, 4, QStringLiteral("d"));
+    plainEntry(f, 2, 5, QStringLiteral("e"));
+    plainEntry(f, 2, 6, QStringLiteral("f"));
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    const QList<Item *> items = preOrder(doc.root());
+    QCOMPARE(items.size(), 6);
+    QCOMPARE(items[2]->parent(), items[1]);
+    QCOMPARE(items[3]->parent(), doc.root());
+    QCOMPARE(items[4]->parent(), items[3]);
+    QCOMPARE(items[5]->parent(), items[3]);
+    QCOMPARE(doc.root()->childCount(), 2);
+    // No entry asked to be expanded.
+    QVERIFY(!items[0]->isExpanded());
+}
+
+void TestDocumentFile::linkRepairAndCurrentNumber()
+{
+    // Two entries share number 5: the later one is the one links and the
+    // current number name.
+    FB f = header551(5);
+    plainEntry(f, 1, 5, QStringLiteral("first five"));
+    plainEntry(f, 1, 5, QStringLiteral("second five"),
+               {QStringLiteral("!5"), QStringLiteral("!6"), QStringLiteral("!x"), QStringLiteral("!"),
+                QStringLiteral("!0"), QStringLiteral("!99999999999"), QStringLiteral("mailto:a@b")});
+    plainEntry(f, 1, 6, QStringLiteral("six"));
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    const QList<Item *> items = preOrder(doc.root());
+    QCOMPARE(doc.current(), items[1]);
+    const QStringList links = items[1]->links();
+    QCOMPARE(links.size(), 7);
+    QCOMPARE(doc.linkTarget(links[0]), items[1]);
+    QCOMPARE(doc.linkTarget(links[1]), items[2]);
+    for (int i = 2; i < 6; ++i) {
+        QCOMPARE(links[i], QStringLiteral("!0"));
+        QVERIFY(!doc.linkTarget(links[i]));
+    }
+    QCOMPARE(links[6], QStringLiteral("mailto:a@b"));
+
+    // A current number that no entry has, or one below 1, leaves the root current.
+    for (quint32 current : {9u, 0u, 0xFFFFFFFFu}) {
+        FB g = header551(current);
+        plainEntry(g, 1, 9 == current ? 1 : 2, QStringLiteral("a"));
+        Document other;
+        QCOMPARE(DocumentFile::loadFromBytes(g, &other), DocumentFile::Loaded);
+        QCOMPARE(other.current(), other.root());
+    }
+}
+
+void TestDocumentFile::writerNumbersCurrentAndLinkTargetsFirst()
+{
+    Document doc;
+    const SystemTime created = st(2024, 1, 1, 1, 0, 0, 0, 0);
+    auto *a = new Item(QStringLiteral("a"), 0, created);
+    auto *b = new Item(QStringLiteral("b"), 0, created);
+    auto *c = new Item(QStringLiteral("c"), 0, created);
+    auto *d = new Item(QStringLiteral("d"), 0, created);
+    doc.root()->appendChild(a);
+    a->appendChild(b);
+    doc.root()->appendChild(c);
+    doc.root()->appendChild(d);
+    Document elsewhere;
+    auto *foreign = new Item(QStringLiteral("foreign"));
+    elsewhere.root()->appendChild(foreign);
+    // a links to d (met before its entry) and to an Item of another document.
+    a->setLinks({d->linkText(), foreign->linkText()});
+    // c, the current Item, links back to a (already written).
+    c->setLinks({a->linkText()});
+    doc.setCurrent(c);
+
+    FB expected;
+    expected.u32(551).u16(0).u32(0x82).u16(0).u16(0).u16(0).u32(0).u32(1);
+    expected.u16(0).str(QStringLiteral("Root")).u32(0).u32(2).u16(15);
+    plainEntry(expected, 1, 2, QStringLiteral("a"), {QStringLiteral("!3"), QStringLiteral("!0")});
+    plainEntry(expected, 2, 4, QStringLiteral("b"));
+    plainEntry(expected, 1, 1, QStringLiteral("c"), {QStringLiteral("!2")});
+    plainEntry(expected, 1, 3, QStringLiteral("d"));
+    QCOMPARE(DocumentFile::toBytes(doc), expected.data());
+}
+
+void TestDocumentFile::categoriesAreCollectedCaseSensitively()
+{
+    FB f = header551();
+    const QStringList categories{QStringLiteral("Work"), QStringLiteral("work"), QString(), QStringLiteral("Work"),
+                                 QStringLiteral("WORK"), QStringLiteral("Home")};
+    quint32 number = 1;
+    for (const QString &category : categories) {
+        f.u32(1).u32(number++).u16(0).str(QStringLiteral("x")).u32(0).u32(2).u16(15).str(QString()).u16(0);
+        f.zeroTime().u16(0).u16(1).u32(1).str(category).u16(10).zeroTime().zeroTime().u32(0).u32(0);
+    }
+    Document doc;
+    QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    QCOMPARE(doc.categories,
+             QStringList({QStringLiteral("Work"), QStringLiteral("work"), QStringLiteral("WORK"), QStringLiteral("Home")}));
+    const QList<Item *> items = preOrder(doc.root());
+    QCOMPARE(items[3]->category(), QStringLiteral("Work"));
+    // Equal texts share one copy: a million Items of a few categories keep a few strings.
+    QCOMPARE(items[3]->category().constData(), items[0]->category().constData());
+}
+
+void TestDocumentFile::generatedDocumentRoundTrips()
+{
+    for (quint16 noteType : {quint16(0), quint16(2)}) {
+        Document original;
+        DocumentGenerator::generate(&original, {600, 7, false, noteType});
+        const QList<Item *> before = preOrder(original.root());
+        before[10]->setTaskTimeType(4);
+        before[11]->setReminderTime(st(2026, 3, 2, 10, 8, 30, 0, 0));
+        before[12]->setExtraWord(77);
+        before[13]->setItalic(true);
+        original.passwordHash = QByteArray(16, 'h');
+        original.setCurrent(before[300]);
+
+        const QByteArray bytes = DocumentFile::toBytes(original);
+        Document loaded;
+        QCOMPARE(DocumentFile::loadFromBytes(bytes, &loaded), DocumentFile::Loaded);
+        QCOMPARE(DocumentFile::toBytes(loaded), bytes);
+        QCOMPARE(loaded.categories, original.categories);
+        QCOMPARE(loaded.passwordHash, original.passwordHash);
+        QCOMPARE(loaded.noteType, noteType);
+        const QList<Item *> after = preOrder(loaded.root());
+        QCOMPARE(after.size(), before.size());
+        QCOMPARE(loaded.current(), after[300]);
+        int links = 0;
+        int notes = 0;
+        for (int i = 0; i < after.size(); ++i) {
+            const Item *x = before[i];
+            const Item *y = after[i];
+            QCOMPARE(y->name(), x->name());
+            QCOMPARE(y->level(), x->level());
+            QCOMPARE(y->image(), x->image());
+            QCOMPARE(y->extraWord(), x->extraWord());
+            QCOMPARE(y->stdFlags(), x->stdFlags());
+            QCOMPARE(y->sort(), x->sort());
+            QCOMPARE(y->taskTime(), x->taskTime());
+            QCOMPARE(y->taskTimeType(), quint16(0)); // the file does not keep it
+            QCOMPARE(y->colour(), x->colour());
+            QCOMPARE(y->created(), x->created());
+            QCOMPARE(y->progress(), x->progress());
+            QCOMPARE(y->statusType(), x->statusType());
+            QCOMPARE(y->flags(), x->flags());
+            QCOMPARE(y->category(), x->category());
+            QCOMPARE(y->priority(), x->priority());
+            QCOMPARE(y->dueDate(), x->dueDate());
+            QCOMPARE(y->reminderTime(), x->reminderTime());
+            QCOMPARE(y->note(), x->note());
+            notes += y->noteSize() > 0;
+            const QStringList xl = x->links();
+            const QStringList yl = y->links();
+            QCOMPARE(yl.size(), xl.size());
+            for (int k = 0; k < xl.size(); ++k) {
+                if (Item::isItemLink(xl[k])) {
+                    // The same target, by position.
+                    QCOMPARE(after.indexOf(loaded.linkTarget(yl[k])), before.indexOf(original.linkTarget(xl[k])));
+                    ++links;
+                } else {
+                    QCOMPARE(yl[k], xl[k]);
+                }
+            }
+        }
+        QVERIFY(links > 3);
+        QVERIFY(notes > 60);
+    }
+}
+
+void TestDocumentFile::chainOfAMillionLevels()
+{
+    Document chain;
+    DocumentGenerator::generate(&chain, {1000000, 3, true, 0});
+    QByteArray bytes = DocumentFile::toBytes(chain);
+    // One more entry back at depth 1 climbs the whole chain at once.
+    FB tail;
+    plainEntry(tail, 1, 0xFFFFFF, QStringLiteral("back at the top"));
+    bytes += tail.data();
+
+    Document loaded;
+    QCOMPARE(DocumentFile::loadFromBytes(bytes, &loaded), DocumentFile::Loaded);
+    QCOMPARE(loaded.root()->childCount(), 2);
+    int depth = 0;
+    for (const TreeNode *node = loaded.root()->child(0); node; node = node->hasChildren() ? node->children()[0] : nullptr)
+        ++depth;
+    QCOMPARE(depth, 1000000);
+    QCOMPARE(DocumentFile::toBytes(loaded).size(), bytes.size());
+}
+
+void TestDocumentFile::fileResults()
+{
+    QTemporaryDir dir;
+    Document doc;
+    QCOMPARE(DocumentFile::load(dir.filePath(QStringLiteral("absent.qbx")), &doc), DocumentFile::NotFound);
+    QCOMPARE(DocumentFile::load(dir.path(), &doc), DocumentFile::Damaged);
+    QCOMPARE(DocumentFile::loadMessage(DocumentFile::NotFound, QStringLiteral("/x/y.qbx")),
+             QStringLiteral("File '/x/y.qbx' does not exist."));
+
+    Document source;
+    DocumentGenerator::generate(&source, {40, 1, false, 0});
+    const QString path = dir.filePath(QStringLiteral("doc.qbx"));
+    QVERIFY(DocumentFile::save(source, path));
+    Document loaded;
+    QCOMPARE(DocumentFile::load(path, &loaded), DocumentFile::Loaded);
+    QCOMPARE(loaded.path, path);
+    QCOMPARE(preOrder(loaded.root()).size(), 40);
+
+    // Saving to the document's own path replaces the file.
+    loaded.root()->child(0)->setName(QStringLiteral("renamed"));
+    QVERIFY(DocumentFile::save(loaded));
+    Document again;
+    QCOMPARE(DocumentFile::load(path, &again), DocumentFile::Loaded);
+    QCOMPARE(again.root()->child(0)->name(), QStringLiteral("renamed"));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("doc.qbx")});
+
+    // A save into a folder that does not exist fails and creates nothing.
+    QVERIFY(!DocumentFile::save(loaded, dir.filePath(QStringLiteral("no/such/folder.qbx"))));
+}
+
+void TestDocumentFile::branchFile()
+{
+    Document doc;
+    doc.passwordHash = QByteArray::fromHex("0011");
+    doc.noteType = 2;
+    const SystemTime created = st(2024, 1, 1, 1, 0, 0, 0, 0);
+    auto *top = new Item(QStringLiteral("top"), 0, created);
+    auto *branch = new Item(QStringLiteral("branch"), 6, created);
+    auto *inner = new Item(QStringLiteral("inner"), 0, created);
+    auto *leaf = new Item(QStringLiteral("leaf"), 0, created);
+    doc.root()->appendChild(top);
+    top->appendChild(branch);
+    branch->appendChild(inner);
+    inner->appendChild(leaf);
+    branch->setExpanded(true);
+    branch->setSort(1);
+    branch->setExtraWord(5);
+    // A link inside the branch and one to an Item outside it.
+    leaf->setLinks({inner->linkText(), top->linkText()});
+    doc.setCurrent(leaf);
+
+    FB e;
+    e.u32(551).u16(2).hex("0011").u32(0x82).u16(2).u16(0).u16(0).u32(0).u32(0);
+    e.u16(6).str(QStringLiteral("branch")).u32(5).u32(3).u16(1);
+    plainEntry(e, 1, 1, QStringLiteral("inner"));
+    plainEntry(e, 2, 2, QStringLiteral("leaf"), {QStringLiteral("!1"), QStringLiteral("!3")});
+    QCOMPARE(DocumentFile::branchToBytes(doc, branch), e.data());
+
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("branch.qbx"));
+    QVERIFY(DocumentFile::saveBranch(doc, branch, path));
+    Document loaded;
+    QCOMPARE(DocumentFile::load(path, &loaded), DocumentFile::Loaded);
+    QCOMPARE(loaded.root()->name(), QStringLiteral("branch"));
+    const QList<Item *> items = preOrder(loaded.root());
+    QCOMPARE(items.size(), 2);
+    QCOMPARE(loaded.linkTarget(items[1]->links()[0]), items[0]);
+    QVERIFY(!loaded.linkTarget(items[1]->links()[1])); // outside the branch: dead
+}
+
+void TestDocumentFile::importIntoNode()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("import.qbx"));
+    FB f;
+    f.u32(551).u16(16).hex("ce1473cf80c6b3fda8e3dfc006adc315").u32(0x0F).u16(2).u16(3).u16(4).u32(0x70).u32(2);
+    f.u16(0).str(QStringLiteral("Imported root")).u32(0).u32(2).u16(15);
+    plainEntry(f, 1, 1, QStringLiteral("one"), {QStringLiteral("!2")});
+    plainEntry(f, 2, 2, QStringLiteral("two"));
+    plainEntry(f, 1, 3, QStringLiteral("three"));
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(f);
+    }
+
+    Document doc;
+    doc.categories = {QStringLiteral("Mine")};
+    auto *target = new Item(QStringLiteral("target"));
+    auto *existing = new Item(QStringLiteral("existing"));
+    doc.root()->appendChild(target);
+    target->appendChild(existing);
+
+    QByteArray askedHash;
+    QList<QPair<quint16, quint16>> conversions;
+    const auto prompt = [&askedHash](const QByteArray &hash) {
+        askedHash = hash;
+        return true;
+    };
+    const auto convert = [&conversions](TreeNode *root, quint16 from, quint16 to) {
+        QCOMPARE(root->childCount(), 2);
+        conversions.append({from, to});
+    };
+    QCOMPARE(DocumentFile::importInto(&doc, target, path, prompt, convert), DocumentFile::Loaded);
+    QCOMPARE(askedHash.toHex(), QByteArray("ce1473cf80c6b3fda8e3dfc006adc315"));
+    QCOMPARE(conversions, (QList<QPair<quint16, quint16>>{{2, 0}}));
+    QCOMPARE(target->childCount(), 3);
+    QCOMPARE(target->child(0), existing);
+    QCOMPARE(target->child(1)->name(), QStringLiteral("one"));
+    QCOMPARE(target->child(2)->name(), QStringLiteral("three"));
+    QCOMPARE(doc.linkTarget(target->child(1)->links()[0]), target->child(1)->child(0));
+    // The imported file's header leaves the document as it was.
+    QCOMPARE(doc.noteType, quint16(0));
+    QVERIFY(doc.passwordHash.isEmpty());
+    QCOMPARE(doc.viewMode, quint16(0));
+    QCOMPARE(doc.current(), doc.root());
+
+    // Equal note types need no conversion.
+    doc.noteType = 2;
+    QCOMPARE(DocumentFile::importInto(&doc, doc.root(), path, prompt, convert), DocumentFile::Loaded);
+    QCOMPARE(conversions.size(), 1);
+    QCOMPARE(doc.root()->childCount(), 3);
+}
+
+void TestDocumentFile::importRefusals()
+{
+    QTemporaryDir dir;
+    auto write = [&dir](const QString &name, const QByteArray &bytes) {
+        QFile file(dir.filePath(name));
+        if (file.open(QIODevice::WriteOnly))
+            file.write(bytes);
+        return file.fileName();
+    };
+    FB protectedFile;
+    protectedFile.u32(551).u16(16).hex("ce1473cf80c6b3fda8e3dfc006adc315").u32(0x82).u16(0).u16(0).u16(0).u32(0).u32(0);
+    protectedFile.u16(0).str(QStringLiteral("R")).u32(0).u32(2).u16(15);
+    plainEntry(protectedFile, 1, 1, QStringLiteral("secret"));
+    FB damaged = header551();
+    plainEntry(damaged, 1, 1, QStringLiteral("fine"));
+    plainEntry(damaged, 1, 2, QStringLiteral("cut"));
+    FB old;
+    old.u32(550).u16(0).u32(0).u16(0).u16(0).u16(0).u32(0).u32(0).u16(0).str(QStringLiteral("R")).u32(0).u32(2).u16(15);
+
+    Document doc;
+    auto *target = new Item(QStringLiteral("target"));
+    doc.root()->appendChild(target);
+    const auto yes = [](const QByteArray &) { return true; };
+    const auto no = [](const QByteArray &) { return false; };
+
+    QCOMPARE(DocumentFile::importInto(&doc, target, write(QStringLiteral("p.qbx"), protectedFile), no),
+             DocumentFile::Cancelled);
+    QCOMPARE(DocumentFile::importInto(&doc, target, dir.filePath(QStringLiteral("p.qbx")), {}),
+             DocumentFile::Cancelled);
+    QCOMPARE(DocumentFile::importInto(&doc, target, write(QStringLiteral("d.qbx"), damaged.data().chopped(3)), yes),
+             DocumentFile::Damaged);
+    QCOMPARE(DocumentFile::importInto(&doc, target, write(QStringLiteral("o.qbx"), old), yes),
+             DocumentFile::UnsupportedVersion);
+    QCOMPARE(DocumentFile::importInto(&doc, target, dir.filePath(QStringLiteral("absent.qbx")), yes),
+             DocumentFile::Damaged);
+    QCOMPARE(DocumentFile::importInto(&doc, target, write(QStringLiteral("e.qbx"), "\x27\x02"), yes),
+             DocumentFile::Damaged);
+    QCOMPARE(target->childCount(), 0);
+    QCOMPARE(DocumentFile::importMessage(DocumentFile::UnsupportedVersion),
+             QStringLiteral("Only Quillbox files from the current version can be imported. Please open the file and "
+                            "save it and then try import again."));
+}
+
+QTEST_GUILESS_MAIN(TestDocumentFile)
+#include "tst_documentfile.moc"
