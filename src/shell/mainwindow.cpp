@@ -8,7 +8,8 @@
 #include "shell/prompts.h"
 #include "shell/treepane.h"
 #include "shell/waitcursor.h"
-#include "shell/documentstore.h"
+#include "storage/documentfile.h"
+#include "storage/password.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -474,19 +475,19 @@ bool MainWindow::openDocument(const QString &path)
     if (m_view)
         closeDocument();
     auto document = std::make_unique<Document>();
-    int result = 0;
+    DocumentFile::LoadResult result = DocumentFile::Damaged;
     {
         WaitCursor wait;
-        result = DocumentStore::load(path, document.get());
+        result = DocumentFile::load(path, document.get());
     }
-    if (result != 0) {
-        m_prompts->message(this, Prompts::Icon::Stop, DocumentStore::loadMessage(result, path));
+    if (result != DocumentFile::Loaded) {
+        m_prompts->message(this, Prompts::Icon::Stop, DocumentFile::loadMessage(result, path));
         return false;
     }
     if (!document->passwordHash.isEmpty()) {
         const QByteArray hash = document->passwordHash;
         const bool accepted = m_prompts->askPassword(
-            this, [&hash](const QString &password) { return DocumentStore::passwordMatches(hash, password); });
+            this, [&hash](const QString &password) { return Password::matches(hash, password); });
         if (!accepted)
             return false;
     }
@@ -513,7 +514,7 @@ bool MainWindow::createDocument()
     bool saved = false;
     {
         WaitCursor wait;
-        saved = DocumentStore::save(*document);
+        saved = DocumentFile::save(*document);
     }
     if (!saved) {
         m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));

@@ -109,7 +109,7 @@ bool DialogPrompts::askPassword(QWidget *parent, const std::function<bool(const 
     QDialog dialog(parent);
     dialog.setWindowTitle(caption());
     auto *layout = new QVBoxLayout(&dialog);
-    auto *label = new QLabel(QString::fromLatin1(Messages::PasswordEnter));
+    auto *label = new QLabel(QString::fromLatin1(Messages::PasswordEnterPrompt));
     label->setWordWrap(true);
     layout->addWidget(label);
     auto *form = new QFormLayout;
@@ -127,7 +127,7 @@ bool DialogPrompts::askPassword(QWidget *parent, const std::function<bool(const 
             return;
         }
         // Wrong passwords may be retried without limit.
-        message(&dialog, Icon::Stop, QString::fromLatin1(Messages::PasswordWrong));
+        message(&dialog, Icon::Stop, QString::fromLatin1(Messages::PasswordNotCorrect));
         edit->selectAll();
         edit->setFocus();
     });

@@ -9,6 +9,7 @@
 #include "shell/scriptedprompts.h"
 #include "shell/treepane.h"
 #include "storage/settings.h"
+#include "views/viewrows.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -121,7 +122,7 @@ void TestDocumentView::select(const QString &name)
 QPoint TestDocumentView::partOf(const QString &name, int code) const
 {
     TreePane *tree = m_view->treePane();
-    const int row = name == QLatin1String("Root") ? 0 : m_view->rowList()->indexOf(item(name));
+    const int row = name == QLatin1String("Root") ? 0 : m_view->rows()->indexOf(item(name));
     const RowGeometry g = tree->rowGeometry(row);
     switch (code) {
     case RowGeometry::Glyph:
@@ -197,19 +198,19 @@ void TestDocumentView::progressBarPresets()
     // Dismissing the menu changes nothing.
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
     QCOMPARE(b->progress(), quint16(75));
-    // With "Hide Completed Items" on, 100% hides the item and its neighbour becomes current.
+    // With "Hide Completed Items" on, 100% hides the item and the nearest row becomes current.
     m_view->document()->hideCompleted = true;
     m_view->refresh(b);
     m_prompts->menuChoices.enqueue(QStringLiteral("preset100"));
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
     QCOMPARE(b->progress(), quint16(100));
-    QCOMPARE(m_view->rowList()->indexOf(b), -1);
-    QCOMPARE(m_view->treePane()->currentNode(), m_view->document()->root());
+    QCOMPARE(m_view->rows()->indexOf(b), -1);
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("C")));
 }
 
 void TestDocumentView::glyphExpandsAndCollapses()
 {
-    RowList *rows = m_view->rowList();
+    ViewRows *rows = m_view->rows();
     QCOMPARE(rows->count(), 4); // root, A, B, C
     QWidget *viewport = m_view->treePane()->viewport();
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A"), RowGeometry::Glyph));
@@ -217,7 +218,7 @@ void TestDocumentView::glyphExpandsAndCollapses()
     QVERIFY(item(QStringLiteral("A"))->isExpanded());
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A2"), RowGeometry::Glyph));
     QCOMPARE(rows->count(), 7);
-    QCOMPARE(rows->at(4).level, 3); // A2a
+    QCOMPARE(rows->row(4).level, 3); // A2a
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A"), RowGeometry::Glyph));
     QCOMPARE(rows->count(), 4);
     // A leaf's glyph column does nothing.
@@ -379,7 +380,7 @@ void TestDocumentView::deleteAsks()
     openMenuOn(QStringLiteral("A"), QStringLiteral("action3012"));
     QVERIFY(!item(QStringLiteral("A")));
     QCOMPARE(m_view->treePane()->currentNode(), m_view->document()->root());
-    QCOMPARE(m_view->rowList()->count(), 3);
+    QCOMPARE(m_view->rows()->count(), 3);
     // The marked item went with the branch: nothing to paste.
     QVERIFY(m_view->clip().isEmpty());
     openMenuOn(QStringLiteral("B"));
@@ -494,17 +495,17 @@ void TestDocumentView::filtersCollapse()
     QVERIFY(m_view->runCommand(CommandId::HideCompleted));
     QVERIFY(m_view->isCommandChecked(CommandId::HideCompleted));
     // Collapsed to the top level; the completed branch is gone.
-    QCOMPARE(m_view->rowList()->count(), 4);
+    QCOMPARE(m_view->rows()->count(), 4);
     QVERIFY(!item(QStringLiteral("A"))->isExpanded());
     QVERIFY(m_view->runCommand(CommandId::ExpandAll));
-    QCOMPARE(m_view->rowList()->count(), 5); // root, A, A1, B, C
+    QCOMPARE(m_view->rows()->count(), 5); // root, A, A1, B, C
     QVERIFY(m_view->runCommand(CommandId::HideCheckBox));
-    QCOMPARE(m_view->rowList()->count(), 1);
+    QCOMPARE(m_view->rows()->count(), 1);
     QVERIFY(m_view->isCommandChecked(CommandId::HideCheckBox));
     QVERIFY(!m_view->isCommandChecked(CommandId::HideNoStatus));
     QVERIFY(m_view->runCommand(CommandId::HideCheckBox));
     QVERIFY(m_view->runCommand(CommandId::HideCompleted));
-    QCOMPARE(m_view->rowList()->count(), 4);
+    QCOMPARE(m_view->rows()->count(), 4);
 }
 
 void TestDocumentView::noteStoredOnSelectionChange()
