@@ -401,7 +401,11 @@ void DocumentView::registerCommands()
     for (int p = 1; p <= 20; ++p) {
         setCommand(Priority1 + p - 1, onItem([this, p](Item *item) {
                        Editing::setPriority(item, quint16(p));
-                       refresh(item);
+                       const bool sorted = item->parent() && item->parent()->sort() == TreeNode::SortPriority;
+                       if (sorted || m_rows->isGrouped())
+                           refresh(item);
+                       else
+                           m_tree->viewport()->update();
                    }));
     }
     setCommand(ChangeIcon, onItem([this](Item *item) {
@@ -506,6 +510,17 @@ void DocumentView::onStatusTapped(Item *item, const QPoint &globalPos)
 
 void DocumentView::afterProgressChange(Item *item)
 {
+    // Rows only move when a filter may hide the item, a grouped view may file
+    // it elsewhere, or an ancestor orders its children by percent complete;
+    // otherwise a repaint shows the new values without rebuilding a long list.
+    bool rowsMayMove = m_rows->isGrouped() || VisibilityFilter(*m_document).isActive();
+    for (TreeNode *n = item->parent(); n && !rowsMayMove; n = n->parent())
+        rowsMayMove = n->sort() == TreeNode::SortPercentComplete;
+    if (!rowsMayMove) {
+        m_tree->viewport()->update();
+        Q_EMIT stateChanged();
+        return;
+    }
     {
         WaitCursor wait;
         Progress::resortAncestors(item);

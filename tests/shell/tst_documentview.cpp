@@ -12,6 +12,7 @@
 #include "views/viewrows.h"
 
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -64,6 +65,7 @@ private Q_SLOTS:
     void pasteThroughTheMenu();
     void dropRefusals();
     void deleteAsks();
+    void menuOpensOnRightClickAndLongPress();
     void menuEnablingDefaultView_data();
     void menuEnablingDefaultView();
     void moveMenuEnabling();
@@ -389,6 +391,29 @@ void TestDocumentView::deleteAsks()
     select(QStringLiteral("C"));
     QTest::keyClick(m_view->treePane(), Qt::Key_Delete);
     QVERIFY(!item(QStringLiteral("C")));
+}
+
+void TestDocumentView::menuOpensOnRightClickAndLongPress()
+{
+    // A right click reaches a widget as a context menu event.
+    QWidget *viewport = m_view->treePane()->viewport();
+    const QPoint onB = partOf(QStringLiteral("B"), RowGeometry::Text);
+    QContextMenuEvent rightClick(QContextMenuEvent::Mouse, onB, viewport->mapToGlobal(onB));
+    QCoreApplication::sendEvent(viewport, &rightClick);
+    QCOMPARE(m_prompts->lastMenuTexts.value(0), QStringLiteral("Rename"));
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
+
+    m_prompts->lastMenuTexts.clear();
+    m_prompts->menuChoices.enqueue(QStringLiteral("action20103")); // priority 4
+    QTest::mousePress(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("C"), RowGeometry::Text));
+    QTRY_VERIFY(!m_prompts->lastMenuTexts.isEmpty());
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("C"), RowGeometry::Text));
+    QTRY_COMPARE(item(QStringLiteral("C"))->priority(), quint16(4));
+    // A short tap opens nothing.
+    m_prompts->lastMenuTexts.clear();
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Text));
+    QTest::qWait(900);
+    QVERIFY(m_prompts->lastMenuTexts.isEmpty());
 }
 
 void TestDocumentView::menuEnablingDefaultView_data()
