@@ -54,3 +54,13 @@ inline constexpr const char *NoteTypeRich = "Rich Text Note";
 inline constexpr const char *FileFilter = "Quillbox Files (*.qbx)";
 
 } // namespace Messages
+
+namespace Messages {
+
+inline constexpr const char *NoMatch = "No item matched the search criteria.";
+/// %1 is the template's name.
+inline constexpr const char *AskDeleteTemplate = "Are you sure to delete template '%1'?";
+inline constexpr const char *EnterName = "Please enter a name.";
+inline constexpr const char *TemplateNameLabel = "Template Name: (Max 32 characters)";
+
+} // namespace Messages

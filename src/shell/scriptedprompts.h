@@ -35,7 +35,8 @@ public:
     QList<Shown> shown;
     int passwordAttempts = 0;
     int aboutShown = 0;
-    /// Every named action of the last popup menu and its submenus.
+    /// Every named action of the last popup menu and its submenus; an entry
+    /// of a greyed submenu counts as greyed.
     QHash<QString, ActionState> lastMenu;
     /// The texts of the last popup menu's top-level entries, in order
     /// ("-" for separators).
