@@ -23,7 +23,8 @@ const char *const Separators[] = {":", "\\", "/", ",", "|", "-"};
 class TextWriter {
 public:
     TextWriter(const QString &path, const TextExport::Options &options)
-        : m_file(path), m_unicode(options.unicode), m_codePage(options.unicode ? CodePage::defaultName() : options.codePage)
+        : m_file(path), m_unicode(options.unicode),
+          m_codePage(options.unicode ? CodePage::defaultName() : options.codePage)
     {
         m_ok = m_codePage.isValid() && m_file.open(QIODevice::ReadWrite | QIODevice::Truncate);
         if (m_ok && m_unicode)
@@ -114,7 +115,7 @@ QStringList TextExport::separators()
 QString TextExport::separator(int index)
 {
     return index >= 0 && index < int(std::size(Separators)) ? QLatin1StringView(Separators[index])
-                                                             : QLatin1StringView(Separators[0]);
+                                                            : QLatin1StringView(Separators[0]);
 }
 
 bool TextExport::exportOutline(const QString &path, const QString &rootName, const RowSource &rows,

@@ -41,11 +41,7 @@ public:
         m_length += n;
     }
     void put(QStringView text) { put(reinterpret_cast<const char16_t *>(text.data()), size_t(text.size())); }
-    template<size_t N>
-    void put(const char16_t (&literal)[N])
-    {
-        put(literal, N - 1);
-    }
+    template <size_t N> void put(const char16_t (&literal)[N]) { put(literal, N - 1); }
     void put(char16_t c)
     {
         if (m_length == ChunkSize)
@@ -121,8 +117,7 @@ private:
 };
 
 // The escaping of attribute values and element text (see XmlExport::escape).
-template<typename Sink>
-void appendEscaped(Sink &out, QStringView text)
+template <typename Sink> void appendEscaped(Sink &out, QStringView text)
 {
     const auto *data = reinterpret_cast<const char16_t *>(text.data());
     const qsizetype size = text.size();
@@ -158,11 +153,7 @@ void appendEscaped(Sink &out, QStringView text)
 struct StringSink {
     QString text;
     void put(const char16_t *data, size_t n) { text.append(reinterpret_cast<const QChar *>(data), qsizetype(n)); }
-    template<size_t N>
-    void put(const char16_t (&literal)[N])
-    {
-        put(literal, N - 1);
-    }
+    template <size_t N> void put(const char16_t (&literal)[N]) { put(literal, N - 1); }
 };
 
 void putDate(Output &out, const SystemTime &time)
@@ -175,7 +166,7 @@ void putDate(Output &out, const SystemTime &time)
 }
 
 // An element holding a number: "<NAME>%d</NAME>" and CR LF.
-template<size_t N, size_t M>
+template <size_t N, size_t M>
 void numberElement(Output &out, const char16_t (&open)[N], quint64 value, const char16_t (&close)[M])
 {
     out.put(open);
@@ -184,7 +175,7 @@ void numberElement(Output &out, const char16_t (&open)[N], quint64 value, const 
 }
 
 // An element holding escaped text, "<NAME />" when the text is absent.
-template<size_t N, size_t M, size_t K>
+template <size_t N, size_t M, size_t K>
 void textElement(Output &out, const char16_t (&open)[N], const QString &value, const char16_t (&close)[M],
                  const char16_t (&absent)[K], bool present)
 {

@@ -223,7 +223,8 @@ void TestQbxExchange::importText()
     QFile::remove(doc);
     run = qbx({"import", "text", text});
     QCOMPARE(run.status, 3);
-    QCOMPARE(run.err, QByteArray("The format of the import text file is invalid. Please correct the file and try again.\n"));
+    QCOMPARE(run.err,
+             QByteArray("The format of the import text file is invalid. Please correct the file and try again.\n"));
     QVERIFY(!QFile::exists(doc));
 
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -261,8 +262,9 @@ void TestQbxExchange::convertNotes()
     Document back;
     QCOMPARE(DocumentFile::load(doc, &back), DocumentFile::Loaded);
     QCOMPARE(back.noteType, quint16(2));
-    QCOMPARE(back.root()->child(0)->note(),
-             QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}\r\n\\pard hi\\par\r\n}"));
+    QCOMPARE(
+        back.root()->child(0)->note(),
+        QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}\r\n\\pard hi\\par\r\n}"));
     QCOMPARE(qbx({"convert-notes", doc, "--to", "5"}).status, 2);
 }
 
