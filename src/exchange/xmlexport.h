@@ -13,7 +13,8 @@ class TreeNode;
 /// Item with its elements in a fixed order, no indentation, CR LF after every
 /// line, a deliberate double escape of "<" and ">", and notes as CDATA that
 /// is never escaped (a note holding "]]>" therefore makes the file
-/// ill-formed, as it always has). The system never reads these files back.
+/// ill-formed; the section is not split). The system never reads these files
+/// back.
 class XmlExport {
 public:
     struct Options {

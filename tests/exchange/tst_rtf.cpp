@@ -105,7 +105,7 @@ void TestRtf::readsText_data()
     QTest::newRow("file line breaks are not text") << QByteArray("{\\rtf1 a\r\nb\nc}") << "abc";
     QTest::newRow("tabs and cells") << QByteArray("{\\rtf1 a\\tab b\tc\\cell d\\row}") << "a\tb\tc\td";
     QTest::newRow("escaped characters") << QByteArray("{\\rtf1 \\{x\\} \\\\ y}") << "{x} \\ y";
-    QTest::newRow("special characters")
+    QTest::newRow("typographic characters")
         << QByteArray("{\\rtf1 \\lquote a\\rquote \\ldblquote b\\rdblquote \\emdash\\endash\\bullet x\\~y\\-z\\_w}")
         << QString::fromUtf8("‘a’“b”—–•x\u00a0yz\u2011w");
     QTest::newRow("unknown starred destination") << QByteArray("{\\rtf1 a{\\*\\unknownthing b{c}}d}") << "ad";
