@@ -75,7 +75,6 @@ private Q_SLOTS:
     void notesOfRichDocuments();
     void links_data();
     void links();
-    void labels();
     void failures();
 };
 
@@ -212,18 +211,10 @@ void TestTextExport::notes_data()
                                   "R:Alpha\r\nhello\r\nR:Alpha:Beta\r\n\r\nR:Alpha:Beta:Gamma\r\ntwo\r\nlines\r\n"
                                   "R:\xc7\xe9\r\nx?y") +
                                   Zero + "\r\n";
-    QTest::newRow("backslash") << 1 << false
-                               << QByteArray("R\\Alpha\r\nhello\r\nR\\Alpha\\Beta\r\n\r\nR\\Alpha\\Beta\\Gamma\r\ntwo"
-                                             "\r\nlines\r\nR\\\xc7\xe9\r\nx?y") +
-                                      Zero + "\r\n";
     QTest::newRow("bar, unicode") << 4 << true
                                   << QByteArray("\xff\xfe") +
                                          le(u"R|Alpha\r\nhello\r\nR|Alpha|Beta\r\n\r\nR|Alpha|Beta|Gamma\r\ntwo\r\n"
                                             u"lines\r\nR|\u00c7\u00e9\r\nx\xd83d\xde00y\r\n");
-    QTest::newRow("dash") << 5 << false
-                          << QByteArray("R-Alpha\r\nhello\r\nR-Alpha-Beta\r\n\r\nR-Alpha-Beta-Gamma\r\ntwo\r\nlines\r\n"
-                                        "R-\xc7\xe9\r\nx?y") +
-                                 Zero + "\r\n";
 }
 
 void TestTextExport::notes()
@@ -264,10 +255,6 @@ void TestTextExport::links_data()
                            << QByteArray(
                                   "R:Alpha\r\nhttp://example.com\r\n\xc7\xe9\r\n\r\nR:Alpha:Beta\r\n(None)\r\n\r\n"
                                   "R:Alpha:Beta:Gamma\r\n(None)\r\n\r\nR:\xc7\xe9\r\n/home/me/file.txt\r\n\r\n");
-    QTest::newRow("comma") << 3
-                           << QByteArray(
-                                  "R,Alpha\r\nhttp://example.com\r\n\xc7\xe9\r\n\r\nR,Alpha,Beta\r\n(None)\r\n\r\n"
-                                  "R,Alpha,Beta,Gamma\r\n(None)\r\n\r\nR,\xc7\xe9\r\n/home/me/file.txt\r\n\r\n");
 }
 
 void TestTextExport::links()
@@ -280,13 +267,6 @@ void TestTextExport::links()
     options.separator = quint16(separator);
     QVERIFY(TextExport::exportLinks(tempPath(dir), sample.document.root(), options));
     QCOMPARE(readFile(tempPath(dir)), bytes);
-}
-
-void TestTextExport::labels()
-{
-    QCOMPARE(TextExport::indentLabels(),
-             (QStringList{"(None)", "Tab", "1 Space", "2 Spaces", "3 Spaces", "4 Spaces", "5 Spaces"}));
-    QCOMPARE(TextExport::separators(), (QStringList{":", "\\", "/", ",", "|", "-"}));
 }
 
 void TestTextExport::failures()

@@ -198,7 +198,6 @@ private Q_SLOTS:
     void richNotesAsPlainText();
     void fileBytes_data();
     void fileBytes();
-    void encodingLabels();
     void failures();
     void deepChain();
     void xmllintReadsIt_data();
@@ -348,13 +347,6 @@ void TestXmlExport::fileBytes()
     options.codePage = codePage;
     QVERIFY(XmlExport::exportXml(path, &root, options));
     QCOMPARE(readFile(path), bytes);
-}
-
-void TestXmlExport::encodingLabels()
-{
-    QCOMPARE(XmlExport::encodingLabels(),
-             (QStringList{"(Default)", "UTF-8", "UTF-16", "ISO-8859-1", "Big-5", "Shift-JIS", "GB2312"}));
-    QCOMPARE(XmlExport::encodingLabel(7), QString());
 }
 
 void TestXmlExport::failures()
