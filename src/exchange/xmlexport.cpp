@@ -277,7 +277,7 @@ void writeItem(Output &out, const Item *item, const LinkTargets &targets, quint1
 void writeDocument(Output &out, const TreeNode *root, const XmlExport::Options &options)
 {
     out.put(u"<?xml version=\"1.0\" ");
-    if (options.encoding > 0) {
+    if (!XmlExport::encodingLabel(options.encoding).isEmpty() && options.encoding > 0) {
         out.put(u"encoding=\"");
         out.put(XmlExport::encodingLabel(options.encoding));
         out.put(u"\" ");

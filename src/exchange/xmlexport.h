@@ -22,7 +22,8 @@ public:
         /// declaration; 1 "UTF-8", 2 "UTF-16", 3 "ISO-8859-1", 4 "Big-5",
         /// 5 "Shift-JIS", 6 "GB2312". Only 2 changes the bytes: FF FE and
         /// UTF-16LE. Every other choice writes the ANSI code page, one byte
-        /// per UTF-16 unit; its label is only a label.
+        /// per UTF-16 unit; its label is only a label. An index past the
+        /// list declares nothing.
         quint16 encoding = 0;
         /// The ANSI code page (setting AnsiCodePage).
         QString codePage = CodePage::defaultName();

@@ -305,6 +305,10 @@ void TestXmlExport::fileBytes_data()
         << 0 << "windows-1252" << QString::fromUtf8("Café")
         << QByteArray("<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n"
                       "</ROOT>\r\n");
+    QTest::newRow("index past the list declares nothing")
+        << 9 << "windows-1252" << QStringLiteral("R")
+        << QByteArray(
+               "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n</ROOT>\r\n");
     // The declaration says UTF-8, the bytes are the code page's, one per
     // UTF-16 unit: the pair became one "?", which leaves a zero at the end.
     QTest::newRow("UTF-8 is only a label")
