@@ -199,6 +199,10 @@ void TreePane::paintEvent(QPaintEvent *)
     }
     if (y < viewport()->height())
         p.fillRect(QRect(0, y, viewport()->width(), viewport()->height() - y), base);
+    if (m_dragging && !m_dragImage.isNull()) {
+        p.setOpacity(0.6);
+        p.drawPixmap(m_lastMovePos + QPoint(8, 4), m_dragImage);
+    }
 }
 
 void TreePane::resizeEvent(QResizeEvent *event)
@@ -297,6 +301,7 @@ void TreePane::mouseMoveEvent(QMouseEvent *event)
             return;
         m_longPress.stop();
         m_dragging = true;
+        m_dragImage = viewport()->grab(rowRect(m_pressRow));
         viewport()->setCursor(Qt::DragMoveCursor);
         m_scrollTimer.start();
     }
@@ -328,6 +333,7 @@ void TreePane::mouseReleaseEvent(QMouseEvent *event)
     if (!wasDragging)
         return;
     m_dragging = false;
+    m_dragImage = QPixmap();
     m_scrollTimer.stop();
     viewport()->unsetCursor();
     m_dropRow = -1;

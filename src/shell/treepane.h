@@ -4,6 +4,7 @@
 #include "rows/rowpainter.h"
 
 #include <QAbstractScrollArea>
+#include <QPixmap>
 #include <QPointer>
 #include <QTimer>
 #include <memory>
@@ -106,6 +107,7 @@ private:
     bool m_longPressFired = false;
     int m_dropRow = -1;
     QPoint m_lastMovePos;
+    QPixmap m_dragImage; // the dragged row, drawn under the pointer
     QTimer m_longPress;
     QTimer m_scrollTimer;
 
