@@ -559,7 +559,7 @@ void TestDocumentView::noteStoredOnSelectionChange()
     QTest::keyClicks(editor, QStringLiteral("!"));
     m_view->commitEdits();
     QCOMPARE(m_view->document()->current(), item(QStringLiteral("B")));
-    QCOMPARE(NoteText::fromPlainNote(item(QStringLiteral("B"))->note()), QStringLiteral("Buy milk!"));
+    QCOMPARE(NoteText::fromPlainNote(item(QStringLiteral("B"))->note()), QStringLiteral("!Buy milk"));
 }
 
 void TestDocumentView::recordingToolbarOnlyForRichInk()
