@@ -47,14 +47,20 @@ inline constexpr const char *ImportFormatInvalid =
     "The format of the import text file is invalid. Please correct the file and try again.";
 inline constexpr const char *XmlFileFilter = "XML Files|*.xml|";
 
-} // namespace Messages
-
-namespace Messages {
-
 inline constexpr const char *NoteTypeQuestion = "Select the type of note to be used in this file:";
 inline constexpr const char *NoteTypePlain = "Plain Text Note";
 inline constexpr const char *NoteTypeInk = "Rich Ink Note";
 inline constexpr const char *NoteTypeRich = "Rich Text Note";
 inline constexpr const char *FileFilter = "Quillbox Files (*.qbx)";
+
+} // namespace Messages
+
+namespace Messages {
+
+inline constexpr const char *NoMatch = "No item matched the search criteria.";
+/// %1 is the template's name.
+inline constexpr const char *AskDeleteTemplate = "Are you sure to delete template '%1'?";
+inline constexpr const char *EnterName = "Please enter a name.";
+inline constexpr const char *TemplateNameLabel = "Template Name: (Max 32 characters)";
 
 } // namespace Messages
