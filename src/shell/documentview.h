@@ -58,6 +58,9 @@ public:
 
     void setQuickEntryVisible(bool visible);
     bool isQuickEntryVisible() const;
+    /// Shows the rows again after the settings changed (font, colours,
+    /// compact mode).
+    void applySettings() { applyRowStyle(); }
     /// Opens the item menu for a row at a global position.
     void showItemMenu(int row, const QPoint &globalPos);
     /// Rebuilds the rows and makes node current, revealing it; without a

@@ -381,7 +381,7 @@ void MainWindow::updateActions()
             enabled = m_view != nullptr;
             break;
         case ImportText:
-            enabled = false; // arrives with the text import
+            enabled = !m_view && m_frameCommands.contains(id);
             break;
         default:
             enabled = m_view && m_view->isCommandEnabled(id);
@@ -417,6 +417,10 @@ void MainWindow::runCommand(int id)
         }
         break;
     default:
+        if (!m_view && m_frameCommands.contains(id)) {
+            m_frameCommands.value(id)();
+            return;
+        }
         break;
     }
     if (m_view) {
@@ -426,6 +430,12 @@ void MainWindow::runCommand(int id)
 }
 
 // ---- the document list
+
+void MainWindow::setFrameCommand(int id, std::function<void()> handler)
+{
+    m_frameCommands.insert(id, std::move(handler));
+    updateActions();
+}
 
 void MainWindow::refreshDocumentList()
 {
@@ -469,6 +479,7 @@ void MainWindow::showView(DocumentView *view)
     view->setQuickEntryVisible(m_quickEntryVisible);
     connect(view, &DocumentView::stateChanged, this, &MainWindow::updateActions);
     connect(view, &DocumentView::settingsChanged, this, &MainWindow::saveSettings);
+    Q_EMIT viewOpened(view);
     buildViewMenus();
     updateActions();
     updateTitle();
@@ -477,8 +488,11 @@ void MainWindow::showView(DocumentView *view)
 
 bool MainWindow::openDocument(const QString &path)
 {
-    if (m_view)
+    if (m_view) {
         closeDocument();
+        if (m_view) // it could not be saved: it stays open
+            return false;
+    }
     auto document = std::make_unique<Document>();
     DocumentFile::LoadResult result = DocumentFile::Damaged;
     {
@@ -560,10 +574,8 @@ void MainWindow::closeDocument()
 
 void MainWindow::handOver(const QString &path)
 {
-    if (m_view) {
-        m_view->save();
-        closeDocument();
-    }
+    // Closing saves the open document first; a document that cannot be
+    // saved stays open and the other path is not opened.
     openDocument(path);
     bringForward();
 }

@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 
 class DocumentView;
@@ -68,6 +69,14 @@ public:
     /// Greys and marks every action for the present state.
     void updateActions();
     void refreshDocumentList();
+    /// Registers a command of the frame (while no document is open), such as
+    /// the import of a text file into a new document.
+    void setFrameCommand(int id, std::function<void()> handler);
+
+Q_SIGNALS:
+    /// A document view was made, before its menus: the place to register
+    /// the handlers of further commands on it.
+    void viewOpened(DocumentView *view);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -97,4 +106,5 @@ private:
     QToolBar *m_toolBar = nullptr;
     QLabel *m_status = nullptr;
     QHash<int, QAction *> m_actions;
+    QHash<int, std::function<void()>> m_frameCommands;
 };

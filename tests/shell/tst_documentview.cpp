@@ -68,6 +68,7 @@ private Q_SLOTS:
     void menuOpensOnRightClickAndLongPress();
     void menuEnablingDefaultView_data();
     void menuEnablingDefaultView();
+    void groupedViewThroughTheMenu();
     void moveMenuEnabling();
     void filtersCollapse();
     void noteStoredOnSelectionChange();
@@ -479,6 +480,47 @@ void TestDocumentView::menuEnablingDefaultView()
     for (const QString &name : checked)
         QVERIFY2(menu.value(name).checked, qPrintable(name));
     QCOMPARE(menu.value(QStringLiteral("action20110")).text, QStringLiteral("11"));
+}
+
+void TestDocumentView::groupedViewThroughTheMenu()
+{
+    item(QStringLiteral("B"))->setCategory(QStringLiteral("Work"));
+    select(QStringLiteral("B"));
+    QVERIFY(m_view->runCommand(CommandId::ByCategory));
+    QVERIFY(m_view->isCommandChecked(CommandId::ByCategory));
+    ViewRows *rows = m_view->rows();
+    QVERIFY(rows->isGrouped());
+    // The current item stays current, under its opened heading.
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
+    const int heading = rows->parentIndex(m_view->treePane()->currentRow());
+    QCOMPARE(rows->row(heading).kind, ViewRows::Kind::Heading);
+    QCOMPARE(rows->text(heading), QStringLiteral("Work"));
+
+    openMenuOn(QStringLiteral("B"));
+    for (const char *greyed : {"action3006", "action3100", "action3120", "action3009", "action3010", "action3011"})
+        QVERIFY2(!m_prompts->lastMenu.value(QString::fromLatin1(greyed)).enabled, greyed);
+    for (const char *enabled : {"action3001", "action20100", "action3043", "action3030", "action3012"})
+        QVERIFY2(m_prompts->lastMenu.value(QString::fromLatin1(enabled)).enabled, enabled);
+
+    // A heading orders the whole view: only the direction can be chosen.
+    m_prompts->menuChoices.enqueue(QStringLiteral("action3121"));
+    m_view->showItemMenu(heading, QPoint());
+    QCoreApplication::processEvents();
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3100")).enabled);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3100")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3120")).checked);
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3001")).enabled);
+    QVERIFY(!m_view->document()->viewAscending);
+
+    // Drops are ignored in a grouped view.
+    const QStringList before = childNames(m_view->document()->root());
+    drag(QStringLiteral("B"), partOf(QStringLiteral("C"), RowGeometry::Text));
+    QCOMPARE(childNames(m_view->document()->root()), before);
+
+    // Back to the default view with the item still current.
+    QVERIFY(m_view->runCommand(CommandId::DefaultView));
+    QVERIFY(!m_view->rows()->isGrouped());
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
 }
 
 void TestDocumentView::moveMenuEnabling()
