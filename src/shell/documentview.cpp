@@ -68,6 +68,7 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     connect(m_tree, &TreePane::dropRequested, this, &DocumentView::onDrop);
     connect(m_tree, &TreePane::renameCommitted, this, &DocumentView::onRename);
     connect(m_tree, &TreePane::deleteRequested, this, [this] { runCommand(CommandId::DeleteItem); });
+    connect(m_tree, &TreePane::renameRequested, this, [this] { runCommand(CommandId::Rename); });
     connect(m_tree, &TreePane::expansionChanged, this, &DocumentView::stateChanged);
     connect(m_splitter, &QSplitter::splitterMoved, this, &DocumentView::onSplitterMoved);
     connect(m_quick, &QuickEntryBar::addRequested, this, &DocumentView::onQuickAdd);
@@ -279,6 +280,11 @@ bool DocumentView::isCommandEnabled(int id) const
         return defaultView && d.root()->hasChildren();
     case ImportFile:
         return defaultView;
+    case Rename: {
+        // An item, or the root's title in the default view.
+        const TreeNode *node = currentNode();
+        return node && (node->isItem() || defaultView);
+    }
     default:
         return true;
     }

@@ -420,7 +420,7 @@ void TreePane::keyPressEvent(QKeyEvent *event)
             Q_EMIT statusTapped(item, viewport()->mapToGlobal(rowGeometry(row).statusRect().bottomLeft()));
         break;
     case Qt::Key_F2:
-        startRename();
+        Q_EMIT renameRequested();
         break;
     case Qt::Key_Delete:
         Q_EMIT deleteRequested();

@@ -68,6 +68,7 @@ Q_SIGNALS:
     void dropRequested(Item *dragged, TreeNode *target);
     void renameCommitted(TreeNode *node, const QString &name);
     void deleteRequested();
+    void renameRequested();
     void expansionChanged();
 
 protected:
