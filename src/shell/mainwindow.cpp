@@ -1,5 +1,6 @@
 #include "shell/mainwindow.h"
 
+#include "exchange/textimport.h"
 #include "model/document.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
@@ -381,7 +382,7 @@ void MainWindow::updateActions()
             enabled = m_view != nullptr;
             break;
         case ImportText:
-            enabled = !m_view && m_frameCommands.contains(id);
+            enabled = !m_view;
             break;
         default:
             enabled = m_view && m_view->isCommandEnabled(id);
@@ -410,6 +411,10 @@ void MainWindow::runCommand(int id)
     case Refresh:
         refreshDocumentList();
         return;
+    case ImportText:
+        if (!m_view)
+            importTextDocument();
+        return;
     case New:
         if (!m_view) {
             createDocument();
@@ -417,10 +422,6 @@ void MainWindow::runCommand(int id)
         }
         break;
     default:
-        if (!m_view && m_frameCommands.contains(id)) {
-            m_frameCommands.value(id)();
-            return;
-        }
         break;
     }
     if (m_view) {
@@ -430,12 +431,6 @@ void MainWindow::runCommand(int id)
 }
 
 // ---- the document list
-
-void MainWindow::setFrameCommand(int id, std::function<void()> handler)
-{
-    m_frameCommands.insert(id, std::move(handler));
-    updateActions();
-}
 
 void MainWindow::refreshDocumentList()
 {
@@ -534,6 +529,39 @@ bool MainWindow::createDocument()
     {
         WaitCursor wait;
         saved = DocumentFile::save(*document);
+    }
+    if (!saved) {
+        m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
+        return false;
+    }
+    showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
+    return true;
+}
+
+bool MainWindow::importTextDocument()
+{
+    const QString textPath = m_prompts->openFileName(this, QStringLiteral("Import"), documentsFolder(),
+                                                     QStringLiteral("Text Files (*.txt);;Unicode Files (*.txt)"));
+    if (textPath.isEmpty())
+        return false;
+    const int noteType = m_prompts->askNoteType(this);
+    if (noteType < 0)
+        return false;
+    TextImport::Options options;
+    options.icon = TextImport::iconOf(m_settings.textImport);
+    options.codePage = m_settings.ansiCodePage;
+    auto document = std::make_unique<Document>();
+    TextImport::Result result = TextImport::Result::Unreadable;
+    bool saved = false;
+    {
+        WaitCursor wait;
+        result = TextImport::importDocument(textPath, quint16(noteType), options, document.get());
+        if (result == TextImport::Result::Ok)
+            saved = DocumentFile::save(*document);
+    }
+    if (result != TextImport::Result::Ok) {
+        m_prompts->message(this, Prompts::Icon::Stop, TextImport::message(result));
+        return false;
     }
     if (!saved) {
         m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));

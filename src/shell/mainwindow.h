@@ -47,6 +47,9 @@ public:
     bool openDocument(const QString &path);
     /// Asks for a path and a note type and opens an empty document there.
     bool createDocument();
+    /// Asks for a text outline and a note type, and opens the document made
+    /// from it beside the text file.
+    bool importTextDocument();
     /// Saves and closes the open document, back to the list; DefFile empties.
     void closeDocument();
     /// A second start handed over a path: save and close, then open it.
@@ -69,9 +72,6 @@ public:
     /// Greys and marks every action for the present state.
     void updateActions();
     void refreshDocumentList();
-    /// Registers a command of the frame (while no document is open), such as
-    /// the import of a text file into a new document.
-    void setFrameCommand(int id, std::function<void()> handler);
 
 Q_SIGNALS:
     /// A document view was made, before its menus: the place to register
@@ -106,5 +106,4 @@ private:
     QToolBar *m_toolBar = nullptr;
     QLabel *m_status = nullptr;
     QHash<int, QAction *> m_actions;
-    QHash<int, std::function<void()>> m_frameCommands;
 };

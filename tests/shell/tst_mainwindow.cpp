@@ -67,6 +67,7 @@ private Q_SLOTS:
     void loadFailuresShowTheirMessage();
     void protectedDocumentAsksForThePassword();
     void createAndSaveAs();
+    void importATextOutline();
     void saveFailureKeepsTheDocumentOpen();
     void saveOnDeactivation();
     void handOverFromASecondInstance();
@@ -251,6 +252,43 @@ void TestMainWindow::createAndSaveAs()
     Document reread;
     QCOMPARE(DocumentFile::load(docPath(QStringLiteral("Copy.qbx")), &reread), DocumentFile::Loaded);
     QCOMPARE(reread.noteType, quint16(Document::RichText));
+}
+
+void TestMainWindow::importATextOutline()
+{
+    const QString text = docPath(QStringLiteral("Shopping.txt"));
+    {
+        QFile file(text);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("Shopping\r\n\tMilk\r\n\tEggs\r\n\t\tbrown\r\n");
+    }
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    QVERIFY(w->commandAction(CommandId::ImportText)->isEnabled());
+    m_prompts->fileNames.enqueue(text);
+    m_prompts->noteTypes.enqueue(Document::PlainText);
+    w->runCommand(CommandId::ImportText);
+    QVERIFY(w->view());
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Shopping.qbx")));
+    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Shopping.qbx"))),
+             QStringList({QStringLiteral("Milk"), QStringLiteral("Eggs"), QStringLiteral("brown")}));
+    QVERIFY(!w->commandAction(CommandId::ImportText)->isEnabled());
+
+    // A line two levels deeper than the one before: refused, nothing written.
+    w->closeDocument();
+    const QString bad = docPath(QStringLiteral("Bad.txt"));
+    {
+        QFile file(bad);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("Top\r\n\t\t\tToo deep\r\n");
+    }
+    m_prompts->fileNames.enqueue(bad);
+    m_prompts->noteTypes.enqueue(Document::PlainText);
+    w->runCommand(CommandId::ImportText);
+    QVERIFY(!w->view());
+    QCOMPARE(m_prompts->shown.last().icon, Prompts::Icon::Stop);
+    QCOMPARE(m_prompts->shown.last().text, QString::fromLatin1(Messages::ImportFormatInvalid));
+    QVERIFY(!QFile::exists(docPath(QStringLiteral("Bad.qbx"))));
 }
 
 void TestMainWindow::saveFailureKeepsTheDocumentOpen()
