@@ -241,7 +241,6 @@ void TreePane::mousePressEvent(QMouseEvent *event)
     const int row = rowAt(pos);
     m_pressRow = row;
     m_pressPos = pos;
-    m_longPressFired = false;
     if (row < 0)
         return;
     if (event->button() == Qt::RightButton) {
@@ -273,7 +272,6 @@ void TreePane::onLongPress()
 {
     if (!m_pressed || m_dragging || m_pressRow < 0)
         return;
-    m_longPressFired = true;
     m_pressed = false;
     Q_EMIT contextMenuRequested(m_pressRow, viewport()->mapToGlobal(m_pressPos));
 }

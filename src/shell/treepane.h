@@ -105,7 +105,6 @@ private:
     QPoint m_pressPos;
     bool m_pressed = false;
     bool m_dragging = false;
-    bool m_longPressFired = false;
     int m_dropRow = -1;
     QPoint m_lastMovePos;
     QPixmap m_dragImage; // the dragged row, drawn under the pointer
