@@ -244,12 +244,25 @@ void MainWindow::buildActions()
     makeAction(ItemTemplates, QStringLiteral("Item Templates..."));
 }
 
+void MainWindow::clearMenus()
+{
+    menuBar()->clear();
+    // The old menus may be running the command that changed the state: they
+    // go later, nameless so that nothing finds them meanwhile.
+    const auto menus = menuBar()->findChildren<QMenu *>(Qt::FindDirectChildrenOnly);
+    for (QMenu *menu : menus) {
+        menu->setObjectName(QString());
+        menu->deleteLater();
+    }
+}
+
 void MainWindow::buildListMenus()
 {
     using namespace CommandId;
-    menuBar()->clear();
+    clearMenus();
     menuBar()->addAction(m_actions[New]);
-    QMenu *tools = menuBar()->addMenu(QStringLiteral("Tools"));
+    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
+    menuBar()->addMenu(tools);
     tools->setObjectName(QStringLiteral("menuTools"));
     tools->addAction(m_actions[Refresh]);
     tools->addSeparator();
@@ -281,10 +294,11 @@ QMenu *MainWindow::buildMoveMenu(QWidget *parent)
 void MainWindow::buildViewMenus()
 {
     using namespace CommandId;
-    menuBar()->clear();
+    clearMenus();
     menuBar()->addAction(m_actions[New]);
 
-    QMenu *view = menuBar()->addMenu(QStringLiteral("View"));
+    auto *view = new QMenu(QStringLiteral("View"), menuBar());
+    menuBar()->addMenu(view);
     view->setObjectName(QStringLiteral("menuView"));
     for (int m = 0; m < 4; ++m)
         view->addAction(m_actions[DefaultView + m]);
@@ -306,7 +320,8 @@ void MainWindow::buildViewMenus()
     view->addAction(m_actions[ExpandAll]);
     view->addAction(m_actions[CollapseAll]);
 
-    QMenu *tools = menuBar()->addMenu(QStringLiteral("Tools"));
+    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
+    menuBar()->addMenu(tools);
     tools->setObjectName(QStringLiteral("menuTools"));
     tools->addAction(m_actions[FindItem]);
     tools->addAction(m_actions[FindResult]);

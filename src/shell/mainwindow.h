@@ -86,6 +86,7 @@ protected:
 private:
     QAction *makeAction(int id, const QString &text);
     void buildActions();
+    void clearMenus();
     void buildListMenus();
     void buildViewMenus();
     QMenu *buildMoveMenu(QWidget *parent);
