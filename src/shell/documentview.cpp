@@ -50,7 +50,9 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     m_splitter->setStretchFactor(0, 1);
     m_splitter->setStretchFactor(1, 1);
     m_quick = new QuickEntryBar(this);
-    m_quick->setIconChooser([this](quint16 current) { return m_prompts->chooseIcon(this, current); });
+    m_quick->setIconChooser([this](quint16 current) {
+        return m_prompts->chooseIcon(this, current, m_settings ? m_settings->favIcons : QList<quint16>());
+    });
     layout->addWidget(m_splitter, 1);
     layout->addWidget(m_quick);
 
@@ -415,7 +417,8 @@ void DocumentView::registerCommands()
                    }));
     }
     setCommand(ChangeIcon, onItem([this](Item *item) {
-                   const int icon = m_prompts->chooseIcon(this, item->image());
+                   const int icon = m_prompts->chooseIcon(this, item->image(),
+                                                          m_settings ? m_settings->favIcons : QList<quint16>());
                    if (icon >= 0) {
                        item->setImage(quint16(icon));
                        m_tree->viewport()->update();

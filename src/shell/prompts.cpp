@@ -151,8 +151,8 @@ void DialogPrompts::about(QWidget *parent)
     box.exec();
 }
 
-int DialogPrompts::chooseIcon(QWidget *parent, quint16 current)
+int DialogPrompts::chooseIcon(QWidget *parent, quint16 current, const QList<quint16> &favourites)
 {
-    IconChooser chooser(current, parent);
+    IconChooser chooser(current, favourites, parent);
     return chooser.exec() == QDialog::Accepted ? chooser.chosen() : -1;
 }

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void glyphExpandsAndCollapses();
     void quickEntryBar();
     void renameInPlace();
+    void itemMenuAttributes();
     void pasteThroughTheMenu();
     void dropRefusals();
     void deleteAsks();
@@ -306,6 +307,52 @@ void TestDocumentView::renameInPlace()
     QTest::keyClick(editor, Qt::Key_Return);
     QCOMPARE(childNames(m_view->document()->root()),
              QStringList({QStringLiteral("Banana"), QStringLiteral("C"), QStringLiteral("Zebra")}));
+}
+
+void TestDocumentView::itemMenuAttributes()
+{
+    Item *b = item(QStringLiteral("B"));
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action20105"));
+    QCOMPARE(b->priority(), quint16(6));
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action20212"));
+    QCOMPARE(b->colour(), quint16(12));
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3040"));
+    QVERIFY(!b->showIcon());
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3041"));
+    QVERIFY(b->isItalic());
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3044"));
+    QCOMPARE(b->statusType(), quint16(Item::ProgressBar));
+    m_prompts->icons.enqueue(42);
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3003"));
+    QCOMPARE(b->image(), quint16(42));
+    // The menu shows what was set.
+    openMenuOn(QStringLiteral("B"));
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action20105")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action20212")).checked);
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3040")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3041")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3044")).checked);
+
+    // Create > Copy puts a duplicate right after the item, current.
+    openMenuOn(QStringLiteral("A"), QStringLiteral("action3030"));
+    QCOMPARE(childNames(m_view->document()->root()),
+             QStringList({QStringLiteral("A"), QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
+    Item *copy = m_view->document()->root()->child(1);
+    QCOMPARE(m_view->treePane()->currentNode(), copy);
+    QVERIFY(!copy->hasChildren());
+    QVERIFY(copy->autoProgress());
+
+    // Order Children By on the root, then back to manual order keeps the order.
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3121")); // greyed under manual order
+    QCOMPARE(m_view->document()->root()->isAscending(), true);
+    b->setName(QStringLiteral("0 first"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3100"));
+    QCOMPARE(childNames(m_view->document()->root()).first(), QStringLiteral("0 first"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3121"));
+    QCOMPARE(childNames(m_view->document()->root()).last(), QStringLiteral("0 first"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3115"));
+    QCOMPARE(m_view->document()->root()->sort(), quint16(TreeNode::SortManual));
+    QCOMPARE(childNames(m_view->document()->root()).last(), QStringLiteral("0 first"));
 }
 
 void TestDocumentView::pasteThroughTheMenu()
