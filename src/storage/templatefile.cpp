@@ -122,6 +122,7 @@ bool TemplateFile::save(const QString &path, QString *error) const
     out.u32(quint32(m_templates.size()));
     for (const auto &entry : m_templates)
         writeRecord(out, *entry);
+    out.finish();
     return SafeSave::write(path, out.bytes(), error);
 }
 
