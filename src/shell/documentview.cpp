@@ -30,8 +30,7 @@ constexpr int MinSplit = 35;
 constexpr int MaxSplit = 85;
 } // namespace
 
-DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts,
-                           QWidget *parent)
+DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts, QWidget *parent)
     : QWidget(parent), m_document(std::move(document)), m_settings(settings), m_prompts(prompts)
 {
     setObjectName(QStringLiteral("documentView"));
@@ -381,9 +380,9 @@ void DocumentView::registerCommands()
         Q_EMIT stateChanged();
     });
     const std::pair<int, VisibilityFilter::Toggle> toggles[] = {
-        {HideCompleted, VisibilityFilter::HideCompleted},   {HideNoStatus, VisibilityFilter::HideNoStatus},
-        {HideCheckBox, VisibilityFilter::HideCheckBox},     {HideProgressBar, VisibilityFilter::HideProgressBar},
-        {ShowDueDate, VisibilityFilter::ShowDueDate},       {ShowStatistics, VisibilityFilter::ShowStatistics},
+        {HideCompleted, VisibilityFilter::HideCompleted}, {HideNoStatus, VisibilityFilter::HideNoStatus},
+        {HideCheckBox, VisibilityFilter::HideCheckBox},   {HideProgressBar, VisibilityFilter::HideProgressBar},
+        {ShowDueDate, VisibilityFilter::ShowDueDate},     {ShowStatistics, VisibilityFilter::ShowStatistics},
     };
     for (auto [id, toggle] : toggles)
         setCommand(id, [this, toggle = toggle] { toggleFilter(toggle); });
@@ -417,8 +416,8 @@ void DocumentView::registerCommands()
                    }));
     }
     setCommand(ChangeIcon, onItem([this](Item *item) {
-                   const int icon = m_prompts->chooseIcon(this, item->image(),
-                                                          m_settings ? m_settings->favIcons : QList<quint16>());
+                   const int icon =
+                       m_prompts->chooseIcon(this, item->image(), m_settings ? m_settings->favIcons : QList<quint16>());
                    if (icon >= 0) {
                        item->setImage(quint16(icon));
                        m_tree->viewport()->update();
@@ -488,7 +487,8 @@ void DocumentView::showItemMenu(int row, const QPoint &globalPos)
         // An entry whose operation is not available here stays greyed.
         if (!hasCommand(id))
             action->setEnabled(false);
-        connect(action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
+        connect(
+            action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
     }
     m_prompts->popupMenu(menu, globalPos);
     menu->deleteLater();

@@ -24,8 +24,7 @@ class ViewRows;
 class DocumentView : public QWidget {
     Q_OBJECT
 public:
-    DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts,
-                 QWidget *parent = nullptr);
+    DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts, QWidget *parent = nullptr);
     ~DocumentView() override;
 
     Document *document() const { return m_document.get(); }

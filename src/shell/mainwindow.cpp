@@ -82,8 +82,8 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
         m_prompts = m_ownPrompts.get();
     }
     if (environment.settingsFile.isEmpty())
-        m_store = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                              QStringLiteral("Quillbox"), QStringLiteral("Quillbox"));
+        m_store = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillbox"),
+                                              QStringLiteral("Quillbox"));
     else
         m_store = std::make_unique<QSettings>(environment.settingsFile, QSettings::IniFormat);
 
@@ -212,7 +212,9 @@ void MainWindow::buildActions()
         action->setCheckable(true);
         viewGroup->addAction(action);
     }
-    auto checkable = [this](int id, const char *text) { makeAction(id, QString::fromLatin1(text))->setCheckable(true); };
+    auto checkable = [this](int id, const char *text) {
+        makeAction(id, QString::fromLatin1(text))->setCheckable(true);
+    };
     checkable(HideCompleted, "Hide Completed Items");
     checkable(HideNoStatus, "No Status");
     checkable(HideCheckBox, "Check Box");
@@ -222,8 +224,10 @@ void MainWindow::buildActions()
     checkable(NoteWindow, "Note Window");
     checkable(CommandId::QuickEntryBar, "Quick Entry Bar");
     checkable(RecordingToolbar, "Recording Toolbar");
-    makeAction(ExpandAll, QStringLiteral("Expand All"))->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
-    makeAction(CollapseAll, QStringLiteral("Collapse All"))->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
+    makeAction(ExpandAll, QStringLiteral("Expand All"))
+        ->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
+    makeAction(CollapseAll, QStringLiteral("Collapse All"))
+        ->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
 
     makeAction(FindItem, QStringLiteral("Find Item..."))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     makeAction(FindResult, QStringLiteral("Find Result..."));
@@ -453,8 +457,8 @@ void MainWindow::refreshDocumentList()
     if (auto *heading = m_listPage->findChild<QLabel *>(QStringLiteral("documentListHeading")))
         heading->setText(QStringLiteral("Documents in %1").arg(QDir::toNativeSeparators(folder)));
     m_list->clear();
-    const QFileInfoList files =
-        QDir(folder).entryInfoList({QStringLiteral("*.qbx")}, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
+    const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("*.qbx")}, QDir::Files | QDir::Readable,
+                                                           QDir::Name | QDir::IgnoreCase);
     const QIcon icon = windowIcon();
     const QLocale locale;
     for (const QFileInfo &info : files) {

@@ -54,8 +54,7 @@ void DialogPrompts::message(QWidget *parent, Icon icon, const QString &text)
     box.exec();
 }
 
-QString DialogPrompts::openFileName(QWidget *parent, const QString &title, const QString &folder,
-                                    const QString &filter)
+QString DialogPrompts::openFileName(QWidget *parent, const QString &title, const QString &folder, const QString &filter)
 {
     return QFileDialog::getOpenFileName(parent, title.isEmpty() ? caption() : title, folder, filter);
 }

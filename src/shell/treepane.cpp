@@ -188,8 +188,8 @@ void TreePane::paintEvent(QPaintEvent *)
             m_painter->paintItem(&p, rect, r.node->asItem(), r.level, 0, state);
         } else {
             const quint16 icon = r.kind == ViewRows::Kind::Heading ? r.heading->icon() : RootIcon;
-            m_painter->paintTitle(&p, rect, m_rows->text(row), icon, r.expandable, m_rows->isExpanded(row),
-                                  r.level, 0, state);
+            m_painter->paintTitle(&p, rect, m_rows->text(row), icon, r.expandable, m_rows->isExpanded(row), r.level, 0,
+                                  state);
         }
         if (m_dragging && row == m_dropRow) {
             p.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), 2));

@@ -1,8 +1,8 @@
+#include "exchange/notetext.h"
 #include "model/document.h"
 #include "model/item.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
-#include "exchange/notetext.h"
 #include "shell/commandids.h"
 #include "shell/documentview.h"
 #include "shell/quickentrybar.h"
@@ -158,8 +158,8 @@ void TestDocumentView::drag(const QString &from, const QPoint &to)
     QMouseEvent move(QEvent::MouseMove, QPointF(start + QPoint(0, 6)), viewport->mapToGlobal(QPointF(start)),
                      Qt::NoButton, Qt::LeftButton, {});
     QCoreApplication::sendEvent(viewport, &move);
-    QMouseEvent move2(QEvent::MouseMove, QPointF(to), viewport->mapToGlobal(QPointF(to)), Qt::NoButton,
-                      Qt::LeftButton, {});
+    QMouseEvent move2(QEvent::MouseMove, QPointF(to), viewport->mapToGlobal(QPointF(to)), Qt::NoButton, Qt::LeftButton,
+                      {});
     QCoreApplication::sendEvent(viewport, &move2);
     QVERIFY(m_view->treePane()->isDragging());
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
@@ -195,9 +195,9 @@ void TestDocumentView::progressBarPresets()
     QWidget *viewport = m_view->treePane()->viewport();
     m_prompts->menuChoices.enqueue(QStringLiteral("preset75"));
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
-    QCOMPARE(m_prompts->lastMenuTexts, QStringList({QStringLiteral("0%"), QStringLiteral("10%"), QStringLiteral("25%"),
-                                                    QStringLiteral("50%"), QStringLiteral("75%"),
-                                                    QStringLiteral("90%"), QStringLiteral("100%")}));
+    QCOMPARE(m_prompts->lastMenuTexts,
+             QStringList({QStringLiteral("0%"), QStringLiteral("10%"), QStringLiteral("25%"), QStringLiteral("50%"),
+                          QStringLiteral("75%"), QStringLiteral("90%"), QStringLiteral("100%")}));
     QCOMPARE(b->progress(), quint16(75));
     // Dismissing the menu changes nothing.
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
@@ -471,26 +471,27 @@ void TestDocumentView::menuEnablingDefaultView_data()
     QTest::addColumn<QStringList>("greyed");
     QTest::addColumn<QStringList>("checked");
     // Item with children (A: sorted by priority, descending, priority 4, colour 9, italic, progress bar).
-    QTest::newRow("item with children")
-        << QStringLiteral("A")
-        << QStringList{"action3001", "action20103", "action3003", "action20209", "action3040", "action3041",
-                       "action3044", "action3006", "action3100", "action3115", "action3120", "action3121",
-                       "action3030", "action3031", "action3032", "action3009", "action3010", "action3012"}
-        << QStringList{"action3011"}
-        << QStringList{"action20103", "action20209", "action3040", "action3041", "action3044", "action3101",
-                       "action3121"};
+    QTest::newRow("item with children") << QStringLiteral("A")
+                                        << QStringList{"action3001", "action20103", "action3003", "action20209",
+                                                       "action3040", "action3041",  "action3044", "action3006",
+                                                       "action3100", "action3115",  "action3120", "action3121",
+                                                       "action3030", "action3031",  "action3032", "action3009",
+                                                       "action3010", "action3012"}
+                                        << QStringList{"action3011"}
+                                        << QStringList{"action20103", "action20209", "action3040", "action3041",
+                                                       "action3044",  "action3101",  "action3121"};
     // A leaf: no ordering of children and nothing to apply attributes to.
     QTest::newRow("leaf") << QStringLiteral("B")
                           << QStringList{"action3001", "action20109", "action3043", "action3030", "action3012"}
-                          << QStringList{"action3006", "action3100", "action3115", "action3120", "action3121",
-                                         "action3011"}
+                          << QStringList{"action3006", "action3100", "action3115",
+                                         "action3120", "action3121", "action3011"}
                           << QStringList{"action20109", "action20200", "action3040", "action3043", "action3115"};
     // The root's title row: only rename, apply attributes and ordering.
     QTest::newRow("root") << QStringLiteral("Root")
                           << QStringList{"action3001", "action3006", "action3100", "action3115"}
-                          << QStringList{"action20109", "action3003", "action20200", "action3040", "action3042",
-                                         "action3030", "action3009", "action3010", "action3011", "action3012",
-                                         "action3120", "action3121"}
+                          << QStringList{"action20109", "action3003", "action20200", "action3040",
+                                         "action3042",  "action3030", "action3009",  "action3010",
+                                         "action3011",  "action3012", "action3120",  "action3121"}
                           << QStringList{"action3115"};
 }
 

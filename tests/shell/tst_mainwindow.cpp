@@ -173,8 +173,7 @@ void TestMainWindow::loadFailuresShowTheirMessage_data()
     QTest::addColumn<QByteArray>("bytes"); // empty: no file at all
     QTest::addColumn<QString>("message");
     QTest::newRow("missing") << QByteArray() << QStringLiteral("File '%1' does not exist.");
-    QTest::newRow("damaged") << QByteArray("\x27\x02\x00\x00garbage", 11)
-                             << QString::fromLatin1(Messages::LoadDamaged);
+    QTest::newRow("damaged") << QByteArray("\x27\x02\x00\x00garbage", 11) << QString::fromLatin1(Messages::LoadDamaged);
     QTest::newRow("newer version") << QByteArray("\x58\x02\x00\x00", 4)
                                    << QString::fromLatin1(Messages::LoadUnsupportedVersion);
 }
@@ -336,8 +335,8 @@ void TestMainWindow::saveOnDeactivation()
     QApplication::setActiveWindow(nullptr);
     QTRY_VERIFY(!w->isActiveWindow());
     QByteArray note;
-    QCOMPARE(namesOnDisk(path, &note), QStringList({QStringLiteral("one"), QStringLiteral("two"),
-                                                    QStringLiteral("three")}));
+    QCOMPARE(namesOnDisk(path, &note),
+             QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
     QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("a note"));
     Document reread;
     QCOMPARE(DocumentFile::load(path, &reread), DocumentFile::Loaded);
@@ -445,18 +444,17 @@ void TestMainWindow::menuBarWords()
     QMenuBar *bar = w->menuBar();
     QCOMPARE(bar->actions().size(), 2);
     QCOMPARE(bar->actions().at(0)->text(), QStringLiteral("New"));
-    QCOMPARE(words(bar->actions().at(1)->menu()),
-             QStringList({"Refresh", "-", "Import...", "-", "About..."}));
+    QCOMPARE(words(bar->actions().at(1)->menu()), QStringList({"Refresh", "-", "Import...", "-", "About..."}));
 
     QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
     QCOMPARE(bar->actions().size(), 4);
     QCOMPARE(bar->actions().at(0)->text(), QStringLiteral("New"));
     QCOMPARE(words(bar->actions().at(1)->menu()),
-             QStringList({"Default View", "By Category", "By Task/Due Date", "By Priority", "-",
-                          "Hide Completed Items", "Hide By Status > [No Status, Check Box, Progress Bar]",
+             QStringList({"Default View", "By Category", "By Task/Due Date", "By Priority", "-", "Hide Completed Items",
+                          "Hide By Status > [No Status, Check Box, Progress Bar]",
                           "Item Display Options > [Show Due Date, Show Statistics]", "-",
-                          "Windows && Toolbars > [Note Window, Quick Entry Bar, Recording Toolbar]", "-",
-                          "Expand All", "Collapse All"}));
+                          "Windows && Toolbars > [Note Window, Quick Entry Bar, Recording Toolbar]", "-", "Expand All",
+                          "Collapse All"}));
     QCOMPARE(words(bar->actions().at(2)->menu()),
              QStringList({"Find Item...", "Find Result...", "-", "Set Password...", "Save",
                           "File > [File Properties..., Convert Notes..., -, Save As...]", "-",
@@ -526,7 +524,8 @@ void TestMainWindow::ctrlAOpensTheAboutBox()
     QCOMPARE(m_prompts->aboutShown, 1);
     QVERIFY(!editor->textCursor().hasSelection());
     QTest::keyClick(w->view()->treePane(), Qt::Key_S, Qt::ControlModifier);
-    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))),
+             QStringList({QStringLiteral("one"), QStringLiteral("two")}));
     QByteArray note;
     namesOnDisk(docPath(QStringLiteral("Alpha.qbx")), &note);
     QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("text"));
