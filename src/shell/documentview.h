@@ -24,8 +24,7 @@ class ViewRows;
 class DocumentView : public QWidget {
     Q_OBJECT
 public:
-    DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts,
-                 QWidget *parent = nullptr);
+    DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts, QWidget *parent = nullptr);
     ~DocumentView() override;
 
     Document *document() const { return m_document.get(); }
@@ -58,6 +57,9 @@ public:
 
     void setQuickEntryVisible(bool visible);
     bool isQuickEntryVisible() const;
+    /// Shows the rows again after the settings changed (font, colours,
+    /// compact mode).
+    void applySettings() { applyRowStyle(); }
     /// Opens the item menu for a row at a global position.
     void showItemMenu(int row, const QPoint &globalPos);
     /// Rebuilds the rows and makes node current, revealing it; without a

@@ -1,5 +1,6 @@
 #include "shell/mainwindow.h"
 
+#include "exchange/textimport.h"
 #include "model/document.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
@@ -81,8 +82,8 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
         m_prompts = m_ownPrompts.get();
     }
     if (environment.settingsFile.isEmpty())
-        m_store = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                              QStringLiteral("Quillbox"), QStringLiteral("Quillbox"));
+        m_store = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillbox"),
+                                              QStringLiteral("Quillbox"));
     else
         m_store = std::make_unique<QSettings>(environment.settingsFile, QSettings::IniFormat);
 
@@ -211,7 +212,9 @@ void MainWindow::buildActions()
         action->setCheckable(true);
         viewGroup->addAction(action);
     }
-    auto checkable = [this](int id, const char *text) { makeAction(id, QString::fromLatin1(text))->setCheckable(true); };
+    auto checkable = [this](int id, const char *text) {
+        makeAction(id, QString::fromLatin1(text))->setCheckable(true);
+    };
     checkable(HideCompleted, "Hide Completed Items");
     checkable(HideNoStatus, "No Status");
     checkable(HideCheckBox, "Check Box");
@@ -221,8 +224,10 @@ void MainWindow::buildActions()
     checkable(NoteWindow, "Note Window");
     checkable(CommandId::QuickEntryBar, "Quick Entry Bar");
     checkable(RecordingToolbar, "Recording Toolbar");
-    makeAction(ExpandAll, QStringLiteral("Expand All"))->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
-    makeAction(CollapseAll, QStringLiteral("Collapse All"))->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
+    makeAction(ExpandAll, QStringLiteral("Expand All"))
+        ->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
+    makeAction(CollapseAll, QStringLiteral("Collapse All"))
+        ->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
 
     makeAction(FindItem, QStringLiteral("Find Item..."))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     makeAction(FindResult, QStringLiteral("Find Result..."));
@@ -243,12 +248,25 @@ void MainWindow::buildActions()
     makeAction(ItemTemplates, QStringLiteral("Item Templates..."));
 }
 
+void MainWindow::clearMenus()
+{
+    menuBar()->clear();
+    // The old menus may be running the command that changed the state: they
+    // go later, nameless so that nothing finds them meanwhile.
+    const auto menus = menuBar()->findChildren<QMenu *>(Qt::FindDirectChildrenOnly);
+    for (QMenu *menu : menus) {
+        menu->setObjectName(QString());
+        menu->deleteLater();
+    }
+}
+
 void MainWindow::buildListMenus()
 {
     using namespace CommandId;
-    menuBar()->clear();
+    clearMenus();
     menuBar()->addAction(m_actions[New]);
-    QMenu *tools = menuBar()->addMenu(QStringLiteral("Tools"));
+    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
+    menuBar()->addMenu(tools);
     tools->setObjectName(QStringLiteral("menuTools"));
     tools->addAction(m_actions[Refresh]);
     tools->addSeparator();
@@ -280,10 +298,11 @@ QMenu *MainWindow::buildMoveMenu(QWidget *parent)
 void MainWindow::buildViewMenus()
 {
     using namespace CommandId;
-    menuBar()->clear();
+    clearMenus();
     menuBar()->addAction(m_actions[New]);
 
-    QMenu *view = menuBar()->addMenu(QStringLiteral("View"));
+    auto *view = new QMenu(QStringLiteral("View"), menuBar());
+    menuBar()->addMenu(view);
     view->setObjectName(QStringLiteral("menuView"));
     for (int m = 0; m < 4; ++m)
         view->addAction(m_actions[DefaultView + m]);
@@ -305,7 +324,8 @@ void MainWindow::buildViewMenus()
     view->addAction(m_actions[ExpandAll]);
     view->addAction(m_actions[CollapseAll]);
 
-    QMenu *tools = menuBar()->addMenu(QStringLiteral("Tools"));
+    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
+    menuBar()->addMenu(tools);
     tools->setObjectName(QStringLiteral("menuTools"));
     tools->addAction(m_actions[FindItem]);
     tools->addAction(m_actions[FindResult]);
@@ -381,7 +401,7 @@ void MainWindow::updateActions()
             enabled = m_view != nullptr;
             break;
         case ImportText:
-            enabled = false; // arrives with the text import
+            enabled = !m_view;
             break;
         default:
             enabled = m_view && m_view->isCommandEnabled(id);
@@ -410,6 +430,10 @@ void MainWindow::runCommand(int id)
     case Refresh:
         refreshDocumentList();
         return;
+    case ImportText:
+        if (!m_view)
+            importTextDocument();
+        return;
     case New:
         if (!m_view) {
             createDocument();
@@ -433,8 +457,8 @@ void MainWindow::refreshDocumentList()
     if (auto *heading = m_listPage->findChild<QLabel *>(QStringLiteral("documentListHeading")))
         heading->setText(QStringLiteral("Documents in %1").arg(QDir::toNativeSeparators(folder)));
     m_list->clear();
-    const QFileInfoList files =
-        QDir(folder).entryInfoList({QStringLiteral("*.qbx")}, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
+    const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("*.qbx")}, QDir::Files | QDir::Readable,
+                                                           QDir::Name | QDir::IgnoreCase);
     const QIcon icon = windowIcon();
     const QLocale locale;
     for (const QFileInfo &info : files) {
@@ -469,6 +493,7 @@ void MainWindow::showView(DocumentView *view)
     view->setQuickEntryVisible(m_quickEntryVisible);
     connect(view, &DocumentView::stateChanged, this, &MainWindow::updateActions);
     connect(view, &DocumentView::settingsChanged, this, &MainWindow::saveSettings);
+    Q_EMIT viewOpened(view);
     buildViewMenus();
     updateActions();
     updateTitle();
@@ -477,8 +502,11 @@ void MainWindow::showView(DocumentView *view)
 
 bool MainWindow::openDocument(const QString &path)
 {
-    if (m_view)
+    if (m_view) {
         closeDocument();
+        if (m_view) // it could not be saved: it stays open
+            return false;
+    }
     auto document = std::make_unique<Document>();
     DocumentFile::LoadResult result = DocumentFile::Damaged;
     {
@@ -529,6 +557,39 @@ bool MainWindow::createDocument()
     return true;
 }
 
+bool MainWindow::importTextDocument()
+{
+    const QString textPath = m_prompts->openFileName(this, QStringLiteral("Import"), documentsFolder(),
+                                                     QStringLiteral("Text Files (*.txt);;Unicode Files (*.txt)"));
+    if (textPath.isEmpty())
+        return false;
+    const int noteType = m_prompts->askNoteType(this);
+    if (noteType < 0)
+        return false;
+    TextImport::Options options;
+    options.icon = TextImport::iconOf(m_settings.textImport);
+    options.codePage = m_settings.ansiCodePage;
+    auto document = std::make_unique<Document>();
+    TextImport::Result result = TextImport::Result::Unreadable;
+    bool saved = false;
+    {
+        WaitCursor wait;
+        result = TextImport::importDocument(textPath, quint16(noteType), options, document.get());
+        if (result == TextImport::Result::Ok)
+            saved = DocumentFile::save(*document);
+    }
+    if (result != TextImport::Result::Ok) {
+        m_prompts->message(this, Prompts::Icon::Stop, TextImport::message(result));
+        return false;
+    }
+    if (!saved) {
+        m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
+        return false;
+    }
+    showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
+    return true;
+}
+
 void MainWindow::closeDocument()
 {
     if (!m_view)
@@ -560,10 +621,8 @@ void MainWindow::closeDocument()
 
 void MainWindow::handOver(const QString &path)
 {
-    if (m_view) {
-        m_view->save();
-        closeDocument();
-    }
+    // Closing saves the open document first; a document that cannot be
+    // saved stays open and the other path is not opened.
     openDocument(path);
     bringForward();
 }

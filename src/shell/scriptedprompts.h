@@ -51,7 +51,7 @@ public:
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;
-    int chooseIcon(QWidget *parent, quint16 current) override;
+    int chooseIcon(QWidget *parent, quint16 current, const QList<quint16> &favourites) override;
 
     /// Records a menu's actions as lastMenu does, for menus the shell shows
     /// itself (the menu bar's drop-downs).
