@@ -37,7 +37,6 @@ namespace {
 
 // The shell's own value in the settings store: whether the quick entry bar
 // is shown.
-constexpr char QuickEntryKey[] = "QuickEntryBar";
 
 QIcon themeIcon(const char *name, QStyle::StandardPixmap fallback, const QStyle *style)
 {
@@ -147,9 +146,9 @@ QString MainWindow::documentsFolder() const
 
 void MainWindow::saveSettings()
 {
-    m_quickEntryVisible = m_view ? m_view->isQuickEntryVisible() : m_quickEntryVisible;
+    if (m_view)
+        m_settings.setFlag(Settings::QuickEntryBar, m_view->isQuickEntryVisible());
     m_settings.save(*m_store);
-    m_store->setValue(QString::fromLatin1(QuickEntryKey), m_quickEntryVisible ? 1 : 0);
     m_store->sync();
 }
 
@@ -157,7 +156,6 @@ void MainWindow::start(const QString &commandLinePath)
 {
     WaitCursor wait;
     m_settings.load(*m_store);
-    m_quickEntryVisible = m_store->value(QString::fromLatin1(QuickEntryKey), 1).toInt() != 0;
     refreshDocumentList();
     updateTitle();
     if (!commandLinePath.isEmpty())
@@ -490,7 +488,7 @@ void MainWindow::showView(DocumentView *view)
     m_view = view;
     m_stack->addWidget(view);
     m_stack->setCurrentWidget(view);
-    view->setQuickEntryVisible(m_quickEntryVisible);
+    view->setQuickEntryVisible(m_settings.testFlag(Settings::QuickEntryBar));
     connect(view, &DocumentView::stateChanged, this, &MainWindow::updateActions);
     connect(view, &DocumentView::settingsChanged, this, &MainWindow::saveSettings);
     Q_EMIT viewOpened(view);
@@ -598,7 +596,7 @@ void MainWindow::closeDocument()
     if (!m_view->save())
         return;
     const QString path = m_view->document()->path;
-    m_quickEntryVisible = m_view->isQuickEntryVisible();
+    m_settings.setFlag(Settings::QuickEntryBar, m_view->isQuickEntryVisible());
     DocumentView *view = m_view;
     m_view = nullptr;
     m_stack->setCurrentWidget(m_listPage);

@@ -99,7 +99,6 @@ private:
     Prompts *m_prompts = nullptr;
     std::unique_ptr<QSettings> m_store;
     Settings m_settings;
-    bool m_quickEntryVisible = true;
     QStackedWidget *m_stack = nullptr;
     QTreeWidget *m_list = nullptr;
     QWidget *m_listPage = nullptr;

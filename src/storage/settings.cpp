@@ -62,7 +62,7 @@ quint32 convertOldFlags(quint32 old)
     static constexpr Move moves[] = {
         {0x80000, Settings::CaseInsensitiveFind},
         {0x100000, Settings::KeepExportedItems},
-        {0x20, Settings::ReservedBit2},
+        {0x20, Settings::QuickEntryBar},
         {0x40000, Settings::LongTapEdit},
         {0x80, Settings::CalendarCategories},
         {0x2000, Settings::NormalFontForCompleted},

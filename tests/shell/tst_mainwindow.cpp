@@ -65,6 +65,7 @@ private Q_SLOTS:
     void cleanup();
     void startOpensDefFileOrTheCommandLinePath();
     void exitAndCloseKeepDefFile();
+    void quickEntryBarChoiceIsSavedAtOnce();
     void loadFailuresShowTheirMessage_data();
     void loadFailuresShowTheirMessage();
     void protectedDocumentAsksForThePassword();
@@ -166,6 +167,23 @@ void TestMainWindow::exitAndCloseKeepDefFile()
     QSettings after(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
     settings.load(after);
     QCOMPARE(settings.defFile, QString());
+}
+
+void TestMainWindow::quickEntryBarChoiceIsSavedAtOnce()
+{
+    // A first start has Flags bits 0 and 1 only: the bar is hidden.
+    MainWindow *w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    QVERIFY(!w->view()->isQuickEntryVisible());
+    w->view()->runCommand(CommandId::QuickEntryBar);
+    QVERIFY(w->view()->isQuickEntryVisible());
+    QSettings store(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    QCOMPARE(store.value(QStringLiteral("Flags")).toUInt(), 7u);
+
+    // The next start shows it again.
+    w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    QVERIFY(w->view()->isQuickEntryVisible());
 }
 
 void TestMainWindow::loadFailuresShowTheirMessage_data()
