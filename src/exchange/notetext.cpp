@@ -1,5 +1,9 @@
 #include "exchange/notetext.h"
 
+#include "exchange/noteconverter.h"
+#include "exchange/richink.h"
+#include "exchange/rtfreader.h"
+
 #include <QtEndian>
 
 namespace NoteText {
@@ -29,10 +33,30 @@ QByteArray toPlainNote(const QString &text)
 
 QString plainText(const QByteArray &note, quint16 noteType)
 {
-    if (noteType == 0)
-        return fromPlainNote(note);
-    // Rich text and rich ink are read by the note converters.
-    return QString();
+    switch (noteType) {
+    case 0: {
+        QString text = fromPlainNote(note);
+        const qsizetype end = text.indexOf(QChar(0));
+        if (end >= 0)
+            text.truncate(end);
+        return text;
+    }
+    case 1:
+        return RichInk::fromNote(note).plainText();
+    case 2:
+        return RtfReader::plainText(note);
+    default:
+        return QString();
+    }
+}
+
+QByteArray fromText(const QString &text, quint16 noteType)
+{
+    QByteArray note;
+    NoteConverter converter;
+    if (!converter.convert(toPlainNote(text), 0, noteType, &note))
+        return {};
+    return note;
 }
 
 } // namespace NoteText

@@ -15,20 +15,35 @@ namespace {
 // collation key is made once and the keys are compared.
 constexpr size_t SortKeyThreshold = 32;
 
+size_t g_bufferLimit = SIZE_MAX;
+
 struct Entry {
     Item *item;
-    const QCollatorSortKey *key;
+    const QCollatorSortKey *key; // the name's or category's collation key, when made
+    qint64 time;                 // the date key's file time, when made (-1: no due date)
 };
 
-bool fileTimeBefore(const SystemTime &a, const SystemTime &b, bool ascending)
+qint64 fileTime(const SystemTime &time)
 {
-    qint64 fa = 0, fb = 0;
+    qint64 value = 0;
     // A date the calendar cannot hold compares as the earliest time.
-    if (!a.toFileTime(&fa))
-        fa = 0;
-    if (!b.toFileTime(&fb))
-        fb = 0;
-    return ascending ? fa < fb : !(fa < fb);
+    return time.toFileTime(&value) ? value : 0;
+}
+
+bool fileTimeBefore(qint64 a, qint64 b, bool ascending)
+{
+    return ascending ? a < b : !(a < b);
+}
+
+// Undated items end last in ascending order and come first in descending
+// order, where an undated item goes before anything.
+bool dueDateBefore(bool aDated, qint64 a, bool bDated, qint64 b, bool ascending)
+{
+    if (!aDated)
+        return !ascending;
+    if (!bDated)
+        return ascending;
+    return fileTimeBefore(a, b, ascending);
 }
 
 class Comparator {
@@ -37,6 +52,14 @@ public:
 
     bool operator()(const Entry &a, const Entry &b) const
     {
+        switch (m_key) {
+        case TreeNode::SortDueDate:
+            return dueDateBefore(a.time >= 0, a.time, b.time >= 0, b.time, m_ascending);
+        case TreeNode::SortCreationDate:
+            return fileTimeBefore(a.time, b.time, m_ascending);
+        default:
+            break;
+        }
         if (a.key && b.key) {
             const int c = a.key->compare(*b.key);
             return m_ascending ? c < 0 : c > 0;
@@ -126,7 +149,7 @@ void mergeSort(std::vector<Entry> &entries, const Comparator &before)
     // One buffer entry per element; when that much cannot be had, halve the
     // request until it can, and merge in place past what it holds.
     std::unique_ptr<Entry[]> buffer;
-    size_t bufferSize = (n + 1) / 2;
+    size_t bufferSize = std::min((n + 1) / 2, g_bufferLimit);
     while (bufferSize > 0 && !buffer) {
         buffer.reset(new (std::nothrow) Entry[bufferSize]);
         if (!buffer)
@@ -166,15 +189,10 @@ bool goesBefore(const Item *a, const Item *b, quint16 key, bool ascending)
     case TreeNode::SortPercentComplete:
         return ascending ? a->progress() < b->progress() : a->progress() > b->progress();
     case TreeNode::SortDueDate:
-        // Undated items end last in ascending order and come first in
-        // descending order, where an undated item goes before anything.
-        if (!a->hasDueDate())
-            return !ascending;
-        if (!b->hasDueDate())
-            return ascending;
-        return fileTimeBefore(a->dueDate(), b->dueDate(), ascending);
+        return dueDateBefore(a->hasDueDate(), fileTime(a->dueDate()), b->hasDueDate(), fileTime(b->dueDate()),
+                             ascending);
     case TreeNode::SortCreationDate:
-        return fileTimeBefore(a->created(), b->created(), ascending);
+        return fileTimeBefore(fileTime(a->created()), fileTime(b->created()), ascending);
     default:
         return false;
     }
@@ -193,8 +211,15 @@ void sortItems(std::vector<Item *> &items, quint16 key, bool ascending)
         for (const Item *item : items)
             keys.push_back(collation.sortKey(key == TreeNode::SortName ? item->name() : item->category()));
     }
-    for (size_t i = 0; i < items.size(); ++i)
-        entries[i] = {items[i], withKeys ? &keys[i] : nullptr};
+    for (size_t i = 0; i < items.size(); ++i) {
+        const Item *item = items[i];
+        qint64 time = 0;
+        if (key == TreeNode::SortDueDate)
+            time = item->hasDueDate() ? fileTime(item->dueDate()) : -1;
+        else if (key == TreeNode::SortCreationDate)
+            time = fileTime(item->created());
+        entries[i] = {items[i], withKeys ? &keys[i] : nullptr, time};
+    }
     mergeSort(entries, Comparator(key, ascending));
     for (size_t i = 0; i < items.size(); ++i)
         items[i] = entries[i].item;
@@ -210,6 +235,11 @@ void setDirection(TreeNode *node, bool ascending)
 {
     node->setAscending(ascending);
     sortAgain(node);
+}
+
+void setMergeBufferLimit(size_t entries)
+{
+    g_bufferLimit = entries;
 }
 
 void sortAgain(TreeNode *node)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGlobal>
+#include <cstddef>
 #include <vector>
 
 class Item;
@@ -29,5 +30,9 @@ void setDirection(TreeNode *node, bool ascending);
 /// Sorts node's children by its own key and direction; nothing for manual
 /// order.
 void sortAgain(TreeNode *node);
+
+/// Caps the merge buffer (in entries) as if no more memory could be had; 0
+/// merges wholly in place. For tests of the fallback.
+void setMergeBufferLimit(size_t entries);
 
 } // namespace ChildOrder

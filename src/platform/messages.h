@@ -30,4 +30,27 @@ inline constexpr const char *PasswordSetPrompt =
 inline constexpr const char *PasswordNotCorrect = "The password is not correct. Please enter the password and try again.";
 inline constexpr const char *PasswordMismatch = "The new password and confirmation do not match. Please try again.";
 
+// Import and export.
+inline constexpr const char *NoItemsToExport = "There are no items that matched the export criteria. No file is created.";
+inline constexpr const char *ItemExportFailed =
+    "Item Export has failed. Please make sure you have enough storage space and try again.";
+inline constexpr const char *ItemsExported = "%d item(s) exported.";
+inline constexpr const char *TextFileFilter = "Text Files|*.txt|Unicode Files|*.txt|";
+inline constexpr const char *ImportTooLarge = "Unable to load file. Please try again with a smaller file.";
+inline constexpr const char *ExportFailed =
+    "Export has failed. Please make sure you have enough storage space and try again.";
+inline constexpr const char *NoLinks = "(None)";
+inline constexpr const char *NoteConversionFailed = "Note conversion has failed. Original file is restored.";
+inline constexpr const char *NoteConversionDone = "Note conversion completed.";
+inline constexpr const char *AskConvertNotes = "Converting notes to a different format may cause data loss. Are you sure?";
+inline constexpr const char *ImportFormatInvalid =
+    "The format of the import text file is invalid. Please correct the file and try again.";
+inline constexpr const char *XmlFileFilter = "XML Files|*.xml|";
+
+inline constexpr const char *NoteTypeQuestion = "Select the type of note to be used in this file:";
+inline constexpr const char *NoteTypePlain = "Plain Text Note";
+inline constexpr const char *NoteTypeInk = "Rich Ink Note";
+inline constexpr const char *NoteTypeRich = "Rich Text Note";
+inline constexpr const char *FileFilter = "Quillbox Files (*.qbx)";
+
 } // namespace Messages

@@ -1,0 +1,80 @@
+#pragma once
+
+/// The numbered commands of the menus, the item menu, the toolbar and the
+/// accelerators. Actions carry their number as data and are named
+/// "action<number>".
+namespace CommandId {
+
+enum : int {
+    CloseDocument = 1,
+    Exit = 40001,
+    About = 40005,
+    New = 40006,
+    MoveMenu = 40102,
+    MoveUp = 40018,
+    MoveDown = 40019,
+    UpALevel = 40020,
+    DownALevel = 40021,
+    RecordingToolbar = 40057,
+    Options = 40062,
+    ModifyItem = 40066,
+    ModifyNote = 40070,
+    Links = 40074,
+    QuickEntryBar = 40082,
+    ShowDueDate = 40083,
+    ShowStatistics = 40084,
+    ExpandAll = 40085,
+    CollapseAll = 40086,
+    HideCompleted = 40087,
+    HideNoStatus = 40088,
+    HideCheckBox = 40089,
+    HideProgressBar = 40090,
+    NoteWindow = 40091,
+    FindItem = 40095,
+    FindResult = 40096,
+    Save = 40097,
+    SaveAs = 40098,
+    ExportView = 40099,
+    ConvertNotes = 40100,
+    SetPassword = 40101,
+    FileProperties = 40103,
+    ExportItems = 40108,
+    ExportXml = 40115,
+    ExportLinks = 40116,
+    ExportNotes = 40117,
+    ImportText = 40118,
+    ImportFile = 40119,
+    Refresh = 40120,
+    ItemTemplates = 40121,
+    BranchView = 40143,
+    DefaultView = 42000,
+    ByCategory = 42001,
+    ByDueDate = 42002,
+    ByPriority = 42003,
+
+    Rename = 3001,
+    ChangeIcon = 3003,
+    ApplyAttributes = 3006,
+    MarkMove = 3009,
+    MarkCopy = 3010,
+    Paste = 3011,
+    DeleteItem = 3012,
+    CreateCopy = 3030,
+    CreateTask = 3031,
+    CreateAppointment = 3032,
+    ShowIcon = 3040,
+    ItalicStyle = 3041,
+    NoStatus = 3042,
+    CheckBox = 3043,
+    ProgressBar = 3044,
+    OrderByName = 3100, ///< 3100 + key; 3115 manual order
+    OrderManual = 3115,
+    Ascending = 3120,
+    Descending = 3121,
+    Priority1 = 20100, ///< 20099 + priority
+    Priority20 = 20119,
+    Colour0 = 20200, ///< 20200 + colour index
+    Colour35 = 20235,
+};
+
+} // namespace CommandId

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "storage/settings.h"
+
+#include <QHash>
+#include <QMainWindow>
+#include <memory>
+
+class DocumentView;
+class Prompts;
+class QAction;
+class QMenu;
+class QSettings;
+class QStackedWidget;
+class QTreeWidget;
+class QToolBar;
+class QLabel;
+
+/// Where the shell keeps things; tests give their own folders and files.
+struct ShellEnvironment {
+    /// The folder whose ".qbx" files the document list shows; empty for the
+    /// user's documents folder.
+    QString documentsFolder;
+    /// A settings file of the test's own; empty for the user's store.
+    QString settingsFile;
+    /// Prompts to use; null for the real dialogs.
+    Prompts *prompts = nullptr;
+};
+
+/// The frame: the document list while no document is open, and the view of
+/// the one open document. It runs the document's lifecycle (create, open
+/// with the password prompt, save, close, hand-over from a second start) and
+/// keeps DefFile so that the next start reopens what was open at exit.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit MainWindow(const ShellEnvironment &environment = ShellEnvironment(), QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// Loads the settings, lets a non-empty command-line path replace
+    /// DefFile, and opens DefFile when it is set.
+    void start(const QString &commandLinePath);
+
+    /// Opens a document in the view: the load result's message on failure,
+    /// the password prompt for a protected one (Cancel closes it again).
+    bool openDocument(const QString &path);
+    /// Asks for a path and a note type and opens an empty document there.
+    bool createDocument();
+    /// Saves and closes the open document, back to the list; DefFile empties.
+    void closeDocument();
+    /// A second start handed over a path: save and close, then open it.
+    void handOver(const QString &path);
+    /// Brings the window forward (a second start without a path).
+    void bringForward();
+    /// The deactivation save: commit the selection and the note, then write.
+    void saveOnDeactivation();
+
+    DocumentView *view() const { return m_view; }
+    QTreeWidget *documentList() const { return m_list; }
+    QString documentsFolder() const;
+    Settings &settings() { return m_settings; }
+    Prompts *prompts() const { return m_prompts; }
+    void saveSettings();
+    /// The action of a command number (named "action<number>").
+    QAction *commandAction(int id) const { return m_actions.value(id); }
+    /// Runs a numbered command in the frame or the view.
+    void runCommand(int id);
+    /// Greys and marks every action for the present state.
+    void updateActions();
+    void refreshDocumentList();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QAction *makeAction(int id, const QString &text);
+    void buildActions();
+    void buildListMenus();
+    void buildViewMenus();
+    QMenu *buildMoveMenu(QWidget *parent);
+    void showView(DocumentView *view);
+    void onListActivated();
+    void updateTitle();
+
+    ShellEnvironment m_environment;
+    std::unique_ptr<Prompts> m_ownPrompts;
+    Prompts *m_prompts = nullptr;
+    std::unique_ptr<QSettings> m_store;
+    Settings m_settings;
+    bool m_quickEntryVisible = true;
+    QStackedWidget *m_stack = nullptr;
+    QTreeWidget *m_list = nullptr;
+    QWidget *m_listPage = nullptr;
+    DocumentView *m_view = nullptr;
+    QToolBar *m_toolBar = nullptr;
+    QLabel *m_status = nullptr;
+    QHash<int, QAction *> m_actions;
+};

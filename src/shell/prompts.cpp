@@ -1,0 +1,158 @@
+#include "shell/prompts.h"
+
+#include "platform/messages.h"
+#include "shell/iconchooser.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace {
+
+QString caption()
+{
+    return QString::fromLatin1(Messages::Caption);
+}
+
+} // namespace
+
+bool DialogPrompts::askYesNo(QWidget *parent, const QString &text)
+{
+    QMessageBox box(QMessageBox::Question, caption(), text, QMessageBox::Yes | QMessageBox::No, parent);
+    box.setDefaultButton(QMessageBox::Yes);
+    return box.exec() != QMessageBox::No;
+}
+
+void DialogPrompts::message(QWidget *parent, Icon icon, const QString &text)
+{
+    QMessageBox::Icon boxIcon = QMessageBox::Information;
+    switch (icon) {
+    case Icon::Stop:
+        boxIcon = QMessageBox::Critical;
+        break;
+    case Icon::Exclamation:
+        boxIcon = QMessageBox::Warning;
+        break;
+    case Icon::Question:
+        boxIcon = QMessageBox::Question;
+        break;
+    case Icon::Information:
+        break;
+    }
+    QMessageBox box(boxIcon, caption(), text, QMessageBox::Ok, parent);
+    box.exec();
+}
+
+QString DialogPrompts::openFileName(QWidget *parent, const QString &title, const QString &folder,
+                                    const QString &filter)
+{
+    return QFileDialog::getOpenFileName(parent, title.isEmpty() ? caption() : title, folder, filter);
+}
+
+QString DialogPrompts::saveFileName(QWidget *parent, const QString &title, const QString &suggested,
+                                    const QString &filter)
+{
+    QFileDialog dialog(parent, title.isEmpty() ? caption() : title, suggested, filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(QStringLiteral("qbx"));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    return dialog.selectedFiles().constFirst();
+}
+
+int DialogPrompts::askNoteType(QWidget *parent)
+{
+    QDialog dialog(parent);
+    dialog.setWindowTitle(caption());
+    auto *layout = new QVBoxLayout(&dialog);
+    layout->addWidget(new QLabel(QString::fromLatin1(Messages::NoteTypeQuestion)));
+    const char *names[] = {Messages::NoteTypePlain, Messages::NoteTypeInk, Messages::NoteTypeRich};
+    const char *details[] = {
+        "Notes are plain text, readable by any program.",
+        "Notes hold formatted text together with drawings and voice recordings.",
+        "Notes hold formatted text: fonts, bold, italic, colours and lists.",
+    };
+    QButtonGroup group;
+    for (int i = 0; i < 3; ++i) {
+        auto *button = new QRadioButton(QString::fromLatin1(names[i]));
+        button->setObjectName(QStringLiteral("noteType%1").arg(i));
+        group.addButton(button, i);
+        layout->addWidget(button);
+        auto *detail = new QLabel(QString::fromLatin1(details[i]));
+        detail->setContentsMargins(24, 0, 0, 6);
+        detail->setEnabled(false);
+        layout->addWidget(detail);
+    }
+    group.button(0)->setChecked(true);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    layout->addWidget(buttons);
+    if (dialog.exec() != QDialog::Accepted)
+        return -1;
+    return group.checkedId();
+}
+
+bool DialogPrompts::askPassword(QWidget *parent, const std::function<bool(const QString &)> &check)
+{
+    QDialog dialog(parent);
+    dialog.setWindowTitle(caption());
+    auto *layout = new QVBoxLayout(&dialog);
+    auto *label = new QLabel(QString::fromLatin1(Messages::PasswordEnterPrompt));
+    label->setWordWrap(true);
+    layout->addWidget(label);
+    auto *form = new QFormLayout;
+    auto *edit = new QLineEdit;
+    edit->setEchoMode(QLineEdit::Password);
+    edit->setMaxLength(15);
+    form->addRow(QStringLiteral("Password:"), edit);
+    layout->addLayout(form);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    layout->addWidget(buttons);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
+        if (check(edit->text())) {
+            dialog.accept();
+            return;
+        }
+        // Wrong passwords may be retried without limit.
+        message(&dialog, Icon::Stop, QString::fromLatin1(Messages::PasswordNotCorrect));
+        edit->selectAll();
+        edit->setFocus();
+    });
+    dialog.resize(360, dialog.sizeHint().height());
+    return dialog.exec() == QDialog::Accepted;
+}
+
+QAction *DialogPrompts::popupMenu(QMenu *menu, const QPoint &globalPos)
+{
+    return menu->exec(globalPos);
+}
+
+void DialogPrompts::about(QWidget *parent)
+{
+    QMessageBox box(parent);
+    box.setWindowTitle(caption());
+    box.setIconPixmap(QApplication::windowIcon().pixmap(64, 64));
+    box.setText(QStringLiteral("<h3>Quillbox %1</h3>").arg(QStringLiteral(QUILLBOX_VERSION)));
+    box.setInformativeText(QStringLiteral("A hierarchical note-taking and task outliner.\n\n"
+                                          "Documents are kept as .qbx files in your documents folder."));
+    box.exec();
+}
+
+int DialogPrompts::chooseIcon(QWidget *parent, quint16 current)
+{
+    IconChooser chooser(current, parent);
+    return chooser.exec() == QDialog::Accepted ? chooser.chosen() : -1;
+}

@@ -1,0 +1,84 @@
+#include "shell/scriptedprompts.h"
+
+#include <QAction>
+#include <QMenu>
+
+bool ScriptedPrompts::askYesNo(QWidget *, const QString &text)
+{
+    shown.append({Icon::Question, text});
+    return yesNo.isEmpty() ? true : yesNo.dequeue();
+}
+
+void ScriptedPrompts::message(QWidget *, Icon icon, const QString &text)
+{
+    shown.append({icon, text});
+}
+
+QString ScriptedPrompts::openFileName(QWidget *, const QString &, const QString &, const QString &)
+{
+    return fileNames.isEmpty() ? QString() : fileNames.dequeue();
+}
+
+QString ScriptedPrompts::saveFileName(QWidget *, const QString &, const QString &, const QString &)
+{
+    return fileNames.isEmpty() ? QString() : fileNames.dequeue();
+}
+
+int ScriptedPrompts::askNoteType(QWidget *)
+{
+    return noteTypes.isEmpty() ? -1 : noteTypes.dequeue();
+}
+
+bool ScriptedPrompts::askPassword(QWidget *, const std::function<bool(const QString &)> &check)
+{
+    while (!passwords.isEmpty()) {
+        ++passwordAttempts;
+        if (check(passwords.dequeue()))
+            return true;
+    }
+    return false;
+}
+
+QHash<QString, ScriptedPrompts::ActionState> ScriptedPrompts::actionStates(QMenu *menu)
+{
+    QHash<QString, ActionState> states;
+    const auto actions = menu->findChildren<QAction *>();
+    for (QAction *action : actions) {
+        if (!action->objectName().isEmpty())
+            states.insert(action->objectName(),
+                          {action->isEnabled(), action->isCheckable(), action->isChecked(), action->text()});
+    }
+    return states;
+}
+
+QAction *ScriptedPrompts::popupMenu(QMenu *menu, const QPoint &)
+{
+    lastMenu = actionStates(menu);
+    lastMenuTexts.clear();
+    for (QAction *action : menu->actions())
+        lastMenuTexts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+    if (menuChoices.isEmpty())
+        return nullptr;
+    const QString name = menuChoices.dequeue();
+    QAction *action = name.isEmpty() ? nullptr : menu->findChild<QAction *>(name);
+    // A greyed entry, or one in a greyed submenu, cannot be chosen.
+    for (QObject *o = action; o && o != menu; o = o->parent()) {
+        auto *sub = qobject_cast<QMenu *>(o);
+        if (sub && !sub->menuAction()->isEnabled())
+            action = nullptr;
+    }
+    if (!action || !action->isEnabled())
+        return nullptr;
+    action->trigger();
+    return action;
+}
+
+void ScriptedPrompts::about(QWidget *)
+{
+    ++aboutShown;
+}
+
+int ScriptedPrompts::chooseIcon(QWidget *, quint16)
+{
+    return icons.isEmpty() ? -1 : icons.dequeue();
+}

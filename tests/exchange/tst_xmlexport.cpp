@@ -1,0 +1,419 @@
+#include "exchange/xmlexport.h"
+#include "model/document.h"
+
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+SystemTime at(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
+{
+    SystemTime t;
+    t.year = quint16(year);
+    t.month = quint16(month);
+    t.day = quint16(day);
+    t.hour = quint16(hour);
+    t.minute = quint16(minute);
+    t.second = quint16(second);
+    return t;
+}
+
+QByteArray le(const char16_t *text)
+{
+    QByteArray bytes;
+    for (const char16_t *p = text; *p; ++p) {
+        bytes += char(*p & 0xff);
+        bytes += char(*p >> 8);
+    }
+    return bytes;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+}
+
+// A small document with every element in its interesting forms.
+struct Sample {
+    Document document;
+    Sample()
+    {
+        TreeNode *root = document.root();
+        root->setName(QStringLiteral("My <List>"));
+        root->setImage(5);
+        root->setSort(TreeNode::SortName);
+
+        auto *a = new Item(QStringLiteral("a<b&c"), 812);
+        auto *b = new Item(QStringLiteral(""));
+        auto *c = new Item(QStringLiteral("Target & Co"), 3);
+        auto *d = new Item();
+        root->appendChild(a);
+        a->appendChild(b);
+        root->appendChild(c);
+        root->appendChild(d);
+        root->setExpanded(true);
+        a->setExpanded(true);
+
+        a->setItalic(true);
+        a->setTaskTime(QStringLiteral("2h"));
+        a->setTaskTimeType(2);
+        a->setColour(3);
+        a->setDueDate(at(2024, 3, 5, 17, 30));
+        a->storeProgress(50);
+        a->setStatusType(Item::ProgressBar);
+        a->setPriority(3);
+        a->setCategory(QStringLiteral("Work \"x\""));
+        a->setCreated(at(2023, 12, 31, 23, 59, 58));
+        auto *gone = new Item(QStringLiteral("gone"));
+        const QString deadLink = gone->linkText();
+        delete gone;
+        a->setLinks({QStringLiteral("file:///tmp/x's"), c->linkText(), deadLink});
+        a->setNote(le(u"line1\r\nline2 <b>&amp;</b>") + QByteArray(2, '\0'));
+
+        b->setCreated(at(2024, 1, 2, 3, 4, 5));
+
+        c->setShowIcon(false);
+        c->setAutoProgress(true);
+        c->setStatusType(Item::NoStatus);
+        c->storeProgress(100);
+        SystemTime noMonth = at(2020, 0, 5);
+        c->setDueDate(noMonth);
+        c->setCreated(at(2000, 2, 29));
+        c->setLinks({deadLink});
+
+        d->setCreated(at(1999, 1, 1, 12, 0, 1));
+    }
+};
+
+const char *const SampleXml =
+    "<?xml version=\"1.0\" ?>\r\n"
+    "<ROOT Flags=\"3\" Image=\"5\" Sort=\"0\" Name=\"My &amp;lt;List&amp;gt;\">\r\n"
+    "<ITEM StdFlags=\"3\" Flags=\"5\" Image=\"812\" Sort=\"15\">\r\n"
+    "<NAME>a&amp;lt;b&amp;c</NAME>\r\n"
+    "<TASKTIME Type=\"2\">\r\n"
+    "2h</TASKTIME>\r\n"
+    "<COLOUR>3</COLOUR>\r\n"
+    "<DUEDATE>2024-03-05</DUEDATE>\r\n"
+    "<PROGRESS>50</PROGRESS>\r\n"
+    "<STATUSTYPE>2</STATUSTYPE>\r\n"
+    "<PRIORITY>3</PRIORITY>\r\n"
+    "<CATEGORY>Work &quot;x&quot;</CATEGORY>\r\n"
+    "<CREATED>2023-12-31T23:59:58</CREATED>\r\n"
+    "<LINKS>\r\n"
+    "<LINK>file:///tmp/x&apos;s</LINK>\r\n"
+    "<LINK>Target &amp; Co</LINK>\r\n"
+    "</LINKS>\r\n"
+    "<NOTE>\r\n"
+    "<![CDATA[\r\n"
+    "line1\r\n"
+    "line2 <b>&amp;</b>\r\n"
+    "]]>\r\n"
+    "</NOTE>\r\n"
+    "<SUBITEMS>\r\n"
+    "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
+    "<NAME></NAME>\r\n"
+    "<TASKTIME />\r\n"
+    "<COLOUR>0</COLOUR>\r\n"
+    "<DUEDATE />\r\n"
+    "<PROGRESS>0</PROGRESS>\r\n"
+    "<STATUSTYPE>1</STATUSTYPE>\r\n"
+    "<PRIORITY>10</PRIORITY>\r\n"
+    "<CATEGORY />\r\n"
+    "<CREATED>2024-01-02T03:04:05</CREATED>\r\n"
+    "<LINKS />\r\n"
+    "<NOTE />\r\n"
+    "</ITEM>\r\n"
+    "</SUBITEMS>\r\n"
+    "</ITEM>\r\n"
+    "<ITEM StdFlags=\"2\" Flags=\"2\" Image=\"3\" Sort=\"15\">\r\n"
+    "<NAME>Target &amp; Co</NAME>\r\n"
+    "<TASKTIME />\r\n"
+    "<COLOUR>0</COLOUR>\r\n"
+    "<DUEDATE />\r\n"
+    "<PROGRESS>100</PROGRESS>\r\n"
+    "<STATUSTYPE>0</STATUSTYPE>\r\n"
+    "<PRIORITY>10</PRIORITY>\r\n"
+    "<CATEGORY />\r\n"
+    "<CREATED>2000-02-29T00:00:00</CREATED>\r\n"
+    "<LINKS>\r\n"
+    "</LINKS>\r\n"
+    "<NOTE />\r\n"
+    "</ITEM>\r\n"
+    "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
+    "<NAME />\r\n"
+    "<TASKTIME />\r\n"
+    "<COLOUR>0</COLOUR>\r\n"
+    "<DUEDATE />\r\n"
+    "<PROGRESS>0</PROGRESS>\r\n"
+    "<STATUSTYPE>1</STATUSTYPE>\r\n"
+    "<PRIORITY>10</PRIORITY>\r\n"
+    "<CATEGORY />\r\n"
+    "<CREATED>1999-01-01T12:00:01</CREATED>\r\n"
+    "<LINKS />\r\n"
+    "<NOTE />\r\n"
+    "</ITEM>\r\n"
+    "</ROOT>\r\n";
+
+// The record of an Item with default fields, created 2024-01-01 00:00:00.
+QByteArray plainItem(const QByteArray &name, const QByteArray &note = QByteArray(), bool children = false)
+{
+    QByteArray xml = "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n<NAME>" + name +
+                     "</NAME>\r\n<TASKTIME />\r\n<COLOUR>0</COLOUR>\r\n<DUEDATE />\r\n<PROGRESS>0</PROGRESS>\r\n"
+                     "<STATUSTYPE>1</STATUSTYPE>\r\n<PRIORITY>10</PRIORITY>\r\n<CATEGORY />\r\n"
+                     "<CREATED>2024-01-01T00:00:00</CREATED>\r\n<LINKS />\r\n";
+    xml += note.isNull() ? QByteArray("<NOTE />\r\n") : "<NOTE>\r\n<![CDATA[\r\n" + note + "\r\n]]>\r\n</NOTE>\r\n";
+    xml += children ? "<SUBITEMS>\r\n" : "</ITEM>\r\n";
+    return xml;
+}
+
+Item *plain(const QString &name)
+{
+    auto *item = new Item(name);
+    item->setCreated(at(2024, 1, 1));
+    return item;
+}
+
+bool runXmllint(const QString &path, QString *errors)
+{
+    QProcess process;
+    process.start(QStandardPaths::findExecutable(QStringLiteral("xmllint")), {QStringLiteral("--noout"), path});
+    process.waitForFinished(60000);
+    *errors = QString::fromLocal8Bit(process.readAllStandardError());
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+} // namespace
+
+class TestXmlExport : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void emptyRoot();
+    void wholeRecord();
+    void escape_data();
+    void escape();
+    void noteWithCdataEndIsWrittenAsItIs();
+    void richNotesAsPlainText_data();
+    void richNotesAsPlainText();
+    void fileBytes_data();
+    void fileBytes();
+    void encodingLabels();
+    void failures();
+    void deepChain();
+    void xmllintReadsIt_data();
+    void xmllintReadsIt();
+};
+
+void TestXmlExport::emptyRoot()
+{
+    TreeNode root;
+    QCOMPARE(XmlExport::text(&root, {}), QStringLiteral("<?xml version=\"1.0\" ?>\r\n"
+                                                        "<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Root\">\r\n"
+                                                        "</ROOT>\r\n"));
+}
+
+void TestXmlExport::wholeRecord()
+{
+    Sample sample;
+    QCOMPARE(XmlExport::text(sample.document.root(), {}), QString::fromLatin1(SampleXml));
+}
+
+void TestXmlExport::escape_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("escaped");
+    QTest::newRow("nothing to do") << "plain text" << "plain text";
+    QTest::newRow("less than twice escaped") << "a<b&c" << "a&amp;lt;b&amp;c";
+    QTest::newRow("greater than twice escaped") << "x>y" << "x&amp;gt;y";
+    QTest::newRow("quotes") << "\"it's\"" << "&quot;it&apos;s&quot;";
+    QTest::newRow("an entity in the text") << "&lt;" << "&amp;lt;";
+    QTest::newRow("all at the edges") << "<>&\"'" << "&amp;lt;&amp;gt;&amp;&quot;&apos;";
+    QTest::newRow("empty") << "" << "";
+}
+
+void TestXmlExport::escape()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, escaped);
+    QCOMPARE(XmlExport::escape(text), escaped);
+}
+
+void TestXmlExport::noteWithCdataEndIsWrittenAsItIs()
+{
+    TreeNode root(QStringLiteral("R"));
+    Item *item = plain(QStringLiteral("n"));
+    item->setNote(le(u"a ]]> b & <c>"));
+    root.appendChild(item);
+    const QByteArray expected = "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n" +
+                                plainItem("n", "a ]]> b & <c>") + "</ROOT>\r\n";
+    QCOMPARE(XmlExport::text(&root, {}), QString::fromLatin1(expected));
+}
+
+void TestXmlExport::richNotesAsPlainText_data()
+{
+    QTest::addColumn<quint16>("noteType");
+    QTest::addColumn<QByteArray>("note");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("rich text") << quint16(2) << QByteArray("{\\rtf1 {\\b Bold}\\par x\\u233?}")
+                               << QByteArray("Bold\r\nx\xe9");
+    QTest::newRow("rich ink") << quint16(1)
+                              << QByteArray("QBINK\r\n\x1a" "RTF \x0d\x00\x00\x00{\\rtf1 ink}", 8 + 8 + 13)
+                              << QByteArray("ink");
+    QTest::newRow("rich ink with drawing only") << quint16(1)
+                                                << QByteArray("QBINK\r\n\x1a" "INKS\x01\x00\x00\x00\x05", 17)
+                                                << QByteArray("");
+}
+
+void TestXmlExport::richNotesAsPlainText()
+{
+    QFETCH(quint16, noteType);
+    QFETCH(QByteArray, note);
+    QFETCH(QByteArray, text);
+    TreeNode root(QStringLiteral("R"));
+    Item *item = plain(QStringLiteral("n"));
+    item->setNote(note);
+    root.appendChild(item);
+    XmlExport::Options options;
+    options.noteType = noteType;
+    const QByteArray expected = "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n" +
+                                plainItem("n", text) + "</ROOT>\r\n";
+    QCOMPARE(XmlExport::text(&root, options), QString::fromLatin1(expected));
+}
+
+void TestXmlExport::fileBytes_data()
+{
+    QTest::addColumn<int>("encoding");
+    QTest::addColumn<QString>("codePage");
+    QTest::addColumn<QString>("rootName");
+    QTest::addColumn<QByteArray>("bytes");
+
+    const QString cafe = QString::fromUtf8("Café😀");
+    QTest::newRow("default: code page, no declaration")
+        << 0 << "windows-1252" << QString::fromUtf8("Café")
+        << QByteArray("<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n"
+                      "</ROOT>\r\n");
+    // The declaration says UTF-8, the bytes are the code page's, one per
+    // UTF-16 unit: the pair became one "?", which leaves a zero at the end.
+    QTest::newRow("UTF-8 is only a label")
+        << 1 << "windows-1252" << cafe
+        << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" "
+                      "Name=\"Caf\xe9?\">\r\n</ROOT>\r\n") +
+               QByteArray(1, '\0');
+    QTest::newRow("UTF-16") << 2 << "windows-1252" << cafe
+                            << QByteArray("\xff\xfe") +
+                                   le(u"<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" "
+                                      u"Sort=\"15\" Name=\"Caf\u00e9\xd83d\xde00\">\r\n</ROOT>\r\n");
+    QTest::newRow("ISO-8859-1 label") << 3 << "windows-1252" << QString::fromUtf8("€")
+                                      << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\" ?>\r\n<ROOT "
+                                                    "Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"\x80\">\r\n</ROOT>\r\n");
+    // Two bytes per character in a double-byte code page: the text is cut at
+    // its number of UTF-16 units, in the middle of the closing tag.
+    QTest::newRow("Shift-JIS is cut") << 5 << "windows-932" << QString::fromUtf8("日本")
+                                      << QByteArray("<?xml version=\"1.0\" encoding=\"Shift-JIS\" ?>\r\n<ROOT "
+                                                    "Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"\x93\xfa\x96\x7b\">\r\n"
+                                                    "</ROOT>");
+}
+
+void TestXmlExport::fileBytes()
+{
+    QFETCH(int, encoding);
+    QFETCH(QString, codePage);
+    QFETCH(QString, rootName);
+    QFETCH(QByteArray, bytes);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("out.xml"));
+    {
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write(QByteArray(4096, 'x')); // an older, longer file is replaced whole
+    }
+    TreeNode root(rootName);
+    XmlExport::Options options;
+    options.encoding = quint16(encoding);
+    options.codePage = codePage;
+    QVERIFY(XmlExport::exportXml(path, &root, options));
+    QCOMPARE(readFile(path), bytes);
+}
+
+void TestXmlExport::encodingLabels()
+{
+    QCOMPARE(XmlExport::encodingLabels(), (QStringList{"(Default)", "UTF-8", "UTF-16", "ISO-8859-1", "Big-5",
+                                                      "Shift-JIS", "GB2312"}));
+    QCOMPARE(XmlExport::encodingLabel(7), QString());
+}
+
+void TestXmlExport::failures()
+{
+    QTemporaryDir dir;
+    TreeNode root;
+    QVERIFY(!XmlExport::exportXml(dir.filePath(QStringLiteral("no/such/folder/out.xml")), &root, {}));
+
+    // An unknown code page fails before any file exists.
+    XmlExport::Options options;
+    options.codePage = QStringLiteral("no-such-page");
+    const QString path = dir.filePath(QStringLiteral("never.xml"));
+    QVERIFY(!XmlExport::exportXml(path, &root, options));
+    QVERIFY(!QFile::exists(path));
+}
+
+void TestXmlExport::deepChain()
+{
+    constexpr int Depth = 200000;
+    TreeNode root(QStringLiteral("R"));
+    TreeNode *parent = &root;
+    for (int i = 0; i < Depth; ++i) {
+        Item *item = plain(QStringLiteral("x"));
+        parent->appendChild(item);
+        parent = item;
+    }
+    const QString text = XmlExport::text(&root, {});
+    QCOMPARE(text.count(QLatin1String("<SUBITEMS>\r\n")), Depth - 1);
+    QCOMPARE(text.count(QLatin1String("</SUBITEMS>\r\n</ITEM>\r\n")), Depth - 1);
+    QVERIFY(text.endsWith(QString::fromLatin1(plainItem("x") + QByteArray("</SUBITEMS>\r\n</ITEM>\r\n").repeated(Depth - 1) +
+                                              "</ROOT>\r\n")));
+}
+
+void TestXmlExport::xmllintReadsIt_data()
+{
+    QTest::addColumn<int>("encoding");
+    QTest::addColumn<bool>("unicodeNames");
+    QTest::newRow("default, ASCII") << 0 << false;
+    QTest::newRow("UTF-8 label, ASCII") << 1 << false;
+    QTest::newRow("UTF-16, any text") << 2 << true;
+    QTest::newRow("ISO-8859-1, western text") << 3 << true;
+}
+
+void TestXmlExport::xmllintReadsIt()
+{
+    QFETCH(int, encoding);
+    QFETCH(bool, unicodeNames);
+    if (QStandardPaths::findExecutable(QStringLiteral("xmllint")).isEmpty())
+        QSKIP("xmllint is not installed (scripts/setup installs it)");
+
+    Sample sample;
+    TreeNode *root = sample.document.root();
+    Item *extra = plain(unicodeNames ? QString::fromUtf8("Größe & «Maß» <é>") : QStringLiteral("\"quoted\" & 'single'"));
+    extra->setNote(le(u"<note> with & and \"quotes\""));
+    extra->setLinks({QStringLiteral("http://example.com/?a=1&b=<2>")});
+    root->child(0)->child(0)->appendChild(extra);
+    // Some depth, below the nesting that xmllint accepts by default.
+    TreeNode *parent = extra;
+    for (int i = 0; i < 100; ++i) {
+        Item *item = plain(QStringLiteral("level %1").arg(i));
+        parent->appendChild(item);
+        parent = item;
+    }
+
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("doc.xml"));
+    XmlExport::Options options;
+    options.encoding = quint16(encoding);
+    QVERIFY(XmlExport::exportXml(path, root, options));
+    QString errors;
+    QVERIFY2(runXmllint(path, &errors), qPrintable(errors));
+}
+
+QTEST_GUILESS_MAIN(TestXmlExport)
+#include "tst_xmlexport.moc"
