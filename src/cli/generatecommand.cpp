@@ -20,7 +20,7 @@ int run(const QStringList &arguments)
                                    QStringLiteral("Nest every item under the previous one (one deep chain)."));
     const QCommandLineOption noteType(
         QStringLiteral("note-type"),
-        QStringLiteral("0 plain text (default), 1 rich ink (no notes are generated), 2 rich text."),
+        QStringLiteral("Note format: 0 plain text (default), 1 rich ink, 2 rich text."),
         QStringLiteral("T"), QStringLiteral("0"));
     const QCommandLineOption sample(QStringLiteral("sample"), QStringLiteral("Write the example outline."));
     parser.addOptions({items, seed, chain, noteType, sample});

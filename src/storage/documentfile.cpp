@@ -1,5 +1,6 @@
 #include "storage/documentfile.h"
 
+#include "exchange/noteconverter.h"
 #include "model/document.h"
 #include "platform/messages.h"
 #include "storage/bytereader.h"
@@ -674,8 +675,12 @@ DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *
 
     if (!hash.isEmpty() && (!askPassword || !askPassword(hash)))
         return Cancelled;
-    if (noteType != document->noteType && convertNotes)
-        convertNotes(&importedRoot, noteType, document->noteType);
+    if (noteType != document->noteType) {
+        if (convertNotes)
+            convertNotes(&importedRoot, noteType, document->noteType);
+        else if (!::NoteConverter().convertAllNotes(&importedRoot, noteType, document->noteType))
+            return Damaged; // notes of a type we do not know
+    }
     for (qsizetype i = document->categories.size(); i < scratch.categories.size(); ++i)
         document->collectCategory(scratch.categories.at(i));
     const std::vector<Item *> imported = importedRoot.children();

@@ -1,6 +1,7 @@
 #include "storage/documentgenerator.h"
 
 #include "exchange/notetext.h"
+#include "exchange/richink.h"
 #include "model/document.h"
 #include "model/progress.h"
 
@@ -73,6 +74,8 @@ QByteArray noteBytes(const QString &text, quint16 noteType)
 {
     if (noteType == Document::RichText)
         return rtfNote(text).toLatin1();
+    if (noteType == Document::RichInk)
+        return RichInk::fromRtf(rtfNote(text).toLatin1()).toNote();
     return NoteText::toPlainNote(text);
 }
 
@@ -132,7 +135,7 @@ void DocumentGenerator::generate(Document *document, const Options &options)
             item->setColour(quint16(random.below(36)));
         if (random.oneIn(60))
             item->setTaskTime(QString::number(random.below(90) + 1));
-        if (options.noteType != Document::RichInk && random.oneIn(5)) {
+        if (random.oneIn(5)) {
             QString text;
             while (text.size() < 200)
                 text += QString::fromUtf16(Sentences[random.below(quint32(Sentences.size()))]);

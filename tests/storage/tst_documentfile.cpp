@@ -89,6 +89,7 @@ private Q_SLOTS:
     void fileResults();
     void branchFile();
     void importIntoNode();
+    void importConvertsNotesByDefault();
     void importRefusals();
 };
 
@@ -839,6 +840,30 @@ void TestDocumentFile::importIntoNode()
     QCOMPARE(DocumentFile::importInto(&doc, doc.root(), path, prompt, convert), DocumentFile::Loaded);
     QCOMPARE(conversions.size(), 1);
     QCOMPARE(doc.root()->childCount(), 3);
+}
+
+void TestDocumentFile::importConvertsNotesByDefault()
+{
+    QTemporaryDir dir;
+    auto fileWithNote = [&dir](quint16 noteType, const QByteArray &note) {
+        FB f;
+        f.u32(551).u16(0).u32(0x82).u16(noteType).u16(0).u16(0).u32(0).u32(0);
+        f.u16(0).str(QStringLiteral("R")).u32(0).u32(2).u16(15);
+        f.u32(1).u32(1).u16(0).str(QStringLiteral("n")).u32(0).u32(2).u16(15).str(QString()).u16(0).zeroTime();
+        f.u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().zeroTime().u32(quint32(note.size())).bytes(note);
+        f.u32(0);
+        QFile file(dir.filePath(QStringLiteral("n%1.qbx").arg(noteType)));
+        if (file.open(QIODevice::WriteOnly))
+            file.write(f);
+        return file.fileName();
+    };
+    Document doc; // plain text notes
+    QCOMPARE(DocumentFile::importInto(&doc, doc.root(), fileWithNote(2, "{\\rtf1\\ansi Hi}"), {}),
+             DocumentFile::Loaded);
+    QCOMPARE(doc.root()->child(0)->note(), QByteArray::fromHex("480069000000"));
+    // A note type nobody knows cannot be converted: nothing is added.
+    QCOMPARE(DocumentFile::importInto(&doc, doc.root(), fileWithNote(9, "??"), {}), DocumentFile::Damaged);
+    QCOMPARE(doc.root()->childCount(), 1);
 }
 
 void TestDocumentFile::importRefusals()

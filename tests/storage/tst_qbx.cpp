@@ -287,6 +287,16 @@ void TestQbx::generateIsRepeatable()
     }
     QCOMPARE(depth, 50);
 
+    // Rich ink notes are in our ink container.
+    const QString ink = m_dir.filePath(QStringLiteral("ink.qbx"));
+    QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("30"),
+                  QStringLiteral("--note-type"), QStringLiteral("1"), ink})
+                 .status,
+             0);
+    const QByteArray inkDump = qbx({QStringLiteral("dump"), ink}).out;
+    QVERIFY(inkDump.contains("\"NoteType\":1"));
+    QVERIFY(inkDump.contains(QByteArray("QBINK\r\n\x1a").toBase64().left(8)));
+
     QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("-3"), c}).status, 2);
     QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("3"),
                   QStringLiteral("--note-type"), QStringLiteral("3"), c})
