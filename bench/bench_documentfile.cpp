@@ -100,11 +100,26 @@ void save(benchmark::State &state, bool chain, bool toDisk)
     state.counters["peak_rss_MB"] = peakResidentMB();
 }
 
-void BM_LoadMillionItems(benchmark::State &state) { load(state, false); }
-void BM_SaveMillionItems(benchmark::State &state) { save(state, false, true); }
-void BM_SerializeMillionItems(benchmark::State &state) { save(state, false, false); }
-void BM_LoadChainMillionDeep(benchmark::State &state) { load(state, true); }
-void BM_SaveChainMillionDeep(benchmark::State &state) { save(state, true, true); }
+void BM_LoadMillionItems(benchmark::State &state)
+{
+    load(state, false);
+}
+void BM_SaveMillionItems(benchmark::State &state)
+{
+    save(state, false, true);
+}
+void BM_SerializeMillionItems(benchmark::State &state)
+{
+    save(state, false, false);
+}
+void BM_LoadChainMillionDeep(benchmark::State &state)
+{
+    load(state, true);
+}
+void BM_SaveChainMillionDeep(benchmark::State &state)
+{
+    save(state, true, true);
+}
 
 } // namespace
 

@@ -123,8 +123,8 @@ public:
         if (m_withItemLinks.empty() && currentNumber < 1)
             return nullptr;
 
-        // Only the numbers that something refers to are looked up, so a
-        // million plain Items need no map at all.
+        // Only the numbers that something refers to go into the map, so it
+        // stays small however many Items there are.
         QHash<quint32, Item *> wanted;
         for (const Item *item : m_withItemLinks) {
             for (const QString &link : item->links()) {
@@ -574,7 +574,7 @@ DocumentFile::LoadResult openForReading(const QString &path, QFile *file)
     file->setFileName(path);
     if (!file->open(QIODevice::ReadOnly))
         return file->error() == QFileDevice::OpenError && !QFile::exists(path) ? DocumentFile::NotFound
-                                                                              : DocumentFile::Damaged;
+                                                                               : DocumentFile::Damaged;
     return DocumentFile::Loaded;
 }
 

@@ -14,22 +14,19 @@ namespace {
 
 constexpr int FanOut = 8;
 
-const std::array<const char16_t *, 24> Words = {
-    u"Plan",    u"Review", u"Café",    u"Budget", u"Übersicht", u"Call",   u"Résumé", u"Meeting",
-    u"Draft",   u"Zürich", u"Ångström", u"Señal", u"Report",    u"Garden", u"Order",  u"Kitchen",
-    u"Invoice", u"Trip",   u"Crème",   u"Ideas",  u"Notes",     u"Naïve",  u"Fix",    u"Test"};
+const std::array<const char16_t *, 24> Words = {u"Plan",   u"Review",  u"Café",  u"Budget",  u"Übersicht", u"Call",
+                                                u"Résumé", u"Meeting", u"Draft", u"Zürich",  u"Ångström",  u"Señal",
+                                                u"Report", u"Garden",  u"Order", u"Kitchen", u"Invoice",   u"Trip",
+                                                u"Crème",  u"Ideas",   u"Notes", u"Naïve",   u"Fix",       u"Test"};
 
-const std::array<const char16_t *, 10> Categories = {u"Business", u"Personal",  u"Holiday",  u"Errands",
-                                                     u"Ideas",    u"Travel",    u"Waiting",  u"Projects",
+const std::array<const char16_t *, 10> Categories = {u"Business",    u"Personal",     u"Holiday", u"Errands",
+                                                     u"Ideas",       u"Travel",       u"Waiting", u"Projects",
                                                      u"Phone calls", u"Miscellaneous"};
 
 const std::array<const char16_t *, 6> Sentences = {
-    u"Check the figures with the team before Friday. ",
-    u"Bring the signed copies and the receipts. ",
-    u"Ask about delivery times; the café opens at nine. ",
-    u"Keep the old version until the new one is approved. ",
-    u"Prices changed in März, so compare both lists. ",
-    u"Call back if nobody answers the first time. "};
+    u"Check the figures with the team before Friday. ",    u"Bring the signed copies and the receipts. ",
+    u"Ask about delivery times; the café opens at nine. ", u"Keep the old version until the new one is approved. ",
+    u"Prices changed in März, so compare both lists. ",    u"Call back if nobody answers the first time. "};
 
 /// Deterministic on every platform (std::uniform_int_distribution is not).
 class Random {
