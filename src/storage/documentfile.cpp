@@ -229,10 +229,10 @@ bool readEntries(ByteReader &in, quint32 version, Document *categoryOwner, TreeB
         const qint32 linkCount = qint32(in.u32());
         QStringList links;
         if (linkCount > 0) {
-            // Every link takes at least its 4-byte count.
+            // Every link takes at least its 4-byte count. The list is not
+            // reserved ahead: it grows only with links actually read.
             if (qint64(linkCount) * 4 > in.bytesLeft())
                 return false;
-            links.reserve(linkCount);
             for (qint32 i = 0; i < linkCount && in.ok(); ++i)
                 links.append(in.string());
         }
@@ -352,7 +352,6 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
         if (linkCount > 0) {
             if (qint64(linkCount) * LegacyLinkUnits * 2 > in.bytesLeft())
                 return DocumentFile::Damaged;
-            links.reserve(linkCount);
             for (qint32 i = 0; i < linkCount && in.ok(); ++i)
                 links.append(legacyLink(in.fixedString(LegacyLinkUnits)));
         }
