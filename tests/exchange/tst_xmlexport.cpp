@@ -266,8 +266,8 @@ void TestXmlExport::richNotesAsPlainText_data()
                                << QByteArray("Bold\r\nx\xe9");
     QTest::newRow("rich ink") << quint16(1)
                               << QByteArray("QBINK\r\n\x1a"
-                                            "RTF \x0d\x00\x00\x00{\\rtf1 ink}",
-                                            8 + 8 + 13)
+                                            "RTF \x0b\x00\x00\x00{\\rtf1 ink}",
+                                            8 + 8 + 11)
                               << QByteArray("ink");
     QTest::newRow("rich ink with drawing only") << quint16(1)
                                                 << QByteArray("QBINK\r\n\x1a"
