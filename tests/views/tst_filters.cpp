@@ -19,21 +19,15 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { Collation::instance().setLocale(QLocale(QLocale::English, QLocale::UnitedStates)); }
     void visibleByItself_data();
     void visibleByItself();
     void hiddenParentHidesBranch();
-    void everyStatusHidden();
     void togglesAndCollapse();
     void nearestShownRow_data();
     void nearestShownRow();
     void branchViewEmptiesWhenHidden();
 };
-
-void TestFilters::initTestCase()
-{
-    Collation::instance().setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
-}
 
 void TestFilters::visibleByItself_data()
 {
@@ -42,19 +36,19 @@ void TestFilters::visibleByItself_data()
     QTest::addColumn<int>("statusType");
     QTest::addColumn<int>("progress");
     QTest::addColumn<bool>("visible");
-
-    QTest::newRow("no filter") << false << 0u << 1 << 100 << true;
-    QTest::newRow("completed check box") << true << 0u << 1 << 100 << false;
-    QTest::newRow("completed no status") << true << 0u << 0 << 100 << false;
-    QTest::newRow("99 percent") << true << 0u << 2 << 99 << true;
-    QTest::newRow("check box hidden at 100") << false << 0x20u << 1 << 100 << false;
-    QTest::newRow("check box hidden at 0") << false << 0x20u << 1 << 0 << false;
-    QTest::newRow("no status hidden") << false << 0x10u << 0 << 50 << false;
-    QTest::newRow("no status bit spares bars") << false << 0x10u << 2 << 50 << true;
-    QTest::newRow("bar hidden") << false << 0x40u << 2 << 0 << false;
-    QTest::newRow("bar bit spares check boxes") << false << 0x40u << 1 << 0 << true;
-    QTest::newRow("other bits mean nothing") << false << 0xFFFFFF8Fu << 1 << 0 << true;
-    QTest::newRow("unknown status type") << false << 0x70u << 3 << 0 << true;
+    auto row = [](const char *tag, bool hideCompleted, uint bits, int status, int progress, bool visible) {
+        QTest::newRow(tag) << hideCompleted << bits << status << progress << visible;
+    };
+    row("no filter", false, 0u, 1, 100, true);
+    row("completed, no status", true, 0u, 0, 100, false);
+    row("99 percent", true, 0u, 2, 99, true);
+    row("check box hidden at 0", false, 0x20u, 1, 0, false);
+    row("no status hidden", false, 0x10u, 0, 50, false);
+    row("no status bit spares bars", false, 0x10u, 2, 50, true);
+    row("bar hidden", false, 0x40u, 2, 0, false);
+    row("bar bit spares check boxes", false, 0x40u, 1, 0, true);
+    row("other bits mean nothing", false, 0xFFFFFF8Fu, 1, 0, true);
+    row("unknown status type", false, 0x70u, 3, 0, true);
 }
 
 void TestFilters::visibleByItself()
@@ -64,7 +58,6 @@ void TestFilters::visibleByItself()
     QFETCH(int, statusType);
     QFETCH(int, progress);
     QFETCH(bool, visible);
-
     Document document;
     document.hideCompleted = hideCompleted;
     document.hideByStatus = hideBits;
@@ -93,7 +86,6 @@ next
     Item *deeper = Outline::find(document.root(), QStringLiteral("deeper"));
     QVERIFY(filter.isVisible(deeper));
     QVERIFY(!filter.isShown(deeper));
-    QVERIFY(!filter.isShown(Outline::find(document.root(), QStringLiteral("open"))));
 
     ViewRows rows(document);
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  next"}));
@@ -103,24 +95,16 @@ next
     rows.expandAll();
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  0%", "    next", "  20%", "  100%"}));
     QVERIFY(!rows.row(3).expandable);
-}
 
-void TestFilters::everyStatusHidden()
-{
-    Document document;
-    Outline::build(document.root(), R"(
-a | st=0 cat=A exp
-  b | st=1 cat=B
-c | st=2 cat=C
-)");
-    document.root()->setExpanded(true);
+    // Every status hidden: nothing under the root, but every heading stays.
+    document.hideCompleted = false;
     document.hideByStatus = Document::HideNoStatus | Document::HideCheckBox | Document::HideProgressBar;
-    ViewRows rows(document);
+    rows.rebuild(0);
+    rows.expandAll();
+    QCOMPARE(rowTexts(rows), (QStringList{"Root", "  0%", "  20%", "  100%"}));
+    rows.setViewMode(0, document.root());
     QCOMPARE(rowTexts(rows), (QStringList{"Root"}));
     QVERIFY(!rows.row(0).expandable);
-    rows.setViewMode(1, document.root());
-    rows.expandAll();
-    QCOMPARE(rowTexts(rows), (QStringList{"Root", "  A", "  B", "  C"}));
 }
 
 void TestFilters::togglesAndCollapse()
@@ -134,36 +118,27 @@ d
 )");
     document.root()->setExpanded(true);
     ViewRows rows(document);
-    QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    b", "    c", "  d"}));
-
-    QVERIFY(!rows.toggle(VisibilityFilter::ShowDueDate));
+    QVERIFY(!rows.toggle(VisibilityFilter::ShowDueDate)); // display toggles change no row
     QVERIFY(document.showDueDate);
-    QVERIFY(VisibilityFilter::isOn(document, VisibilityFilter::ShowDueDate));
-    QVERIFY(!rows.toggle(VisibilityFilter::ShowStatistics));
-    QVERIFY(document.showStatistics);
-    QCOMPARE(rows.count(), 5); // display toggles change no row
+    QCOMPARE(rows.count(), 5);
 
     QVERIFY(rows.toggle(VisibilityFilter::HideCompleted));
-    QVERIFY(document.hideCompleted);
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  d"})); // collapsed to the top level
     rows.expandAll();
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    c", "  d"}));
 
     QVERIFY(rows.toggle(VisibilityFilter::HideCheckBox));
     QCOMPARE(document.hideByStatus, quint32(Document::HideCheckBox));
-    QVERIFY(VisibilityFilter::isOn(document, VisibilityFilter::HideCheckBox));
     QVERIFY(!VisibilityFilter::isOn(document, VisibilityFilter::HideNoStatus));
     QCOMPARE(rowTexts(rows), (QStringList{"Root"}));
     QVERIFY(rows.toggle(VisibilityFilter::HideCheckBox));
     QVERIFY(rows.toggle(VisibilityFilter::HideCompleted));
     QCOMPARE(document.hideByStatus, 0u);
-    QVERIFY(!document.hideCompleted);
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  d"}));
 
     // Only the bits of the three entries flip; others are kept as read.
     document.hideByStatus = 0x80000001;
     VisibilityFilter::toggle(document, VisibilityFilter::HideProgressBar);
-    QCOMPARE(document.hideByStatus, 0x80000041u);
     VisibilityFilter::toggle(document, VisibilityFilter::HideNoStatus);
     QCOMPARE(document.hideByStatus, 0x80000051u);
 }
@@ -174,33 +149,20 @@ void TestFilters::nearestShownRow_data()
     QTest::addColumn<QString>("current");
     QTest::addColumn<QString>("completed");
     QTest::addColumn<QString>("expected");
-
+    auto row = [](const char *tag, int mode, const char *current, const char *completed, const char *expected) {
+        QTest::newRow(tag) << mode << QString::fromUtf8(current) << QString::fromUtf8(completed)
+                           << QString::fromUtf8(expected);
+    };
     // Rows: Root, a, b, b1, b2, c, d
-    QTest::newRow("the row below") << 0 << "c"
-                                   << "c"
-                                   << "d";
-    QTest::newRow("the last row gives the row above") << 0 << "d"
-                                                      << "d"
-                                                      << "c";
-    QTest::newRow("the row above is nearer than the next sibling") << 0 << "b"
-                                                                   << "b"
-                                                                   << "a";
-    QTest::newRow("equally near: the row below wins") << 0 << "b1"
-                                                      << "b"
-                                                      << "c";
-    QTest::newRow("still shown stays") << 0 << "c"
-                                       << "d"
-                                       << "c";
+    row("the row below", 0, "c", "c", "d");
+    row("the last row gives the row above", 0, "d", "d", "c");
+    row("the row above is nearer than the next sibling", 0, "b", "b", "a");
+    row("equally near: the row below wins", 0, "b1", "b", "c");
+    row("still shown stays", 0, "c", "d", "c");
     // Grouped by priority, expanded: Root, Priority 1, a, c, Priority 2, b, b1, b2, d
-    QTest::newRow("grouped: next in the group") << 3 << "a"
-                                                << "a"
-                                                << "c";
-    QTest::newRow("grouped: next heading") << 3 << "c"
-                                           << "c"
-                                           << "Priority 2";
-    QTest::newRow("grouped: branch goes") << 3 << "b1"
-                                          << "b"
-                                          << "d";
+    row("grouped: next in the group", 3, "a", "a", "c");
+    row("grouped: next heading", 3, "c", "c", "Priority 2");
+    row("grouped: branch goes", 3, "b1", "b", "d");
 }
 
 void TestFilters::nearestShownRow()
@@ -209,7 +171,6 @@ void TestFilters::nearestShownRow()
     QFETCH(QString, current);
     QFETCH(QString, completed);
     QFETCH(QString, expected);
-
     Document document;
     Outline::build(document.root(), R"(
 a | pri=1
@@ -226,8 +187,7 @@ d | pri=2
     rows.expandAll();
     const int before = rows.indexOf(Outline::find(document.root(), current));
     QVERIFY(before > 0);
-    Item *done = Outline::find(document.root(), completed);
-    done->setProgress(100);
+    Outline::find(document.root(), completed)->setProgress(100);
     const int after = rows.rebuild(before);
     QVERIFY(after >= 0);
     QCOMPARE(rows.text(after), expected);
@@ -244,8 +204,6 @@ top | exp
     document.hideCompleted = true;
     ViewRows branch(document, top);
     QCOMPARE(rowTexts(branch), (QStringList{"top", "  child"}));
-    QCOMPARE(branch.rebuild(1), 1);
-
     Outline::find(document.root(), QStringLiteral("child"))->setProgress(100);
     QCOMPARE(branch.rebuild(1), 0); // the nearest row left is the branch's item
     top->setProgress(100);
