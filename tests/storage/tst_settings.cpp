@@ -50,8 +50,6 @@ void TestSettings::loadEdgeCases_data()
     QTest::newRow("first start") << QByteArray() << 3u << 80 << 60 << 60 << 100 << "Alarm1";
     QTest::newRow("font index 3") << QByteArray("[General]\nVersion=700\nFontSize=3\n") << 3u << 100 << 60 << 60 << 100
                                   << "Alarm1";
-    QTest::newRow("font index 9") << QByteArray("[General]\nVersion=700\nFontSize=9\n") << 3u << 160 << 60 << 60 << 100
-                                  << "Alarm1";
     QTest::newRow("font height 10") << QByteArray("[General]\nVersion=700\nFontSize=10\n") << 3u << 10 << 60 << 60
                                     << 100 << "Alarm1";
     // 0x00560022: high word 86 is out of range, low word 34 is not read.
@@ -138,12 +136,6 @@ void TestSettings::oldFlagsMoveToNewBits_data()
     QTest::addColumn<uint>("flags");
 
     QTest::newRow("case insensitive") << QByteArray("[General]\nFlags=524288\n") << 0x001u;    // 0x80000
-    QTest::newRow("keep exported") << QByteArray("[General]\nFlags=1048576\n") << 0x002u;      // 0x100000
-    QTest::newRow("reserved") << QByteArray("[General]\nFlags=32\n") << 0x004u;                // 0x20
-    QTest::newRow("long tap") << QByteArray("[General]\nFlags=262144\n") << 0x008u;            // 0x40000
-    QTest::newRow("calendar categories") << QByteArray("[General]\nFlags=128\n") << 0x010u;    // 0x80
-    QTest::newRow("normal font") << QByteArray("[General]\nFlags=8192\n") << 0x020u;           // 0x2000
-    QTest::newRow("bold") << QByteArray("[General]\nFlags=256\n") << 0x040u;                   // 0x100
     QTest::newRow("unknown old bits dropped") << QByteArray("[General]\nFlags=1\n") << 0x000u; // 0x1
     QTest::newRow("compact and word processor")
         << QByteArray("[General]\nFlags=0\nDispMode=1\nWordDirect=1\n") << 0x300u;
