@@ -1,9 +1,7 @@
 #include "exchange/noteconverter.h"
 #include "exchangetest.h"
-#include "exchange/notetext.h"
 #include "exchange/richink.h"
 #include "model/document.h"
-#include "views/finder.h"
 
 #include <QTest>
 
@@ -54,10 +52,6 @@ private Q_SLOTS:
     void convertsOneNote();
     void convertsEveryNoteOfATree();
     void failureChangesNothing();
-    void plainTextOfEveryType_data();
-    void plainTextOfEveryType();
-    void findReadsEveryType_data();
-    void findReadsEveryType();
 };
 
 void TestNoteConversion::inkContainer()
@@ -232,56 +226,6 @@ void TestNoteConversion::failureChangesNothing()
     QVERIFY(!plain.convertDocument(document, Document::RichText));
     QCOMPARE(document.noteType, quint16(9));
     QCOMPARE(document.root()->child(0)->note(), note(u"note"));
-}
-
-void TestNoteConversion::plainTextOfEveryType_data()
-{
-    QTest::addColumn<quint16>("type");
-    QTest::addColumn<QByteArray>("note");
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("plain") << quint16(0) << note(u"abc") << "abc";
-    QTest::newRow("plain ends at a zero") << quint16(0) << note(u"ab") + note(u"hidden") << "ab";
-    QTest::newRow("rich text") << quint16(2) << QByteArray("{\\rtf1 x\\par y}") << "x\r\ny";
-    QTest::newRow("rich ink") << quint16(1) << Magic + chunk("RTF ", "{\\rtf1 ink text}") << "ink text";
-    QTest::newRow("damaged rich ink keeps the chunks before")
-        << quint16(1) << Magic + chunk("RTF ", "{\\rtf1 kept}") + QByteArray("INKS\xff\xff\x00\x00short", 13) << "kept";
-    QTest::newRow("unknown type") << quint16(5) << note(u"abc") << QString();
-}
-
-void TestNoteConversion::plainTextOfEveryType()
-{
-    QFETCH(quint16, type);
-    QFETCH(QByteArray, note);
-    QFETCH(QString, text);
-    QCOMPARE(NoteText::plainText(note, type), text);
-}
-
-void TestNoteConversion::findReadsEveryType_data()
-{
-    QTest::addColumn<quint16>("type");
-    QTest::addColumn<QByteArray>("note");
-    QTest::newRow("plain") << quint16(0) << note(u"Call the Plumber today");
-    QTest::newRow("rich text") << quint16(2)
-                               << QByteArray("{\\rtf1{\\fonttbl{\\f0 Arial;}}Call the {\\b Plum}ber today}");
-    QTest::newRow("rich ink") << quint16(1)
-                              << Magic + chunk("RTF ", "{\\rtf1 Call the \\i Plumber\\i0  today}") +
-                                     chunk("INKS", "\x01\x02");
-}
-
-void TestNoteConversion::findReadsEveryType()
-{
-    QFETCH(quint16, type);
-    QFETCH(QByteArray, note);
-    Item item(QStringLiteral("x"));
-    item.setNote(note);
-    FindCriteria criteria;
-    criteria.flags = FindCriteria::NotePhrase;
-    criteria.notePhrase = QStringLiteral("plumber");
-    criteria.caseInsensitive = true;
-    QVERIFY(Finder(criteria, type).matches(&item));
-    criteria.notePhrase = QStringLiteral("rtf");
-    QVERIFY(!Finder(criteria, type).matches(&item));
 }
 
 QTEST_GUILESS_MAIN(TestNoteConversion)

@@ -208,10 +208,14 @@ void TestXmlExport::notesAsPlainText_data()
     QTest::addColumn<QByteArray>("text");
     // The note goes into CDATA as it is, even one holding the CDATA end.
     QTest::newRow("plain with the CDATA end") << quint16(0) << le(u"a ]]> b & <c>") << QByteArray("a ]]> b & <c>");
+    QTest::newRow("plain ends at a zero") << quint16(0) << note(u"ab") + le(u"hidden") << QByteArray("ab");
     QTest::newRow("rich text") << quint16(2) << QByteArray("{\\rtf1 {\\b Bold}\\par x\\u233?}")
                                << QByteArray("Bold\r\nx\xe9");
     QTest::newRow("rich ink") << quint16(1) << QByteArray("QBINK\r\n\x1aRTF \x0b\x00\x00\x00{\\rtf1 ink}", 27)
                               << QByteArray("ink");
+    QTest::newRow("damaged rich ink keeps the chunks before")
+        << quint16(1) << QByteArray("QBINK\r\n\x1aRTF \x0b\x00\x00\x00{\\rtf1 ink}INKS\xff\xff\x00\x00short", 40)
+        << QByteArray("ink");
     QTest::newRow("rich ink with drawing only")
         << quint16(1) << QByteArray("QBINK\r\n\x1aINKS\x01\x00\x00\x00\x05", 17) << QByteArray("");
 }
@@ -245,10 +249,6 @@ void TestXmlExport::fileBytes_data()
         << 0 << "windows-1252" << QString::fromUtf8("Café")
         << QByteArray("<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n"
                       "</ROOT>\r\n");
-    QTest::newRow("index past the list declares nothing")
-        << 9 << "windows-1252" << QStringLiteral("R")
-        << QByteArray(
-               "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n</ROOT>\r\n");
     // The declaration says UTF-8, the bytes are the code page's, one per
     // UTF-16 unit: the pair became one "?", which leaves a zero at the end.
     QTest::newRow("UTF-8 is only a label")
