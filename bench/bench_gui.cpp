@@ -163,6 +163,33 @@ void tapCheckBox(benchmark::State &state)
 }
 BENCHMARK(tapCheckBox)->Unit(benchmark::kMillisecond)->Iterations(5);
 
+// A chain one million levels deep: opened, every level expanded, the deepest
+// rows shown, and closed, without recursion anywhere on the way.
+void deepChain(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    Document chain;
+    DocumentGenerator::Options options;
+    options.items = Items;
+    options.chain = true;
+    DocumentGenerator::generate(&chain, options);
+    const QString path = f.dir.filePath(QStringLiteral("Chain.qbx"));
+    chain.path = path;
+    DocumentFile::save(chain);
+    for (auto _ : state) {
+        auto doc = std::make_unique<Document>();
+        DocumentFile::load(path, doc.get());
+        auto view = std::make_unique<DocumentView>(std::move(doc), &f.settings, &f.prompts);
+        view->resize(900, 700);
+        view->show();
+        view->runCommand(CommandId::ExpandAll);
+        view->treePane()->setCurrentRow(view->rows()->count() - 1);
+        paint(view.get());
+        state.counters["rows"] = view->rows()->count();
+    }
+}
+BENCHMARK(deepChain)->Unit(benchmark::kMillisecond)->Iterations(1);
+
 } // namespace
 
 int main(int argc, char **argv)
