@@ -4,6 +4,7 @@
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
 #include "shell/commandids.h"
+#include "shell/dialogcommands.h"
 #include "shell/documentview.h"
 #include "shell/prompts.h"
 #include "shell/treepane.h"
@@ -124,6 +125,7 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
     statusBar()->addWidget(m_status, 1);
 
     buildActions();
+    m_dialogs = new DialogCommands(this);
     buildListMenus();
     qApp->installEventFilter(this);
     resize(900, 680);
@@ -458,6 +460,7 @@ void MainWindow::onListActivated()
 void MainWindow::showView(DocumentView *view)
 {
     m_view = view;
+    m_dialogs->install(view);
     m_stack->addWidget(view);
     m_stack->setCurrentWidget(view);
     view->setQuickEntryVisible(m_quickEntryVisible);

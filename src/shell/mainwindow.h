@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <memory>
 
+class DialogCommands;
 class DocumentView;
 class Prompts;
 class QAction;
@@ -97,4 +98,5 @@ private:
     QToolBar *m_toolBar = nullptr;
     QLabel *m_status = nullptr;
     QHash<int, QAction *> m_actions;
+    DialogCommands *m_dialogs = nullptr;
 };

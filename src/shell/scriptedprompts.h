@@ -6,6 +6,7 @@
 #include <QList>
 #include <QQueue>
 #include <QStringList>
+#include <QUrl>
 
 /// Prompts answered from queues filled in advance, for tests and benchmarks.
 /// Every question and message is recorded. An empty queue answers Yes,
@@ -31,10 +32,29 @@ public:
     /// an empty name dismisses.
     QQueue<QString> menuChoices;
     QQueue<int> icons;
+    /// Scripts for our dialogs, in the order they open: each gets the shown
+    /// dialog and works its widgets (typing, choosing, clicking OK). A dialog
+    /// still open when its script returns, or with no script left, is
+    /// cancelled.
+    QQueue<std::function<void(QDialog *)>> dialogs;
+    /// Answers of askText, each offered to its accept check in turn; an
+    /// empty queue cancels.
+    QQueue<QString> texts;
+    /// Answers of the OK/Cancel questions; an empty queue answers OK.
+    QQueue<bool> okCancel;
+    /// The file type index chosen with each saveFileOfType answer (0 when
+    /// the queue is empty).
+    QQueue<int> fileTypes;
 
     QList<Shown> shown;
     int passwordAttempts = 0;
     int aboutShown = 0;
+    /// Object names of the dialogs run, in order.
+    QStringList dialogsRun;
+    /// The prompts of askText, in order.
+    QStringList textPrompts;
+    /// Everything handed to openUrl, in order.
+    QList<QUrl> opened;
     /// Every named action of the last popup menu and its submenus.
     QHash<QString, ActionState> lastMenu;
     /// The texts of the last popup menu's top-level entries, in order
@@ -51,6 +71,14 @@ public:
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;
     int chooseIcon(QWidget *parent, quint16 current) override;
+    int runDialog(QDialog *dialog) override;
+    bool askText(QWidget *parent, const QString &prompt, QString *text, int maxLength,
+                 const std::function<bool(const QString &)> &accept) override;
+    bool askWarningYesNo(QWidget *parent, const QString &text) override;
+    bool askOkCancel(QWidget *parent, const QString &text) override;
+    QString saveFileOfType(QWidget *parent, const QString &title, const QString &suggested, const QStringList &filters,
+                           const QString &defaultSuffix, int *chosenFilter) override;
+    bool openUrl(const QUrl &url) override;
 
     /// Records a menu's actions as lastMenu does, for menus the shell shows
     /// itself (the menu bar's drop-downs).

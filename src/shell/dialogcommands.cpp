@@ -1,0 +1,436 @@
+#include "shell/dialogcommands.h"
+
+#include "exchange/noteconverter.h"
+#include "exchange/textexport.h"
+#include "exchange/xmlexport.h"
+#include "integration/categorylist.h"
+#include "model/childorder.h"
+#include "model/document.h"
+#include "model/progress.h"
+#include "noteeditor/notepane.h"
+#include "platform/messages.h"
+#include "shell/applyattributesdialog.h"
+#include "shell/commandids.h"
+#include "shell/convertnotesdialog.h"
+#include "shell/documentview.h"
+#include "shell/externalnoteeditor.h"
+#include "shell/filepropertiesdialog.h"
+#include "shell/finddialog.h"
+#include "shell/itempropertiesdialog.h"
+#include "shell/mainwindow.h"
+#include "shell/optionsdialog.h"
+#include "shell/passworddialog.h"
+#include "shell/prompts.h"
+#include "shell/searchresultsdialog.h"
+#include "shell/textexportdialog.h"
+#include "shell/toolbaricons.h"
+#include "shell/treepane.h"
+#include "shell/waitcursor.h"
+#include "storage/documentfile.h"
+#include "storage/password.h"
+#include "views/applyattributes.h"
+#include "views/finder.h"
+#include "views/visibilityfilter.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QUrl>
+
+DialogCommands::DialogCommands(MainWindow *window) : QObject(window), m_window(window)
+{
+    using namespace CommandId;
+    const std::pair<int, QIcon> icons[] = {{ModifyItem, ToolbarIcons::modifyItem()},
+                                           {ModifyNote, ToolbarIcons::modifyNote()},
+                                           {CommandId::Links, ToolbarIcons::links()},
+                                           {BranchView, ToolbarIcons::branchView()}};
+    for (const auto &[id, icon] : icons) {
+        if (QAction *action = window->commandAction(id))
+            action->setIcon(icon);
+    }
+    auto *help = new QAction(QStringLiteral("Help"), window);
+    help->setObjectName(QStringLiteral("actionHelp"));
+    help->setShortcut(QKeySequence::HelpContents);
+    help->setShortcutContext(Qt::ApplicationShortcut);
+    connect(help, &QAction::triggered, this, &DialogCommands::showHelp);
+    window->addAction(help);
+}
+
+void DialogCommands::install(DocumentView *view)
+{
+    using namespace CommandId;
+    m_view = view;
+    m_results.clear();
+    m_hasResult = false;
+    auto hasItem = [this] { return currentItem() != nullptr; };
+
+    view->setCommand(ModifyItem, [this] { editItem(ItemPropertiesDialog::GeneralPage); }, hasItem);
+    view->setCommand(ModifyNote, [this] { editItem(ItemPropertiesDialog::NotePage); }, hasItem);
+    view->setCommand(CommandId::Links, [this] { editItem(ItemPropertiesDialog::LinkPage); }, hasItem);
+    view->setCommand(New, [this] { newItem(nullptr); });
+    view->setCommand(FindItem, [this] { find(); });
+    view->setCommand(FindResult, [this] { showSearchResult(); }, [this] { return m_hasResult; });
+    view->setCommand(CommandId::ApplyAttributes, [this] { applyAttributes(); });
+    view->setCommand(Options, [this] { options(); });
+    view->setCommand(SetPassword, [this] { setPassword(); });
+    view->setCommand(FileProperties, [this] { fileProperties(); });
+    view->setCommand(ConvertNotes, [this] { convertNotes(); });
+    view->setCommand(ImportFile, [this] { importFile(); });
+    view->setCommand(ExportView, [this] { exportText(ExportView); });
+    view->setCommand(ExportNotes, [this] { exportText(ExportNotes); });
+    view->setCommand(ExportLinks, [this] { exportText(ExportLinks); });
+    view->setCommand(ExportXml, [this] { exportXml(); });
+}
+
+Prompts *DialogCommands::prompts() const
+{
+    return m_window->prompts();
+}
+
+Settings &DialogCommands::settings() const
+{
+    return m_window->settings();
+}
+
+TreeNode *DialogCommands::currentNode() const
+{
+    return m_view ? m_view->treePane()->currentNode() : nullptr;
+}
+
+Item *DialogCommands::currentItem() const
+{
+    TreeNode *node = currentNode();
+    return node ? node->asItem() : nullptr;
+}
+
+QStringList DialogCommands::categories() const
+{
+    // The calendar's categories join here once a calendar store is set up.
+    return CategoryList::fill(*m_view->document(), settings().testFlag(Settings::CalendarCategories), {});
+}
+
+void DialogCommands::select(TreeNode *node)
+{
+    m_view->refresh(node);
+}
+
+// ---- item properties
+
+void DialogCommands::editItem(int page)
+{
+    Item *item = currentItem();
+    if (!item)
+        return;
+    m_view->commitEdits();
+    Document *document = m_view->document();
+    if (page == ItemPropertiesDialog::NotePage && settings().testFlag(Settings::ExternalRichEditor) &&
+        document->noteType != Document::PlainText) {
+        editNoteExternally(item);
+        return;
+    }
+    ItemPropertiesDialog::Context context{document, prompts(), m_window->documentsFolder(), categories(), {}, true};
+    ItemPropertiesDialog dialog(context, item, false, m_view);
+    dialog.setPage(page);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    {
+        WaitCursor wait;
+        dialog.store();
+    }
+    m_view->notePane()->load(item->note());
+    select(dialog.followedLink() ? dialog.followedLink() : item);
+}
+
+void DialogCommands::editNoteExternally(Item *item)
+{
+    QByteArray note = item->note();
+    if (ExternalNoteEditor::edit(m_view, prompts(), &note, m_view->document()->noteType) !=
+        ExternalNoteEditor::Result::Updated)
+        return;
+    item->setNote(note);
+    m_view->notePane()->load(item->note());
+}
+
+void DialogCommands::newItem(const Item *templ)
+{
+    m_view->commitEdits();
+    Document *document = m_view->document();
+    auto item = std::make_unique<Item>();
+    ItemPropertiesDialog::Context context{document, prompts(), m_window->documentsFolder(), categories(), {}, true};
+    ItemPropertiesDialog dialog(context, item.get(), true, m_view);
+    if (templ)
+        dialog.applyTemplate(*templ);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    Item *added = item.release();
+    {
+        WaitCursor wait;
+        dialog.store();
+        Editing::insertItem(*document, added, dialog.position());
+    }
+    select(dialog.followedLink() ? dialog.followedLink() : added);
+}
+
+// ---- find
+
+void DialogCommands::find()
+{
+    FindCriteria preset = m_criteria;
+    preset.caseInsensitive = settings().testFlag(Settings::CaseInsensitiveFind);
+    FindDialog dialog(preset, categories(), m_view);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    m_criteria = dialog.criteria();
+    if (m_criteria.caseInsensitive != settings().testFlag(Settings::CaseInsensitiveFind)) {
+        settings().setFlag(Settings::CaseInsensitiveFind, m_criteria.caseInsensitive);
+        m_window->saveSettings();
+    }
+    std::vector<Item *> found;
+    {
+        WaitCursor wait;
+        found = Finder::search(*m_view->document(), m_criteria);
+    }
+    m_results.clear();
+    for (const Item *item : found)
+        m_results.push_back(item->handle());
+    m_hasResult = !found.empty();
+    if (found.empty()) {
+        prompts()->message(m_view, Prompts::Icon::Information, QString::fromLatin1(Messages::NoItemMatched));
+        return;
+    }
+    showSearchResult();
+}
+
+void DialogCommands::showSearchResult()
+{
+    // Matches deleted or hidden since the search are left out.
+    const Document &document = *m_view->document();
+    const VisibilityFilter filter(document);
+    std::vector<Item *> items;
+    for (quint32 handle : m_results) {
+        Item *item = document.liveItem(handle);
+        if (item && filter.isShown(item))
+            items.push_back(item);
+    }
+    if (items.empty()) {
+        m_hasResult = false;
+        prompts()->message(m_view, Prompts::Icon::Information, QString::fromLatin1(Messages::NoItemMatched));
+        return;
+    }
+    SearchResultsDialog dialog(items, m_view);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    if (Item *chosen = dialog.chosen())
+        select(chosen);
+}
+
+// ---- apply attributes, options, password, file
+
+void DialogCommands::applyAttributes()
+{
+    TreeNode *node = currentNode();
+    Document *document = m_view->document();
+    if (!node || !node->hasChildren() || document->viewMode != Document::DefaultView)
+        return;
+    ApplyAttributesDialog dialog(categories(), prompts(), m_view);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    AttributeSet set = dialog.attributes();
+    if (set.has(AttributeSet::Category))
+        set.category = document->collectCategory(set.category);
+    {
+        WaitCursor wait;
+        ApplyAttributes::apply(node, set);
+    }
+    select(node);
+}
+
+void DialogCommands::options()
+{
+    OptionsDialog dialog(settings(), prompts(), m_view);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    settings() = dialog.settings();
+    m_window->saveSettings();
+    m_view->applySettings();
+}
+
+void DialogCommands::setPassword()
+{
+    PasswordDialog dialog(m_view->document(), prompts(), m_view);
+    prompts()->runDialog(&dialog);
+}
+
+void DialogCommands::fileProperties()
+{
+    m_view->commitEdits();
+    FilePropertiesDialog dialog(*m_view->document(), m_view);
+    prompts()->runDialog(&dialog);
+}
+
+void DialogCommands::convertNotes()
+{
+    Document *document = m_view->document();
+    ConvertNotesDialog dialog(document->path, document->noteType, m_view);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    if (document->noteType != Document::PlainText &&
+        !prompts()->askWarningYesNo(m_view, QString::fromLatin1(Messages::AskConvertNotes)))
+        return;
+    m_view->commitEdits();
+    bool converted = false;
+    {
+        WaitCursor wait;
+        converted = NoteConverter().convertDocument(*document, dialog.target());
+    }
+    // The conversion is all or nothing: after a failure the document is as it
+    // was, so closing it keeps the file as it was too.
+    if (converted && !m_view->save())
+        return;
+    m_window->closeDocument();
+    if (converted)
+        prompts()->message(m_window, Prompts::Icon::Information, QString::fromLatin1(Messages::NoteConversionDone));
+    else
+        prompts()->message(m_window, Prompts::Icon::Stop, QString::fromLatin1(Messages::NoteConversionFailed));
+}
+
+// ---- import and export
+
+void DialogCommands::importFile()
+{
+    Document *document = m_view->document();
+    TreeNode *target = currentNode() ? currentNode() : document->root();
+    const QString path = prompts()->openFileName(
+        m_view, QStringLiteral("Import File"), m_window->documentsFolder(),
+        Prompts::filtersOf(QString::fromLatin1(Messages::FileFilter)).join(QStringLiteral(";;")));
+    if (path.isEmpty())
+        return;
+    m_view->commitEdits();
+    auto askPassword = [this](const QByteArray &hash) {
+        return prompts()->askPassword(m_view,
+                                      [&hash](const QString &password) { return Password::matches(hash, password); });
+    };
+    auto convertNotes = [](TreeNode *root, quint16 from, quint16 to) {
+        NoteConverter().convertAllNotes(root, from, to);
+    };
+    DocumentFile::LoadResult result = DocumentFile::Damaged;
+    {
+        WaitCursor wait;
+        result = DocumentFile::importInto(document, target, path, askPassword, convertNotes);
+        if (result == DocumentFile::Loaded) {
+            // The new children count in an automatic progress and join a
+            // sorted order like any other.
+            Progress::rollUp(target);
+            ChildOrder::sortAgain(target);
+            target->setExpanded(true);
+        }
+    }
+    const QString message = DocumentFile::importMessage(result);
+    if (!message.isEmpty())
+        prompts()->message(m_view, Prompts::Icon::Stop, message);
+    if (result == DocumentFile::Loaded)
+        select(target);
+}
+
+void DialogCommands::exportText(int command)
+{
+    using Kind = TextExportDialog::Kind;
+    const Kind kind = command == CommandId::ExportView    ? Kind::View
+                      : command == CommandId::ExportNotes ? Kind::Notes
+                                                          : Kind::Links;
+    Settings &s = settings();
+    TextExportDialog options(kind, kind == Kind::View ? s.expViewSep : s.expOtherSep, m_view);
+    if (prompts()->runDialog(&options) != QDialog::Accepted)
+        return;
+    // The choice is kept as the next export's default.
+    quint16 &kept = kind == Kind::View ? s.expViewSep : s.expOtherSep;
+    if (kept != options.choice()) {
+        kept = quint16(options.choice());
+        m_window->saveSettings();
+    }
+    Document *document = m_view->document();
+    const QString suggested =
+        QDir(m_window->documentsFolder()).filePath(QFileInfo(document->path).completeBaseName() + QStringLiteral(".txt"));
+    int type = 0;
+    const QString path = prompts()->saveFileOfType(m_view, QStringLiteral("Export"), suggested,
+                                                   Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)),
+                                                   QStringLiteral("txt"), &type);
+    if (path.isEmpty())
+        return;
+    m_view->commitEdits();
+    TextExport::Options textOptions;
+    textOptions.unicode = type == 1;
+    textOptions.codePage = s.ansiCodePage;
+    textOptions.indent = s.expViewSep;
+    textOptions.separator = s.expOtherSep;
+    textOptions.noteType = document->noteType;
+    bool written = false;
+    {
+        WaitCursor wait;
+        switch (kind) {
+        case Kind::View:
+            written = TextExport::exportView(path, document->root(), textOptions);
+            break;
+        case Kind::Notes:
+            written = TextExport::exportNotes(path, document->root(), textOptions);
+            break;
+        case Kind::Links:
+            written = TextExport::exportLinks(path, document->root(), textOptions);
+            break;
+        }
+    }
+    if (!written)
+        prompts()->message(m_view, Prompts::Icon::Stop, QString::fromLatin1(Messages::ExportFailed));
+}
+
+void DialogCommands::exportXml()
+{
+    Document *document = m_view->document();
+    const QString suggested =
+        QDir(m_window->documentsFolder()).filePath(QFileInfo(document->path).completeBaseName() + QStringLiteral(".xml"));
+    const QString path = prompts()->saveFileOfType(m_view, QStringLiteral("XML Export"), suggested,
+                                                   Prompts::filtersOf(QString::fromLatin1(Messages::XmlFileFilter)),
+                                                   QStringLiteral("xml"), nullptr);
+    if (path.isEmpty())
+        return;
+    m_view->commitEdits();
+    XmlExport::Options options;
+    options.encoding = settings().xmlEncode;
+    options.codePage = settings().ansiCodePage;
+    options.noteType = document->noteType;
+    bool written = false;
+    {
+        WaitCursor wait;
+        written = XmlExport::exportXml(path, document->root(), options);
+    }
+    if (!written)
+        prompts()->message(m_view, Prompts::Icon::Stop, QString::fromLatin1(Messages::ExportFailed));
+}
+
+// ---- help
+
+QString DialogCommands::helpFile()
+{
+    const QString appDir = QCoreApplication::applicationDirPath();
+    const QString candidates[] = {
+        appDir + QStringLiteral("/Quillbox.htm"),
+        appDir + QStringLiteral("/../share/doc/quillbox/Quillbox.htm"),
+        QStringLiteral(QUILLBOX_HELP_SOURCE),
+    };
+    for (const QString &candidate : candidates) {
+        if (QFileInfo::exists(candidate))
+            return QFileInfo(candidate).absoluteFilePath();
+    }
+    return {};
+}
+
+void DialogCommands::showHelp()
+{
+    const QString file = helpFile();
+    if (file.isEmpty())
+        return;
+    QUrl url = QUrl::fromLocalFile(file);
+    url.setFragment(QStringLiteral("Main_Contents"));
+    prompts()->openUrl(url);
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "views/findcriteria.h"
+
+#include <QObject>
+#include <QPointer>
+#include <vector>
+
+class DocumentView;
+class Item;
+class MainWindow;
+class Prompts;
+class Settings;
+class TreeNode;
+
+/// The commands of the document view that open a dialog: item properties
+/// and the new-item dialog, find and its result list, apply attributes,
+/// options, password, file properties, note conversion, import and the
+/// exports, and help. Each runs the core's operation on the document and
+/// turns its result into the message to show.
+///
+/// One object serves the main window for its lifetime: it keeps the find
+/// criteria between searches (they preset the next Find) and the last
+/// search result of the open document.
+class DialogCommands : public QObject {
+    Q_OBJECT
+public:
+    explicit DialogCommands(MainWindow *window);
+
+    /// Plugs the commands into a newly opened document view.
+    void install(DocumentView *view);
+
+    /// Opens the help page at its table of contents.
+    void showHelp();
+    /// The help page: next to the program, or in the source tree it was
+    /// built from.
+    static QString helpFile();
+
+    const FindCriteria &findCriteria() const { return m_criteria; }
+    /// Whether a search result is kept ("Find Result..." is offered).
+    bool hasSearchResult() const { return m_hasResult; }
+
+private:
+    DocumentView *view() const { return m_view; }
+    Prompts *prompts() const;
+    Settings &settings() const;
+    TreeNode *currentNode() const;
+    Item *currentItem() const;
+    QStringList categories() const;
+    void select(TreeNode *node);
+
+    void editItem(int page);
+    void editNoteExternally(Item *item);
+    void newItem(const Item *templ);
+    void find();
+    void showSearchResult();
+    void applyAttributes();
+    void options();
+    void setPassword();
+    void fileProperties();
+    void convertNotes();
+    void importFile();
+    void exportText(int command);
+    void exportXml();
+
+    MainWindow *m_window;
+    QPointer<DocumentView> m_view;
+    FindCriteria m_criteria;
+    /// Handles of the last search's matches, so a deleted match is noticed.
+    std::vector<quint32> m_results;
+    bool m_hasResult = false;
+};
