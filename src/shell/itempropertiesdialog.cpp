@@ -50,6 +50,14 @@ QDateTime withoutSeconds(const QDateTime &time)
     return QDateTime(time.date(), QTime(time.time().hour(), time.time().minute()));
 }
 
+/// A form label whose mnemonic goes to a field that sits in a row layout.
+QLabel *labelFor(const QString &text, QWidget *buddy)
+{
+    auto *label = new QLabel(text, buddy->parentWidget());
+    label->setBuddy(buddy);
+    return label;
+}
+
 } // namespace
 
 ItemPropertiesDialog::ItemPropertiesDialog(const Context &context, Item *item, bool isNew, QWidget *parent)
@@ -143,9 +151,9 @@ QWidget *ItemPropertiesDialog::buildGeneral(bool isNew)
     m_colour = new ColourCombo(false, page);
     m_colour->setObjectName(QStringLiteral("colour"));
     looks->addWidget(m_icon);
-    looks->addWidget(new QLabel(QStringLiteral("Colour:"), page));
+    looks->addWidget(labelFor(QStringLiteral("C&olour:"), m_colour));
     looks->addWidget(m_colour, 1);
-    form->addRow(QStringLiteral("&Icon:"), looks);
+    form->addRow(labelFor(QStringLiteral("&Icon:"), m_icon), looks);
 
     auto *style = new QHBoxLayout;
     m_showIcon = new QCheckBox(QStringLiteral("&Show icon"), page);
@@ -236,7 +244,7 @@ QWidget *ItemPropertiesDialog::buildDetails()
     connect(m_hasDueDate, &QCheckBox::toggled, m_dueDateEdit, &QWidget::setEnabled);
     due->addWidget(m_hasDueDate);
     due->addWidget(m_dueDateEdit, 1);
-    form->addRow(QStringLiteral("Task/&Due date:"), due);
+    form->addRow(labelFor(QStringLiteral("Task/&Due date:"), m_hasDueDate), due);
 
     auto *task = new QHBoxLayout;
     m_taskTime = new QLineEdit(page);
@@ -249,7 +257,7 @@ QWidget *ItemPropertiesDialog::buildDetails()
                           QStringLiteral("Day(s)"), QStringLiteral("Week(s)"), QStringLiteral("Month(s)")});
     task->addWidget(m_taskTime);
     task->addWidget(m_taskUnit, 1);
-    form->addRow(QStringLiteral("&Task time:"), task);
+    form->addRow(labelFor(QStringLiteral("&Task time:"), m_taskTime), task);
 
     auto *reminder = new QHBoxLayout;
     m_hasReminder = new QCheckBox(page);
@@ -261,7 +269,7 @@ QWidget *ItemPropertiesDialog::buildDetails()
     connect(m_hasReminder, &QCheckBox::toggled, m_reminderEdit, &QWidget::setEnabled);
     reminder->addWidget(m_hasReminder);
     reminder->addWidget(m_reminderEdit, 1);
-    form->addRow(QStringLiteral("&Reminder:"), reminder);
+    form->addRow(labelFor(QStringLiteral("&Reminder:"), m_hasReminder), reminder);
 
     m_created = new QLabel(page);
     m_created->setObjectName(QStringLiteral("created"));

@@ -154,7 +154,9 @@ QWidget *OptionsDialog::buildGeneral()
     });
     templateRow->addWidget(m_templateFile, 1);
     templateRow->addWidget(browse);
-    form->addRow(QStringLiteral("&Template file:"), templateRow);
+    auto *templateLabel = new QLabel(QStringLiteral("&Template file:"), w);
+    templateLabel->setBuddy(m_templateFile);
+    form->addRow(templateLabel, templateRow);
     layout->addLayout(form);
     layout->addStretch(1);
     return w;
@@ -245,7 +247,9 @@ QWidget *OptionsDialog::buildExchange()
     auto *iconRow = new QHBoxLayout;
     iconRow->addWidget(m_importIcon);
     iconRow->addStretch(1);
-    importForm->addRow(QStringLiteral("Default &icon:"), iconRow);
+    auto *iconLabel = new QLabel(QStringLiteral("Default &icon:"), importBox);
+    iconLabel->setBuddy(m_importIcon);
+    importForm->addRow(iconLabel, iconRow);
     m_importNoteType = combo("importNoteType", importBox);
     m_importNoteType->addItems({QStringLiteral("Plain Text"), QStringLiteral("Rich Ink"), QStringLiteral("Rich Text")});
     const int noteType = int(m_settings.textImport >> 16);

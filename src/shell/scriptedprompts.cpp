@@ -104,6 +104,7 @@ bool ScriptedPrompts::askText(QWidget *, const QString &prompt, QString *text, i
                               const std::function<bool(const QString &)> &accept)
 {
     textPrompts.append(prompt);
+    textPrefills.append(*text);
     while (!texts.isEmpty()) {
         // What a box of that length would have let through.
         const QString answer = texts.dequeue().left(maxLength);
@@ -138,5 +139,7 @@ QString ScriptedPrompts::saveFileOfType(QWidget *, const QString &, const QStrin
 bool ScriptedPrompts::openUrl(const QUrl &url)
 {
     opened.append(url);
+    if (whenOpened)
+        whenOpened(url);
     return true;
 }

@@ -51,10 +51,14 @@ public:
     int aboutShown = 0;
     /// Object names of the dialogs run, in order.
     QStringList dialogsRun;
-    /// The prompts of askText, in order.
+    /// The prompts of askText, in order, and the text each box opened with.
     QStringList textPrompts;
+    QStringList textPrefills;
     /// Everything handed to openUrl, in order.
     QList<QUrl> opened;
+    /// Called with each URL handed to openUrl: stands for the application
+    /// that the desktop would start (a word processor editing a file).
+    std::function<void(const QUrl &)> whenOpened;
     /// Every named action of the last popup menu and its submenus.
     QHash<QString, ActionState> lastMenu;
     /// The texts of the last popup menu's top-level entries, in order
