@@ -72,7 +72,7 @@ FindDialog::FindDialog(const FindCriteria &preset, const QStringList &categories
     itemForm->addRow(QStringLiteral("C&ategory:"), m_category);
     layout->addWidget(itemBox);
 
-    auto *dateBox = new QGroupBox(QStringLiteral("Task/Due date"), this);
+    auto *dateBox = new QGroupBox(QStringLiteral("Date"), this);
     auto *dateLayout = new QHBoxLayout(dateBox);
     m_hasDate = new QCheckBox(QStringLiteral("&Task/Due date:"), dateBox);
     m_hasDate->setObjectName(QStringLiteral("findHasDate"));
