@@ -1,0 +1,200 @@
+#include "shellfixture.h"
+
+#include "exchange/notetext.h"
+#include "shell/commandids.h"
+#include "shell/textexportdialog.h"
+
+#include <QComboBox>
+#include <QFile>
+#include <QLabel>
+
+namespace {
+
+QByteArray le(const QString &text)
+{
+    QByteArray bytes;
+    for (QChar c : text) {
+        bytes += char(c.unicode() & 0xFF);
+        bytes += char(c.unicode() >> 8);
+    }
+    return bytes;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+}
+
+} // namespace
+
+class TestExportCommands : public QObject {
+    Q_OBJECT
+
+private:
+    // Trip > Pack (note "socks") > Boots; Trip > Book (a web link and a link
+    // to Boots). Every item created 2024-01-01 00:00:00.
+    std::unique_ptr<Document> sample()
+    {
+        auto document = std::make_unique<Document>();
+        document->root()->setName(QStringLiteral("Trip"));
+        const SystemTime newYear{2024, 1, 1, 1, 0, 0, 0, 0};
+        Item *pack = add(document->root(), QStringLiteral("Pack"));
+        pack->setNote(NoteText::toPlainNote(QStringLiteral("socks")));
+        Item *boots = add(pack, QStringLiteral("Boots"));
+        Item *book = add(document->root(), QStringLiteral("Book"));
+        book->setLinks({QStringLiteral("http://x.example"), boots->linkText()});
+        for (Item *item : {pack, boots, book})
+            item->setCreated(newYear);
+        return document;
+    }
+
+private Q_SLOTS:
+    void textExports_data();
+    void textExports();
+    void xmlExport();
+    void failedWriteIsReported();
+    void cancelWritesNothing();
+    void exportsFollowTheView();
+};
+
+void TestExportCommands::textExports_data()
+{
+    QTest::addColumn<int>("command");
+    QTest::addColumn<int>("choice");
+    QTest::addColumn<int>("fileType");
+    QTest::addColumn<QString>("note");
+    QTest::addColumn<QByteArray>("expected");
+
+    const QString currentView =
+        QStringLiteral("Data will be exported based on current view excluding all filtering options.");
+    const QString defaultView =
+        QStringLiteral("Data will be exported based on default view excluding any filtering options.");
+    QTest::newRow("view, tab, text") << int(CommandId::ExportView) << 1 << 0 << currentView
+                                     << QByteArray("Trip\r\n\tPack\r\n\t\tBoots\r\n\tBook\r\n");
+    QTest::newRow("view, two spaces, unicode")
+        << int(CommandId::ExportView) << 3 << 1 << currentView
+        << QByteArray("\xff\xfe") + le(QStringLiteral("Trip\r\n  Pack\r\n    Boots\r\n  Book\r\n"));
+    QTest::newRow("notes, slash") << int(CommandId::ExportNotes) << 2 << 0 << defaultView
+                                  << QByteArray("Trip/Pack\r\nsocks\r\nTrip/Pack/Boots\r\n\r\nTrip/Book\r\n\r\n");
+    QTest::newRow("links, colon")
+        << int(CommandId::ExportLinks) << 0 << 0 << defaultView
+        << QByteArray("Trip:Pack\r\n(None)\r\n\r\nTrip:Pack:Boots\r\n(None)\r\n\r\nTrip:Book\r\nhttp://x.example\r\n"
+                      "Boots\r\n\r\n");
+    QTest::newRow("links, bar, unicode")
+        << int(CommandId::ExportLinks) << 4 << 1 << defaultView
+        << QByteArray("\xff\xfe") +
+               le(QStringLiteral("Trip|Pack\r\n(None)\r\n\r\nTrip|Pack|Boots\r\n(None)\r\n\r\nTrip|Book\r\n"
+                                 "http://x.example\r\nBoots\r\n\r\n"));
+}
+
+void TestExportCommands::textExports()
+{
+    QFETCH(int, command);
+    QFETCH(int, choice);
+    QFETCH(int, fileType);
+    QFETCH(QString, note);
+    QFETCH(QByteArray, expected);
+    ShellFixture f;
+    QVERIFY(f.open(sample()));
+    const QString path = f.dir.filePath(QStringLiteral("out.txt"));
+    f.prompts.fileNames.enqueue(path);
+    f.prompts.fileTypes.enqueue(fileType);
+    f.prompts.dialogs.enqueue([&](QDialog *d) {
+        QCOMPARE(child<QLabel>(d, "exportNote")->text(), note);
+        screenshot(d, QStringLiteral("export-%1").arg(command));
+        child<QComboBox>(d, "exportChoice")->setCurrentIndex(choice);
+        press(d);
+    });
+    f.run(command);
+    QVERIFY(f.prompts.shown.isEmpty());
+    QCOMPARE(readFile(path), expected);
+    // The choice is the next export's default.
+    const Settings &s = f.window->settings();
+    QCOMPARE(int(command == CommandId::ExportView ? s.expViewSep : s.expOtherSep), choice);
+}
+
+void TestExportCommands::xmlExport()
+{
+    ShellFixture f;
+    auto document = sample();
+    delete document->root()->takeChild(1);
+    delete document->root()->child(0)->takeChild(0);
+    QVERIFY(f.open(std::move(document)));
+    f.window->settings().xmlEncode = 2;
+    const QString path = f.dir.filePath(QStringLiteral("trip.xml"));
+    f.prompts.fileNames.enqueue(path);
+    f.run(CommandId::ExportXml);
+    QVERIFY(f.prompts.shown.isEmpty());
+    QCOMPARE(readFile(path),
+             QByteArray("\xff\xfe") +
+                 le(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n"
+                                   "<ROOT Flags=\"3\" Image=\"0\" Sort=\"15\" Name=\"Trip\">\r\n"
+                                   "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
+                                   "<NAME>Pack</NAME>\r\n<TASKTIME />\r\n<COLOUR>0</COLOUR>\r\n<DUEDATE />\r\n"
+                                   "<PROGRESS>0</PROGRESS>\r\n<STATUSTYPE>1</STATUSTYPE>\r\n<PRIORITY>10</PRIORITY>\r\n"
+                                   "<CATEGORY />\r\n<CREATED>2024-01-01T00:00:00</CREATED>\r\n<LINKS />\r\n"
+                                   "<NOTE>\r\n<![CDATA[\r\nsocks\r\n]]>\r\n</NOTE>\r\n</ITEM>\r\n</ROOT>\r\n")));
+}
+
+void TestExportCommands::failedWriteIsReported()
+{
+    ShellFixture f;
+    QVERIFY(f.open(sample()));
+    const QString nowhere = f.dir.filePath(QStringLiteral("no/such/folder/out.txt"));
+    for (int command : {int(CommandId::ExportXml), int(CommandId::ExportNotes)}) {
+        f.prompts.fileNames.enqueue(nowhere);
+        if (command != CommandId::ExportXml)
+            f.prompts.dialogs.enqueue([](QDialog *d) { press(d); });
+        f.run(command);
+    }
+    const QString failed = QStringLiteral("Export has failed. Please make sure you have enough storage space and try again.");
+    QCOMPARE(f.shownTexts(), (QStringList{failed, failed}));
+    QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Stop);
+}
+
+void TestExportCommands::cancelWritesNothing()
+{
+    ShellFixture f;
+    QVERIFY(f.open(sample()));
+    const QString path = f.dir.filePath(QStringLiteral("out.txt"));
+    f.prompts.fileNames.enqueue(path);
+    f.prompts.dialogs.enqueue([](QDialog *d) {
+        child<QComboBox>(d, "exportChoice")->setCurrentIndex(5);
+        press(d, QDialogButtonBox::Cancel);
+    });
+    f.run(CommandId::ExportLinks);
+    // Cancelled at the options: no file was asked for, and the choice is not kept.
+    QCOMPARE(f.prompts.fileNames.size(), 1);
+    QCOMPARE(f.window->settings().expOtherSep, quint16(0));
+    f.prompts.fileNames.clear();
+    f.prompts.dialogs.enqueue([](QDialog *d) { press(d); });
+    f.run(CommandId::ExportLinks); // cancelled at the file dialog
+    f.run(CommandId::ExportXml);
+    QVERIFY(!QFile::exists(path));
+    QVERIFY(f.prompts.shown.isEmpty());
+}
+
+void TestExportCommands::exportsFollowTheView()
+{
+    ShellFixture f;
+    QVERIFY(f.open(sample()));
+    const int exports[] = {CommandId::ExportView, CommandId::ExportXml, CommandId::ExportLinks, CommandId::ExportNotes};
+    for (int command : exports)
+        QVERIFY(f.view()->isCommandEnabled(command));
+    QVERIFY(f.view()->isCommandEnabled(CommandId::ImportFile));
+    f.document()->viewMode = Document::ByCategory;
+    for (int command : exports)
+        QVERIFY(!f.view()->isCommandEnabled(command));
+    QVERIFY(!f.view()->isCommandEnabled(CommandId::ImportFile));
+    f.document()->viewMode = Document::DefaultView;
+    // A document without items has nothing to export, but can import.
+    while (f.document()->root()->hasChildren())
+        Editing::deleteItem(*f.document(), f.at({0}), &f.view()->clip());
+    for (int command : exports)
+        QVERIFY(!f.view()->isCommandEnabled(command));
+    QVERIFY(f.view()->isCommandEnabled(CommandId::ImportFile));
+}
+
+QTEST_MAIN(TestExportCommands)
+#include "tst_exportcommands.moc"
