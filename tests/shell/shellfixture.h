@@ -101,6 +101,13 @@ inline void press(QDialog *dialog, QDialogButtonBox::StandardButton which = QDia
     qWarning("no such button");
 }
 
+/// Clicks a check box or radio button on its indicator, where a click
+/// counts whatever the width of the button.
+inline void clickButton(QAbstractButton *button)
+{
+    QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(button->height() / 2, button->height() / 2));
+}
+
 /// With QUILLBOX_SCREENSHOTS set to a folder, saves a picture of the widget
 /// there for a person to look at.
 inline void screenshot(QWidget *widget, const QString &name)

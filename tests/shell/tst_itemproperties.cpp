@@ -139,7 +139,7 @@ void TestItemProperties::automaticTakesChildrenMeanAtOnce()
     QVERIFY(f.open(std::move(document)));
     f.select(f.at({0}));
     f.prompts.dialogs.enqueue([](QDialog *d) {
-        QTest::mouseClick(child<QRadioButton>(d, "automatic"), Qt::LeftButton);
+        clickButton(child<QRadioButton>(d, "automatic"));
         // An automatic item's progress follows its children.
         QVERIFY(!child<QSpinBox>(d, "progress")->isEnabled());
         press(d);
@@ -259,7 +259,7 @@ void TestItemProperties::newItemGoesWhereAsked()
         screenshot(d, QStringLiteral("new-item"));
         QTest::keyClicks(child<QLineEdit>(d, "name"), QStringLiteral("Fresh"));
         child<QComboBox>(d, "priority")->setCurrentIndex(0);
-        QTest::mouseClick(d->findChild<QRadioButton *>(button), Qt::LeftButton);
+        clickButton(d->findChild<QRadioButton *>(button));
         press(d);
     });
     f.run(CommandId::New);
