@@ -78,3 +78,9 @@ bool NoteConverter::convertDocument(Document &document, quint16 to)
     document.noteType = to;
     return true;
 }
+
+void NoteConverter::convertImported(TreeNode *importedRoot, quint16 from, quint16 to)
+{
+    NoteConverter converter;
+    converter.convertAllNotes(importedRoot, from, to);
+}

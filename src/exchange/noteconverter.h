@@ -28,4 +28,9 @@ public:
     /// the document's NoteType; on failure the document is as it was. The
     /// caller saves.
     bool convertDocument(Document &document, quint16 to);
+
+    /// The conversion step of importing a document file of another NoteType:
+    /// every note of the imported tree in the open document's NoteType. Notes
+    /// of a type no converter knows keep their bytes.
+    static void convertImported(TreeNode *importedRoot, quint16 from, quint16 to);
 };

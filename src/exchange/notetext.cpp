@@ -10,11 +10,9 @@ namespace NoteText {
 
 QString fromPlainNote(const QByteArray &note)
 {
-    qsizetype units = note.size() / 2;
-    const auto *data = reinterpret_cast<const uchar *>(note.constData());
+    const qsizetype units = note.size() / 2;
     QString text(units, Qt::Uninitialized);
-    for (qsizetype i = 0; i < units; ++i)
-        text[i] = QChar(qFromLittleEndian<quint16>(data + 2 * i));
+    qFromLittleEndian<quint16>(note.constData(), units, text.data());
     if (!text.isEmpty() && text.back() == QChar(0))
         text.chop(1);
     return text;

@@ -1,9 +1,11 @@
 #include "exchange/textexport.h"
 
 #include "exchange/notetext.h"
+#include "model/document.h"
 #include "model/item.h"
 #include "model/treewalker.h"
 #include "platform/messages.h"
+#include "views/groupview.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -148,6 +150,44 @@ bool TextExport::exportView(const QString &path, const TreeNode *root, const Opt
             return true;
         },
         options);
+}
+
+bool TextExport::exportView(const QString &path, const GroupView &view, const Options &options)
+{
+    size_t heading = 0;
+    size_t item = 0; // 0: the heading's own row, then its items from 1
+    const auto &headings = view.headings();
+    return exportOutline(
+        path, view.rootName(),
+        [&](int *depth, QString *name) {
+            while (heading < headings.size()) {
+                const GroupHeading *h = headings[heading];
+                if (item == 0) {
+                    ++item;
+                    *depth = 1;
+                    *name = h->text();
+                    return true;
+                }
+                if (item <= h->items().size()) {
+                    *depth = 2;
+                    *name = h->items()[item - 1]->name();
+                    ++item;
+                    return true;
+                }
+                ++heading;
+                item = 0;
+            }
+            return false;
+        },
+        options);
+}
+
+bool TextExport::exportView(const QString &path, const Document &document, const Options &options)
+{
+    if (document.viewMode < GroupView::ByCategory || document.viewMode > GroupView::ByPercentComplete)
+        return exportView(path, document.root(), options);
+    const GroupView view(document, document.viewMode);
+    return exportView(path, view, options);
 }
 
 bool TextExport::exportNotes(const QString &path, const TreeNode *root, const Options &options)

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <functional>
 
+class Document;
+class GroupView;
 class TreeNode;
 
 /// The three text exports: the view as an indented outline, and every
@@ -50,6 +52,12 @@ public:
     /// The view export of the default view: every level of the tree under
     /// root, collapsed or not, hidden by a filter or not.
     static bool exportView(const QString &path, const TreeNode *root, const Options &options);
+    /// The view export of a grouped view: the root's name, the headings at
+    /// depth 1 and every item of each heading at depth 2, shown by the
+    /// filters or not; nothing deeper.
+    static bool exportView(const QString &path, const GroupView &view, const Options &options);
+    /// The view export of the document in its own ViewMode.
+    static bool exportView(const QString &path, const Document &document, const Options &options);
 
     /// Every Item below root, depth first: its path line (the names from the
     /// root's down, joined by the separator), its note's text when it has a

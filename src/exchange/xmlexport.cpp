@@ -6,6 +6,8 @@
 
 #include <QFile>
 #include <QtEndian>
+#include <cstring>
+#include <vector>
 
 namespace {
 
@@ -13,23 +15,60 @@ const char *const EncodingLabels[] = {"(Default)", "UTF-8", "UTF-16", "ISO-8859-
 
 // Where the text goes: kept whole as UTF-16 (text()), or turned into the
 // file's bytes piece by piece (exportXml), which gives the bytes of the whole
-// text converted at once without holding both forms of it.
+// text converted at once without holding both forms of it. Appends go into a
+// fixed chunk by plain copies; the exporter makes hundreds of millions of
+// them for a large document.
 class Output {
 public:
-    Output() = default;
-    Output(bool utf16, CodePage *codePage) : m_encode(true), m_utf16(utf16), m_codePage(codePage)
+    Output() : m_chunk(ChunkSize) {}
+    Output(bool utf16, CodePage *codePage) : m_chunk(ChunkSize), m_encode(true), m_utf16(utf16), m_codePage(codePage)
     {
         if (m_utf16)
             m_bytes = QByteArrayLiteral("\xff\xfe");
     }
 
-    QString &buffer() { return m_buffer; }
-    void maybeFlush()
+    void put(const char16_t *text, size_t n)
     {
-        if (m_encode && m_buffer.size() >= 1 << 18)
+        if (m_length + n > ChunkSize) {
             flush();
+            if (n > ChunkSize) {
+                emit(text, n);
+                return;
+            }
+        }
+        std::memcpy(m_chunk.data() + m_length, text, n * sizeof(char16_t));
+        m_length += n;
     }
-    QString takeText() { return std::move(m_buffer); }
+    void put(QStringView text) { put(reinterpret_cast<const char16_t *>(text.data()), size_t(text.size())); }
+    template<size_t N>
+    void put(const char16_t (&literal)[N])
+    {
+        put(literal, N - 1);
+    }
+    void put(char16_t c)
+    {
+        if (m_length == ChunkSize)
+            flush();
+        m_chunk[m_length++] = c;
+    }
+    void putNumber(quint64 value, int width = 1)
+    {
+        char16_t digits[24];
+        int n = 0;
+        do {
+            digits[23 - n++] = char16_t(u'0' + value % 10);
+            value /= 10;
+        } while (value);
+        while (n < width)
+            digits[23 - n++] = u'0';
+        put(digits + 24 - n, size_t(n));
+    }
+
+    QString takeText()
+    {
+        flush();
+        return std::move(m_text);
+    }
     QByteArray takeBytes()
     {
         flush();
@@ -45,20 +84,34 @@ public:
     }
 
 private:
+    static constexpr size_t ChunkSize = 1 << 16;
+
     void flush()
     {
-        m_units += m_buffer.size();
+        emit(m_chunk.data(), m_length);
+        m_length = 0;
+    }
+    void emit(const char16_t *text, size_t n)
+    {
+        if (n == 0)
+            return;
+        if (!m_encode) {
+            m_text.append(reinterpret_cast<const QChar *>(text), qsizetype(n));
+            return;
+        }
+        m_units += qsizetype(n);
         if (m_utf16) {
             const qsizetype start = m_bytes.size();
-            m_bytes.resize(start + 2 * m_buffer.size());
-            qToLittleEndian<quint16>(m_buffer.constData(), m_buffer.size(), m_bytes.data() + start);
+            m_bytes.resize(start + 2 * qsizetype(n));
+            qToLittleEndian<quint16>(text, qsizetype(n), m_bytes.data() + start);
         } else {
-            m_codePage->append(m_buffer, &m_bytes);
+            m_codePage->append(QStringView(text, qsizetype(n)), &m_bytes);
         }
-        m_buffer.clear();
     }
 
-    QString m_buffer;
+    std::vector<char16_t> m_chunk;
+    size_t m_length = 0;
+    QString m_text;
     QByteArray m_bytes;
     qsizetype m_units = 0;
     bool m_encode = false;
@@ -66,128 +119,49 @@ private:
     CodePage *m_codePage = nullptr;
 };
 
-void appendEscaped(QString &out, QStringView text)
+// The escaping of attribute values and element text (see XmlExport::escape).
+template<typename Sink>
+void appendEscaped(Sink &out, QStringView text)
 {
+    const auto *data = reinterpret_cast<const char16_t *>(text.data());
+    const qsizetype size = text.size();
     qsizetype plain = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i].unicode();
-        const char *replacement = nullptr;
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = data[i];
+        if (c > u'>' || (c != u'<' && c != u'>' && c != u'&' && c != u'"' && c != u'\''))
+            continue;
+        out.put(data + plain, size_t(i - plain));
         switch (c) {
         case u'<':
-            replacement = "&amp;lt;";
+            out.put(u"&amp;lt;");
             break;
         case u'>':
-            replacement = "&amp;gt;";
+            out.put(u"&amp;gt;");
             break;
         case u'&':
-            replacement = "&amp;";
+            out.put(u"&amp;");
             break;
         case u'"':
-            replacement = "&quot;";
-            break;
-        case u'\'':
-            replacement = "&apos;";
+            out.put(u"&quot;");
             break;
         default:
-            continue;
+            out.put(u"&apos;");
+            break;
         }
-        out.append(text.mid(plain, i - plain));
-        out.append(QLatin1StringView(replacement));
         plain = i + 1;
     }
-    out.append(text.mid(plain));
+    out.put(data + plain, size_t(size - plain));
 }
 
-void appendNumber(QString &out, quint64 value, int width = 1)
-{
-    char digits[24];
-    int n = 0;
-    do {
-        digits[sizeof digits - 1 - n++] = char('0' + value % 10);
-        value /= 10;
-    } while (value);
-    while (n < width)
-        digits[sizeof digits - 1 - n++] = '0';
-    out.append(QLatin1StringView(digits + sizeof digits - n, n));
-}
-
-// The writer primitives, each appending exactly its text.
-class XmlWriter {
-public:
-    explicit XmlWriter(Output &output) : m_out(output), m_text(output.buffer()) {}
-
-    void raw(QLatin1StringView text) { m_text.append(text); }
-    void openStart(QLatin1StringView name)
+// A QString that takes the same appends, for escape().
+struct StringSink {
+    QString text;
+    void put(const char16_t *data, size_t n) { text.append(reinterpret_cast<const QChar *>(data), qsizetype(n)); }
+    template<size_t N>
+    void put(const char16_t (&literal)[N])
     {
-        m_text.append(QLatin1Char('<'));
-        m_text.append(name);
+        put(literal, N - 1);
     }
-    void attribute(QLatin1StringView key, QStringView value)
-    {
-        beginAttribute(key);
-        appendEscaped(m_text, value);
-        m_text.append(QLatin1Char('"'));
-    }
-    void attribute(QLatin1StringView key, quint64 value)
-    {
-        beginAttribute(key);
-        appendNumber(m_text, value);
-        m_text.append(QLatin1Char('"'));
-    }
-    void endOfStartTag() { m_text.append(QLatin1StringView(">\r\n")); }
-    void startTag(QLatin1StringView name)
-    {
-        openStart(name);
-        endOfStartTag();
-    }
-    void endTag(QLatin1StringView name)
-    {
-        m_text.append(QLatin1StringView("</"));
-        m_text.append(name);
-        endOfStartTag();
-    }
-    void element(QLatin1StringView name, QStringView value, bool present = true)
-    {
-        if (!present) {
-            emptyElement(name);
-            return;
-        }
-        openStart(name);
-        m_text.append(QLatin1Char('>'));
-        appendEscaped(m_text, value);
-        endTag(name);
-    }
-    void element(QLatin1StringView name, quint64 value)
-    {
-        openStart(name);
-        m_text.append(QLatin1Char('>'));
-        appendNumber(m_text, value);
-        endTag(name);
-    }
-    void emptyElement(QLatin1StringView name)
-    {
-        openStart(name);
-        m_text.append(QLatin1StringView(" />\r\n"));
-    }
-    void cdata(QStringView text)
-    {
-        m_text.append(QLatin1StringView("<![CDATA[\r\n"));
-        m_text.append(text);
-        m_text.append(QLatin1StringView("\r\n]]>\r\n"));
-    }
-    QString &text() { return m_text; }
-    void pieceDone() { m_out.maybeFlush(); }
-
-private:
-    void beginAttribute(QLatin1StringView key)
-    {
-        m_text.append(QLatin1Char(' '));
-        m_text.append(key);
-        m_text.append(QLatin1StringView("=\""));
-    }
-
-    Output &m_out;
-    QString &m_text;
 };
 
 const TreeNode *topOf(const TreeNode *node)
@@ -197,136 +171,163 @@ const TreeNode *topOf(const TreeNode *node)
     return node;
 }
 
-void writeDate(QString &out, const SystemTime &time)
+void putDate(Output &out, const SystemTime &time)
 {
-    appendNumber(out, time.year, 4);
-    out.append(QLatin1Char('-'));
-    appendNumber(out, time.month, 2);
-    out.append(QLatin1Char('-'));
-    appendNumber(out, time.day, 2);
+    out.putNumber(time.year, 4);
+    out.put(u'-');
+    out.putNumber(time.month, 2);
+    out.put(u'-');
+    out.putNumber(time.day, 2);
 }
 
-void writeItem(XmlWriter &w, const Item *item, const TreeNode *top, quint16 noteType)
+// An element holding a number: "<NAME>%d</NAME>" and CR LF.
+template<size_t N, size_t M>
+void numberElement(Output &out, const char16_t (&open)[N], quint64 value, const char16_t (&close)[M])
 {
-    w.openStart(QLatin1StringView("ITEM"));
-    w.attribute(QLatin1StringView("StdFlags"), item->stdFlags());
-    w.attribute(QLatin1StringView("Flags"), item->flags());
-    w.attribute(QLatin1StringView("Image"), item->image());
-    w.attribute(QLatin1StringView("Sort"), item->sort());
-    w.endOfStartTag();
+    out.put(open);
+    out.putNumber(value);
+    out.put(close);
+}
+
+// An element holding escaped text, "<NAME />" when the text is absent.
+template<size_t N, size_t M, size_t K>
+void textElement(Output &out, const char16_t (&open)[N], const QString &value, const char16_t (&close)[M],
+                 const char16_t (&absent)[K], bool present)
+{
+    if (!present) {
+        out.put(absent);
+        return;
+    }
+    out.put(open);
+    appendEscaped(out, value);
+    out.put(close);
+}
+
+// One Item's record up to its SUBITEMS, each line as the writer primitives
+// (open-start, attribute, end-of-start-tag, element, cdata) spell it.
+void writeItem(Output &out, const Item *item, const TreeNode *top, quint16 noteType)
+{
+    out.put(u"<ITEM StdFlags=\"");
+    out.putNumber(item->stdFlags());
+    out.put(u"\" Flags=\"");
+    out.putNumber(item->flags());
+    out.put(u"\" Image=\"");
+    out.putNumber(item->image());
+    out.put(u"\" Sort=\"");
+    out.putNumber(item->sort());
+    out.put(u"\">\r\n");
 
     // A name that was never set is absent ("<NAME />"); an empty one is not.
-    w.element(QLatin1StringView("NAME"), item->name(), !item->name().isNull());
+    // A name stored with no characters loads as absent.
+    textElement(out, u"<NAME>", item->name(), u"</NAME>\r\n", u"<NAME />\r\n", !item->name().isNull());
 
     const QString taskTime = item->taskTime();
     if (!taskTime.isEmpty()) {
-        w.openStart(QLatin1StringView("TASKTIME"));
-        w.attribute(QLatin1StringView("Type"), item->taskTimeType());
-        w.endOfStartTag();
-        appendEscaped(w.text(), taskTime);
-        w.endTag(QLatin1StringView("TASKTIME"));
+        // The end of the start tag brings its own line break; the text has none.
+        out.put(u"<TASKTIME Type=\"");
+        out.putNumber(item->taskTimeType());
+        out.put(u"\">\r\n");
+        appendEscaped(out, taskTime);
+        out.put(u"</TASKTIME>\r\n");
     } else {
-        w.emptyElement(QLatin1StringView("TASKTIME"));
+        out.put(u"<TASKTIME />\r\n");
     }
 
-    w.element(QLatin1StringView("COLOUR"), item->colour());
+    numberElement(out, u"<COLOUR>", item->colour(), u"</COLOUR>\r\n");
     const SystemTime due = item->dueDate();
     if (due.hasDate()) {
-        w.openStart(QLatin1StringView("DUEDATE"));
-        w.text().append(QLatin1Char('>'));
-        writeDate(w.text(), due);
-        w.endTag(QLatin1StringView("DUEDATE"));
+        out.put(u"<DUEDATE>");
+        putDate(out, due);
+        out.put(u"</DUEDATE>\r\n");
     } else {
-        w.emptyElement(QLatin1StringView("DUEDATE"));
+        out.put(u"<DUEDATE />\r\n");
     }
-    w.element(QLatin1StringView("PROGRESS"), item->progress());
-    w.element(QLatin1StringView("STATUSTYPE"), item->statusType());
-    w.element(QLatin1StringView("PRIORITY"), item->priority());
-    w.element(QLatin1StringView("CATEGORY"), item->category(), !item->category().isEmpty());
+    numberElement(out, u"<PROGRESS>", item->progress(), u"</PROGRESS>\r\n");
+    numberElement(out, u"<STATUSTYPE>", item->statusType(), u"</STATUSTYPE>\r\n");
+    numberElement(out, u"<PRIORITY>", item->priority(), u"</PRIORITY>\r\n");
+    textElement(out, u"<CATEGORY>", item->category(), u"</CATEGORY>\r\n", u"<CATEGORY />\r\n",
+                !item->category().isEmpty());
 
     // CREATED is always written: the date, "T", the time on a 24-hour clock.
     const SystemTime &created = item->created();
-    w.openStart(QLatin1StringView("CREATED"));
-    w.text().append(QLatin1Char('>'));
-    writeDate(w.text(), created);
-    w.text().append(QLatin1Char('T'));
-    appendNumber(w.text(), created.hour, 2);
-    w.text().append(QLatin1Char(':'));
-    appendNumber(w.text(), created.minute, 2);
-    w.text().append(QLatin1Char(':'));
-    appendNumber(w.text(), created.second, 2);
-    w.endTag(QLatin1StringView("CREATED"));
+    out.put(u"<CREATED>");
+    putDate(out, created);
+    out.put(u'T');
+    out.putNumber(created.hour, 2);
+    out.put(u':');
+    out.putNumber(created.minute, 2);
+    out.put(u':');
+    out.putNumber(created.second, 2);
+    out.put(u"</CREATED>\r\n");
 
     const QStringList links = item->links();
     if (links.isEmpty()) {
-        w.emptyElement(QLatin1StringView("LINKS"));
+        out.put(u"<LINKS />\r\n");
     } else {
-        w.startTag(QLatin1StringView("LINKS"));
+        out.put(u"<LINKS>\r\n");
         for (const QString &link : links) {
             if (Item::isItemLink(link)) {
                 // An item link names its target; a dead one leaves no trace.
                 const Item *target = Item::fromHandle(Item::handleOfLink(link));
                 if (!target || topOf(target) != top)
                     continue;
-                w.element(QLatin1StringView("LINK"), target->name(), !target->name().isNull());
+                textElement(out, u"<LINK>", target->name(), u"</LINK>\r\n", u"<LINK />\r\n", !target->name().isNull());
             } else {
-                w.element(QLatin1StringView("LINK"), link);
+                textElement(out, u"<LINK>", link, u"</LINK>\r\n", u"<LINK />\r\n", true);
             }
         }
-        w.endTag(QLatin1StringView("LINKS"));
+        out.put(u"</LINKS>\r\n");
     }
 
     if (item->noteSize() == 0) {
-        w.emptyElement(QLatin1StringView("NOTE"));
+        out.put(u"<NOTE />\r\n");
     } else {
-        w.startTag(QLatin1StringView("NOTE"));
-        w.cdata(NoteText::plainText(item->note(), noteType));
-        w.endTag(QLatin1StringView("NOTE"));
+        // CDATA is never escaped.
+        out.put(u"<NOTE>\r\n<![CDATA[\r\n");
+        out.put(NoteText::plainText(item->note(), noteType));
+        out.put(u"\r\n]]>\r\n</NOTE>\r\n");
     }
 }
 
-void writeDocument(Output &output, const TreeNode *root, const XmlExport::Options &options)
+void writeDocument(Output &out, const TreeNode *root, const XmlExport::Options &options)
 {
-    XmlWriter w(output);
-    w.raw(QLatin1StringView("<?xml version=\"1.0\" "));
+    out.put(u"<?xml version=\"1.0\" ");
     if (options.encoding > 0) {
-        w.raw(QLatin1StringView("encoding=\""));
-        w.text().append(XmlExport::encodingLabel(options.encoding));
-        w.raw(QLatin1StringView("\" "));
+        out.put(u"encoding=\"");
+        out.put(XmlExport::encodingLabel(options.encoding));
+        out.put(u"\" ");
     }
-    w.raw(QLatin1StringView("?>\r\n"));
+    out.put(u"?>\r\n");
 
     // The root's record: its StdFlags value goes by the name Flags here.
-    w.openStart(QLatin1StringView("ROOT"));
-    w.attribute(QLatin1StringView("Flags"), root->stdFlags());
-    w.attribute(QLatin1StringView("Image"), root->image());
-    w.attribute(QLatin1StringView("Sort"), root->sort());
-    w.attribute(QLatin1StringView("Name"), root->name());
-    w.endOfStartTag();
+    out.put(u"<ROOT Flags=\"");
+    out.putNumber(root->stdFlags());
+    out.put(u"\" Image=\"");
+    out.putNumber(root->image());
+    out.put(u"\" Sort=\"");
+    out.putNumber(root->sort());
+    out.put(u"\" Name=\"");
+    appendEscaped(out, root->name());
+    out.put(u"\">\r\n");
 
     const TreeNode *top = topOf(root);
-    // Items whose SUBITEMS are open; an explicit stack, so any depth is safe.
+    // Items whose SUBITEMS are open; a count, not recursion, so any depth is safe.
     qsizetype open = 0;
     TreeWalker walker(root);
     while (const Item *item = walker.next()) {
-        for (; open >= walker.depth(); --open) {
-            w.endTag(QLatin1StringView("SUBITEMS"));
-            w.endTag(QLatin1StringView("ITEM"));
-        }
-        writeItem(w, item, top, options.noteType);
+        for (; open >= walker.depth(); --open)
+            out.put(u"</SUBITEMS>\r\n</ITEM>\r\n");
+        writeItem(out, item, top, options.noteType);
         if (item->hasChildren()) {
-            w.startTag(QLatin1StringView("SUBITEMS"));
+            out.put(u"<SUBITEMS>\r\n");
             ++open;
         } else {
-            w.endTag(QLatin1StringView("ITEM"));
+            out.put(u"</ITEM>\r\n");
         }
-        w.pieceDone();
     }
-    for (; open > 0; --open) {
-        w.endTag(QLatin1StringView("SUBITEMS"));
-        w.endTag(QLatin1StringView("ITEM"));
-    }
-    w.endTag(QLatin1StringView("ROOT"));
+    for (; open > 0; --open)
+        out.put(u"</SUBITEMS>\r\n</ITEM>\r\n");
+    out.put(u"</ROOT>\r\n");
 }
 
 } // namespace
@@ -348,10 +349,10 @@ QStringList XmlExport::encodingLabels()
 
 QString XmlExport::escape(QStringView text)
 {
-    QString out;
-    out.reserve(text.size());
+    StringSink out;
+    out.text.reserve(text.size());
     appendEscaped(out, text);
-    return out;
+    return out.text;
 }
 
 QString XmlExport::text(const TreeNode *root, const Options &options)

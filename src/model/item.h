@@ -77,6 +77,9 @@ public:
     /// The identity that item links carry ("!" + decimal handle). Given on
     /// first use and never reused, so a link to a destroyed Item stays dead.
     quint32 handle() const;
+    /// Whether a handle was ever given, i.e. whether any link can name this
+    /// Item; asks nothing of the registry.
+    bool hasHandle() const { return m_handle != 0; }
     /// "!" followed by the handle.
     QString linkText() const;
     /// The live Item with this handle, or null.

@@ -87,6 +87,7 @@ void NotePane::setNoteType(quint16 noteType)
 void NotePane::load(const QByteArray &note)
 {
     setEnabled(true);
+    m_original = note;
     if (m_noteType == 0) {
         NoteCodec::read(note, 0, m_plain->document());
         m_plain->document()->setModified(false);
@@ -98,6 +99,7 @@ void NotePane::load(const QByteArray &note)
 
 void NotePane::clear(bool enabled)
 {
+    m_original.clear();
     m_plain->clear();
     m_rich->clear();
     setModified(false);
@@ -117,7 +119,7 @@ void NotePane::setModified(bool modified)
 
 QByteArray NotePane::noteBytes() const
 {
-    return NoteCodec::write(m_noteType == 0 ? m_plain->document() : m_rich->document(), m_noteType);
+    return NoteCodec::write(m_noteType == 0 ? m_plain->document() : m_rich->document(), m_noteType, m_original);
 }
 
 QString NotePane::plainText() const

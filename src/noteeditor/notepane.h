@@ -43,6 +43,7 @@ Q_SIGNALS:
 
 private:
     quint16 m_noteType = 0;
+    QByteArray m_original; // the note as loaded, for what the editor does not show
     QStackedWidget *m_stack = nullptr;
     QPlainTextEdit *m_plain = nullptr;
     QTextEdit *m_rich = nullptr;

@@ -3,7 +3,48 @@
 #include <unicode/ucnv.h>
 
 #include <algorithm>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 #include <limits>
+
+namespace {
+
+// The end of the run of units below 0x80 that starts at p.
+const QChar *asciiEnd(const QChar *p, const QChar *end)
+{
+#if defined(__SSE2__)
+    const __m128i high = _mm_set1_epi16(short(0xff80));
+    const __m128i zero = _mm_setzero_si128();
+    while (end - p >= 8) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(units, high), zero)) != 0xffff)
+            break;
+        p += 8;
+    }
+#endif
+    while (p != end && p->unicode() < 0x80)
+        ++p;
+    return p;
+}
+
+// Narrows units below 0x80 to their bytes.
+void copyAscii(const QChar *p, const QChar *end, char *target)
+{
+#if defined(__SSE2__)
+    while (end - p >= 16) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + 8));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(target), _mm_packus_epi16(a, b));
+        p += 16;
+        target += 16;
+    }
+#endif
+    while (p != end)
+        *target++ = char((p++)->unicode());
+}
+
+} // namespace
 
 CodePage::CodePage(const QString &name) : m_name(name)
 {
@@ -77,15 +118,12 @@ void CodePage::append(QStringView piece, QByteArray *out)
     while (p != end) {
         const QChar *runEnd = p;
         if (p->unicode() < 0x80) {
-            while (runEnd != end && runEnd->unicode() < 0x80)
-                ++runEnd;
+            runEnd = asciiEnd(p, end);
             if (m_pending) // a lone first half of a pair ends here: let the converter write its "?"
                 convertRun(p, p, out, true);
             const qsizetype start = out->size();
             out->resize(start + (runEnd - p));
-            char *target = out->data() + start;
-            for (const QChar *c = p; c != runEnd; ++c)
-                *target++ = char(c->unicode());
+            copyAscii(p, runEnd, out->data() + start);
         } else {
             while (runEnd != end && runEnd->unicode() >= 0x80)
                 ++runEnd;

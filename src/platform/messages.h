@@ -55,6 +55,16 @@ inline constexpr const char *FileFilter = "Quillbox Files (*.qbx)";
 
 } // namespace Messages
 
+namespace Messages {
+
+inline constexpr const char *NoMatch = "No item matched the search criteria.";
+/// %1 is the template's name.
+inline constexpr const char *AskDeleteTemplate = "Are you sure to delete template '%1'?";
+inline constexpr const char *EnterName = "Please enter a name.";
+inline constexpr const char *TemplateNameLabel = "Template Name: (Max 32 characters)";
+
+} // namespace Messages
+
 // Links, find, templates and the other dialogs of the document view.
 namespace Messages {
 
@@ -74,13 +84,7 @@ inline constexpr const char *EditInWordDone =
 inline constexpr const char *AskDeleteLink = "Are you sure to delete this link?";
 inline constexpr const char *EnterPhoneNumber = "Enter a phone number:";
 
-inline constexpr const char *NoItemMatched = "No item matched the search criteria.";
 inline constexpr const char *SearchResults = "Search Results";
-
-/// %1 is the template's name.
-inline constexpr const char *AskDeleteTemplate = "Are you sure to delete template '%1'?";
-inline constexpr const char *TemplateNamePrompt = "Template Name: (Max 32 characters)";
-inline constexpr const char *EnterName = "Please enter a name.";
 
 inline constexpr const char *ConvertNotesIntro = "This feature converts notes from one format to the other.";
 inline constexpr const char *PlainTextDescription =

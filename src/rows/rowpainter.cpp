@@ -305,16 +305,16 @@ void RowPainter::paintItem(QPainter *p, const QRect &rect, const Item *item, int
     }
 }
 
-void RowPainter::paintTitle(QPainter *p, const QRect &rect, const TreeNode *node, quint16 image, int level,
-                            int baseLevel, int state) const
+void RowPainter::paintTitle(QPainter *p, const QRect &rect, const QString &name, quint16 image, bool expandable,
+                            bool expanded, int level, int baseLevel, int state) const
 {
     const RowGeometry g = titleGeometry(rect, level, baseLevel);
     const bool selected = state & Selected;
     const QColor base = m_palette.color(QPalette::Active, QPalette::Base);
     const QColor band = m_palette.color(QPalette::Active, QPalette::AlternateBase);
     p->fillRect(rect, band.isValid() ? band : base);
-    if (node->hasChildren())
-        paintGlyph(p, g.glyphRect(), node->isExpanded() ? GlyphExpanded : GlyphCollapsed);
+    if (expandable)
+        paintGlyph(p, g.glyphRect(), expanded ? GlyphExpanded : GlyphCollapsed);
     const QRect icon = g.iconRect();
     const int w = m_columnWidth;
     p->drawPixmap(icon.left(), icon.top() + (icon.height() - w) / 2, IconSet::instance().icon(image, w, m_dpr));
@@ -322,13 +322,13 @@ void RowPainter::paintTitle(QPainter *p, const QRect &rect, const TreeNode *node
     QColor text = m_palette.color(QPalette::Active, QPalette::Text);
     p->setFont(titleFont());
     if (selected) {
-        const int width = QFontMetrics(titleFont()).horizontalAdvance(node->name()) + 8;
+        const int width = QFontMetrics(titleFont()).horizontalAdvance(name) + 8;
         textArea.setWidth(std::min(textArea.width(), width));
         p->fillRect(textArea, m_palette.color(QPalette::Active, QPalette::Highlight));
         text = m_palette.color(QPalette::Active, QPalette::HighlightedText);
     }
     p->setPen(text);
-    p->drawText(textArea.adjusted(3, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, node->name());
+    p->drawText(textArea.adjusted(3, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, name);
     if (state & Focused) {
         p->setPen(QPen(text, 1, Qt::DotLine));
         p->setBrush(Qt::NoBrush);

@@ -78,8 +78,8 @@ public:
     void paintItem(QPainter *painter, const QRect &rect, const Item *item, int level, int baseLevel,
                    int state) const;
     /// A title row: the document root or a group heading with its icon.
-    void paintTitle(QPainter *painter, const QRect &rect, const TreeNode *node, quint16 image, int level,
-                    int baseLevel, int state) const;
+    void paintTitle(QPainter *painter, const QRect &rect, const QString &text, quint16 image, bool expandable,
+                    bool expanded, int level, int baseLevel, int state) const;
 
     /// The name as drawn, with "[%d,%d,%d]" appended when statistics are on,
     /// the row is not flat and the item has children.

@@ -196,7 +196,7 @@ void DialogCommands::find()
         m_results.push_back(item->handle());
     m_hasResult = !found.empty();
     if (found.empty()) {
-        prompts()->message(m_view, Prompts::Icon::Information, QString::fromLatin1(Messages::NoItemMatched));
+        prompts()->message(m_view, Prompts::Icon::Information, QString::fromLatin1(Messages::NoMatch));
         return;
     }
     showSearchResult();
@@ -215,7 +215,7 @@ void DialogCommands::showSearchResult()
     }
     if (items.empty()) {
         m_hasResult = false;
-        prompts()->message(m_view, Prompts::Icon::Information, QString::fromLatin1(Messages::NoItemMatched));
+        prompts()->message(m_view, Prompts::Icon::Information, QString::fromLatin1(Messages::NoMatch));
         return;
     }
     SearchResultsDialog dialog(items, m_view);

@@ -12,8 +12,9 @@
 #include "shell/quickentrybar.h"
 #include "shell/treepane.h"
 #include "shell/waitcursor.h"
-#include "shell/documentstore.h"
+#include "storage/documentfile.h"
 #include "storage/settings.h"
+#include "views/viewrows.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -57,9 +58,9 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     m_notes->setVisible(m_document->showNoteWindow);
     // The root is open: a document shows at least its top level.
     m_document->root()->setExpanded(true);
-    m_rows.setDocument(m_document.get());
+    m_rows = std::make_unique<ViewRows>(*m_document);
     applyRowStyle();
-    m_tree->setRowList(&m_rows);
+    m_tree->setRows(m_rows.get());
 
     connect(m_tree, &TreePane::currentChanged, this, &DocumentView::onCurrentChanged);
     connect(m_tree, &TreePane::statusTapped, this, &DocumentView::onStatusTapped);
@@ -73,11 +74,8 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     registerCommands();
 
     // Start on the node the document names as current, when it is shown.
-    TreeNode *start = m_document->current();
-    m_rows.reveal(start);
-    if (!m_tree->setCurrentNode(start))
-        m_tree->setCurrentRow(0);
-    m_tree->rowsChanged();
+    const int start = m_rows->reveal(m_document->current());
+    m_tree->rowsChanged(start >= 0 ? start : 0);
     loadNote(m_tree->currentNode());
     m_tree->setFocus();
 }
@@ -170,8 +168,7 @@ bool DocumentView::isQuickEntryVisible() const
 void DocumentView::onCurrentChanged(TreeNode *node)
 {
     storeNote();
-    if (node)
-        m_document->setCurrent(node);
+    m_document->setCurrent(node ? node : m_document->root());
     loadNote(node);
     Q_EMIT stateChanged();
 }
@@ -195,6 +192,7 @@ void DocumentView::loadNote(TreeNode *node)
 
 void DocumentView::commitEdits()
 {
+    // A heading is no node of the tree: the root stands for it.
     TreeNode *node = currentNode();
     m_document->setCurrent(node ? node : m_document->root());
     storeNote();
@@ -206,7 +204,7 @@ bool DocumentView::save()
     bool saved = false;
     {
         WaitCursor wait;
-        saved = DocumentStore::save(*m_document);
+        saved = DocumentFile::save(*m_document);
     }
     if (!saved)
         m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
@@ -219,7 +217,7 @@ bool DocumentView::saveAs(const QString &path)
     bool saved = false;
     {
         WaitCursor wait;
-        saved = DocumentStore::save(*m_document, path);
+        saved = DocumentFile::save(*m_document, path);
     }
     if (!saved) {
         m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
@@ -233,22 +231,14 @@ bool DocumentView::saveAs(const QString &path)
 
 void DocumentView::refresh(TreeNode *select)
 {
-    m_rows.rebuild();
-    if (select)
-        m_rows.reveal(select);
-    m_tree->rowsChanged();
-    if (select && !m_tree->setCurrentNode(select))
-        selectNearestShown(select);
-    Q_EMIT stateChanged();
-}
-
-void DocumentView::selectNearestShown(TreeNode *node)
-{
-    for (TreeNode *n = node; n; n = n->parent()) {
-        if (m_tree->setCurrentNode(n))
-            return;
+    int row = m_rows->rebuild(m_tree->currentRow());
+    if (select) {
+        const int revealed = m_rows->reveal(select);
+        if (revealed >= 0)
+            row = revealed;
     }
-    m_tree->setCurrentRow(0);
+    m_tree->rowsChanged(row);
+    Q_EMIT stateChanged();
 }
 
 // ---- commands
@@ -371,30 +361,32 @@ void DocumentView::registerCommands()
     setCommand(DownALevel, [this] { moveCurrent(Editing::Move::DownLevel); });
     setCommand(ExpandAll, [this] {
         WaitCursor wait;
-        TreeNode *keep = currentNode();
-        m_rows.expandAll();
-        m_tree->rowsChanged();
-        m_tree->setCurrentNode(keep);
+        const TreeNode *keep = currentNode();
+        const bool heading = keep == nullptr;
+        const int before = m_tree->currentRow();
+        m_rows->expandAll();
+        // Expanding adds rows only below their parents: a heading's row is
+        // found again by counting, a node's by looking it up.
+        m_tree->rowsChanged(heading ? before : std::max(0, m_rows->indexOf(keep)));
         Q_EMIT stateChanged();
     });
     setCommand(CollapseAll, [this] {
         WaitCursor wait;
-        TreeNode *keep = currentNode();
-        m_rows.collapseAll();
-        m_tree->rowsChanged();
-        selectNearestShown(keep);
+        const TreeNode *keep = currentNode();
+        m_rows->collapseAll();
+        int row = 0;
+        for (const TreeNode *n = keep; n && row == 0; n = n->parent())
+            row = std::max(0, m_rows->indexOf(n));
+        m_tree->rowsChanged(row);
         Q_EMIT stateChanged();
     });
-    for (int id : {HideCompleted, HideNoStatus, HideCheckBox, HideProgressBar})
-        setCommand(id, [this, id] { toggleFilter(id); });
-    setCommand(ShowDueDate, [this] {
-        m_document->showDueDate = !m_document->showDueDate;
-        applyRowStyle();
-    });
-    setCommand(ShowStatistics, [this] {
-        m_document->showStatistics = !m_document->showStatistics;
-        applyRowStyle();
-    });
+    const std::pair<int, VisibilityFilter::Toggle> toggles[] = {
+        {HideCompleted, VisibilityFilter::HideCompleted},   {HideNoStatus, VisibilityFilter::HideNoStatus},
+        {HideCheckBox, VisibilityFilter::HideCheckBox},     {HideProgressBar, VisibilityFilter::HideProgressBar},
+        {ShowDueDate, VisibilityFilter::ShowDueDate},       {ShowStatistics, VisibilityFilter::ShowStatistics},
+    };
+    for (auto [id, toggle] : toggles)
+        setCommand(id, [this, toggle = toggle] { toggleFilter(toggle); });
     setCommand(NoteWindow, [this] {
         storeNote();
         m_document->showNoteWindow = !m_document->showNoteWindow;
@@ -409,14 +401,19 @@ void DocumentView::registerCommands()
         m_recordingToolbar = !m_recordingToolbar;
         m_notes->setRecordingToolbarVisible(m_recordingToolbar);
     });
-    setCommand(DefaultView, [this] { setViewMode(Document::DefaultView); });
+    for (int m = 0; m < 4; ++m)
+        setCommand(DefaultView + m, [this, m] { setViewMode(quint16(m)); });
 
     // The item menu.
     setCommand(Rename, [this] { m_tree->startRename(); });
     for (int p = 1; p <= 20; ++p) {
         setCommand(Priority1 + p - 1, onItem([this, p](Item *item) {
                        Editing::setPriority(item, quint16(p));
-                       refresh(item);
+                       const bool sorted = item->parent() && item->parent()->sort() == TreeNode::SortPriority;
+                       if (sorted || m_rows->isGrouped())
+                           refresh(item);
+                       else
+                           m_tree->viewport()->update();
                    }));
     }
     setCommand(ChangeIcon, onItem([this](Item *item) {
@@ -452,7 +449,12 @@ void DocumentView::registerCommands()
     setCommand(OrderManual, [this] { orderChildren(TreeNode::SortManual); });
     setCommand(Ascending, [this] { setDirection(true); });
     setCommand(Descending, [this] { setDirection(false); });
-    setCommand(CreateCopy, onItem([this](Item *item) { refresh(Editing::createCopy(item)); }));
+    setCommand(CreateCopy, onItem([this](Item *item) {
+                   Item *copy = Editing::createCopy(item);
+                   const int row = m_rows->itemInserted(copy);
+                   m_tree->rowsChanged(row >= 0 ? row : m_tree->currentRow());
+                   Q_EMIT stateChanged();
+               }));
     setCommand(MarkMove, onItem([this](Item *item) { m_clip.markMove(item); }));
     setCommand(MarkCopy, onItem([this](Item *item) {
                    m_clip.markCopy(item);
@@ -465,17 +467,17 @@ void DocumentView::registerCommands()
 
 void DocumentView::showItemMenu(int row, const QPoint &globalPos)
 {
-    if (row < 0 || row >= m_rows.count())
+    if (row < 0 || row >= m_rows->count())
         return;
     m_tree->setCurrentRow(row);
-    const RowList::Row &r = m_rows.at(row);
+    const ViewRows::Row &r = m_rows->row(row);
     ItemMenu::State state;
-    state.kind = r.kind == RowList::Kind::Item ? ItemMenu::RowKind::Item : ItemMenu::RowKind::Title;
-    state.grouped = m_document->viewMode != Document::DefaultView;
-    state.node = r.node;
+    state.kind = r.kind == ViewRows::Kind::Item ? ItemMenu::RowKind::Item : ItemMenu::RowKind::Title;
+    state.grouped = m_rows->isGrouped();
+    state.node = r.kind == ViewRows::Kind::Heading ? nullptr : r.node;
     state.viewOrder = m_document->viewOrder;
     state.viewAscending = m_document->viewAscending;
-    state.canPaste = m_clip.canPaste(r.node);
+    state.canPaste = !state.grouped && m_clip.canPaste(r.node);
     QMenu *menu = ItemMenu::build(state, this);
     const auto actions = menu->findChildren<QAction *>();
     for (QAction *action : actions) {
@@ -516,6 +518,17 @@ void DocumentView::onStatusTapped(Item *item, const QPoint &globalPos)
 
 void DocumentView::afterProgressChange(Item *item)
 {
+    // Rows only move when a filter may hide the item, a grouped view may file
+    // it elsewhere, or an ancestor orders its children by percent complete;
+    // otherwise a repaint shows the new values without rebuilding a long list.
+    bool rowsMayMove = m_rows->isGrouped() || VisibilityFilter(*m_document).isActive();
+    for (TreeNode *n = item->parent(); n && !rowsMayMove; n = n->parent())
+        rowsMayMove = n->sort() == TreeNode::SortPercentComplete;
+    if (!rowsMayMove) {
+        m_tree->viewport()->update();
+        Q_EMIT stateChanged();
+        return;
+    }
     {
         WaitCursor wait;
         Progress::resortAncestors(item);
@@ -525,7 +538,7 @@ void DocumentView::afterProgressChange(Item *item)
 
 void DocumentView::onDrop(Item *dragged, TreeNode *target)
 {
-    if (m_document->viewMode != Document::DefaultView || !Editing::drop(dragged, target)) {
+    if (m_rows->isGrouped() || !Editing::drop(dragged, target)) {
         m_tree->viewport()->update();
         return;
     }
@@ -552,7 +565,10 @@ void DocumentView::insertNewItem(Item *item, InsertPosition position)
 {
     commitEdits();
     Editing::insertItem(*m_document, item, position);
-    refresh(item);
+    // A grouped view files the item under its heading as well.
+    const int row = m_rows->itemInserted(item);
+    m_tree->rowsChanged(row >= 0 ? row : m_tree->currentRow());
+    Q_EMIT stateChanged();
 }
 
 void DocumentView::paste()
@@ -600,36 +616,24 @@ void DocumentView::moveCurrent(Editing::Move move)
 
 void DocumentView::setViewMode(quint16 mode)
 {
-    TreeNode *keep = currentNode();
-    m_document->viewMode = mode;
-    refresh(keep);
+    WaitCursor wait;
+    const int row = m_rows->setViewMode(mode, currentNode());
+    m_tree->rowsChanged(row >= 0 ? row : 0);
+    Q_EMIT stateChanged();
 }
 
-void DocumentView::toggleFilter(int id)
+void DocumentView::toggleFilter(VisibilityFilter::Toggle toggle)
 {
-    using namespace CommandId;
-    Document &d = *m_document;
-    switch (id) {
-    case HideCompleted:
-        d.hideCompleted = !d.hideCompleted;
-        break;
-    case HideNoStatus:
-        d.hideByStatus ^= Document::HideNoStatus;
-        break;
-    case HideCheckBox:
-        d.hideByStatus ^= Document::HideCheckBox;
-        break;
-    case HideProgressBar:
-        d.hideByStatus ^= Document::HideProgressBar;
-        break;
-    default:
+    const TreeNode *keep = currentNode();
+    if (!m_rows->toggle(toggle)) {
+        applyRowStyle(); // a display option: only the rows' look changes
         return;
     }
-    // A changed filter closes the list down to its top level.
-    TreeNode *keep = currentNode();
-    m_rows.collapseAll();
-    m_tree->rowsChanged();
-    selectNearestShown(keep);
+    // A hide toggle has closed the list down to its top level.
+    int row = 0;
+    for (const TreeNode *n = keep; n && row == 0; n = n->parent())
+        row = std::max(0, m_rows->indexOf(n));
+    m_tree->rowsChanged(row);
     Q_EMIT stateChanged();
 }
 
@@ -647,14 +651,17 @@ void DocumentView::orderChildren(quint16 key)
 
 void DocumentView::setDirection(bool ascending)
 {
+    if (m_rows->isGrouped()) {
+        // A heading's menu orders the whole view.
+        WaitCursor wait;
+        m_rows->setViewOrder(m_document->viewOrder, ascending);
+        m_tree->rowsChanged(m_rows->rebuild(m_tree->currentRow()));
+        Q_EMIT stateChanged();
+        return;
+    }
     TreeNode *node = currentNode();
     if (!node)
         return;
-    if (m_document->viewMode != Document::DefaultView) {
-        m_document->viewAscending = ascending;
-        refresh(node);
-        return;
-    }
     {
         WaitCursor wait;
         ChildOrder::setDirection(node, ascending);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/editing.h"
-#include "shell/rowlist.h"
+#include "views/visibilityfilter.h"
 
 #include <QHash>
 #include <QWidget>
@@ -15,6 +15,7 @@ class QSplitter;
 class QuickEntryBar;
 class Settings;
 class TreePane;
+class ViewRows;
 
 /// The view of the open document: the tree pane, the note pane below or
 /// beside it behind a 7-pixel splitter, and the quick entry bar. It owns the
@@ -32,7 +33,7 @@ public:
     NotePane *notePane() const { return m_notes; }
     QuickEntryBar *quickEntryBar() const { return m_quick; }
     QSplitter *splitter() const { return m_splitter; }
-    RowList *rowList() { return &m_rows; }
+    ViewRows *rows() const { return m_rows.get(); }
     ItemClip &clip() { return m_clip; }
 
     /// Whether a command has a handler here.
@@ -64,7 +65,8 @@ public:
     void applySettings() { applyRowStyle(); }
     /// Opens the item menu for a row at a global position.
     void showItemMenu(int row, const QPoint &globalPos);
-    /// Rebuilds the rows and makes node current (revealing it).
+    /// Rebuilds the rows and makes node current, revealing it; without a
+    /// node (or when the filters hide it) the nearest remaining row.
     void refresh(TreeNode *select = nullptr);
 
 Q_SIGNALS:
@@ -95,17 +97,16 @@ private:
     void deleteCurrent();
     void moveCurrent(Editing::Move move);
     void setViewMode(quint16 mode);
-    void toggleFilter(int id);
+    void toggleFilter(VisibilityFilter::Toggle toggle);
     void orderChildren(quint16 key);
     void setDirection(bool ascending);
-    void selectNearestShown(TreeNode *node);
     Item *currentItem() const;
     TreeNode *currentNode() const;
 
     std::unique_ptr<Document> m_document;
     Settings *m_settings;
     Prompts *m_prompts;
-    RowList m_rows;
+    std::unique_ptr<ViewRows> m_rows;
     ItemClip m_clip;
     TreePane *m_tree = nullptr;
     NotePane *m_notes = nullptr;

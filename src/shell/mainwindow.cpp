@@ -9,7 +9,8 @@
 #include "shell/prompts.h"
 #include "shell/treepane.h"
 #include "shell/waitcursor.h"
-#include "shell/documentstore.h"
+#include "storage/documentfile.h"
+#include "storage/password.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -127,6 +128,7 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
     buildActions();
     m_dialogs = new DialogCommands(this);
     buildListMenus();
+    updateActions();
     qApp->installEventFilter(this);
     resize(900, 680);
     updateTitle();
@@ -158,6 +160,7 @@ void MainWindow::start(const QString &commandLinePath)
     m_settings.load(*m_store);
     m_quickEntryVisible = m_store->value(QString::fromLatin1(QuickEntryKey), 1).toInt() != 0;
     refreshDocumentList();
+    updateTitle();
     if (!commandLinePath.isEmpty())
         m_settings.defFile = QFileInfo(commandLinePath).absoluteFilePath();
     if (!m_settings.defFile.isEmpty())
@@ -182,14 +185,16 @@ void MainWindow::buildActions()
 {
     using namespace CommandId;
     const QStyle *s = style();
-    makeAction(CloseDocument, QStringLiteral("Close Document"))
-        ->setIcon(themeIcon("document-close", QStyle::SP_DialogCloseButton, s));
+    QAction *closeAction = makeAction(CloseDocument, QStringLiteral("Close Document"));
+    closeAction->setIcon(themeIcon("go-home", QStyle::SP_DirHomeIcon, s));
+    closeAction->setIconText(QStringLiteral("Documents"));
+    closeAction->setToolTip(QStringLiteral("Save and close the document, back to the list of documents"));
     makeAction(Exit, QStringLiteral("Exit"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     makeAction(About, QStringLiteral("About..."))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_A));
     QAction *newAction = makeAction(New, QStringLiteral("New"));
     newAction->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_N), QKeySequence(Qt::CTRL | Qt::Key_I)});
-    newAction->setIcon(themeIcon("document-new", QStyle::SP_FileIcon, s));
-    makeAction(Refresh, QStringLiteral("Refresh"))->setIcon(themeIcon("view-refresh", QStyle::SP_BrowserReload, s));
+    newAction->setToolTip(QStringLiteral("New (Ctrl+N)"));
+    makeAction(Refresh, QStringLiteral("Refresh"));
     makeAction(ImportText, QStringLiteral("Import..."));
 
     makeAction(MoveUp, QStringLiteral("Move Up"))->setIcon(themeIcon("go-up", QStyle::SP_ArrowUp, s));
@@ -218,8 +223,8 @@ void MainWindow::buildActions()
     checkable(NoteWindow, "Note Window");
     checkable(CommandId::QuickEntryBar, "Quick Entry Bar");
     checkable(RecordingToolbar, "Recording Toolbar");
-    makeAction(ExpandAll, QStringLiteral("Expand All"));
-    makeAction(CollapseAll, QStringLiteral("Collapse All"));
+    makeAction(ExpandAll, QStringLiteral("Expand All"))->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
+    makeAction(CollapseAll, QStringLiteral("Collapse All"))->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
 
     makeAction(FindItem, QStringLiteral("Find Item..."))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     makeAction(FindResult, QStringLiteral("Find Result..."));
@@ -254,10 +259,7 @@ void MainWindow::buildListMenus()
     tools->addAction(m_actions[About]);
     connect(tools, &QMenu::aboutToShow, this, &MainWindow::updateActions);
 
-    m_toolBar->clear();
-    m_toolBar->addAction(m_actions[New]);
-    m_toolBar->addAction(m_actions[Refresh]);
-    m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_toolBar->hide();
 }
 
 QMenu *MainWindow::buildMoveMenu(QWidget *parent)
@@ -338,16 +340,18 @@ void MainWindow::buildViewMenus()
         connect(menu, &QMenu::aboutToShow, this, &MainWindow::updateActions);
 
     m_toolBar->clear();
-    m_toolBar->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_toolBar->show();
     m_toolBar->addAction(m_actions[CloseDocument]);
     m_toolBar->addAction(m_actions[Save]);
-    m_toolBar->addSeparator();
-    m_toolBar->addAction(m_actions[New]);
     m_toolBar->addSeparator();
     m_toolBar->addAction(m_actions[MoveUp]);
     m_toolBar->addAction(m_actions[MoveDown]);
     m_toolBar->addAction(m_actions[UpALevel]);
     m_toolBar->addAction(m_actions[DownALevel]);
+    m_toolBar->addSeparator();
+    m_toolBar->addAction(m_actions[ExpandAll]);
+    m_toolBar->addAction(m_actions[CollapseAll]);
     // The property, note, links and branch buttons join when their windows
     // exist.
     for (int id : {ModifyItem, ModifyNote, CommandId::Links, BranchView}) {
@@ -447,6 +451,8 @@ void MainWindow::refreshDocumentList()
     }
     if (m_list->topLevelItemCount() > 0 && !m_list->currentItem())
         m_list->setCurrentItem(m_list->topLevelItem(0));
+    if (!m_view)
+        updateTitle();
 }
 
 void MainWindow::onListActivated()
@@ -477,19 +483,19 @@ bool MainWindow::openDocument(const QString &path)
     if (m_view)
         closeDocument();
     auto document = std::make_unique<Document>();
-    int result = 0;
+    DocumentFile::LoadResult result = DocumentFile::Damaged;
     {
         WaitCursor wait;
-        result = DocumentStore::load(path, document.get());
+        result = DocumentFile::load(path, document.get());
     }
-    if (result != 0) {
-        m_prompts->message(this, Prompts::Icon::Stop, DocumentStore::loadMessage(result, path));
+    if (result != DocumentFile::Loaded) {
+        m_prompts->message(this, Prompts::Icon::Stop, DocumentFile::loadMessage(result, path));
         return false;
     }
     if (!document->passwordHash.isEmpty()) {
         const QByteArray hash = document->passwordHash;
         const bool accepted = m_prompts->askPassword(
-            this, [&hash](const QString &password) { return DocumentStore::passwordMatches(hash, password); });
+            this, [&hash](const QString &password) { return Password::matches(hash, password); });
         if (!accepted)
             return false;
     }
@@ -516,7 +522,7 @@ bool MainWindow::createDocument()
     bool saved = false;
     {
         WaitCursor wait;
-        saved = DocumentStore::save(*document);
+        saved = DocumentFile::save(*document);
     }
     if (!saved) {
         m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
@@ -544,6 +550,7 @@ void MainWindow::closeDocument()
     saveSettings();
     buildListMenus();
     refreshDocumentList();
+    updateTitle();
     for (int i = 0; i < m_list->topLevelItemCount(); ++i) {
         QTreeWidgetItem *entry = m_list->topLevelItem(i);
         if (QFileInfo(entry->data(0, Qt::UserRole).toString()) == QFileInfo(path))
@@ -584,7 +591,8 @@ void MainWindow::updateTitle()
     const QString caption = QString::fromLatin1(Messages::Caption);
     if (!m_view) {
         setWindowTitle(caption);
-        m_status->setText(QStringLiteral("%1 document(s)").arg(m_list->topLevelItemCount()));
+        const int count = m_list->topLevelItemCount();
+        m_status->setText(count == 1 ? QStringLiteral("1 document") : QStringLiteral("%1 documents").arg(count));
         return;
     }
     const QFileInfo info(m_view->document()->path);

@@ -46,9 +46,15 @@ QHash<QString, ScriptedPrompts::ActionState> ScriptedPrompts::actionStates(QMenu
     QHash<QString, ActionState> states;
     const auto actions = menu->findChildren<QAction *>();
     for (QAction *action : actions) {
-        if (!action->objectName().isEmpty())
-            states.insert(action->objectName(),
-                          {action->isEnabled(), action->isCheckable(), action->isChecked(), action->text()});
+        if (action->objectName().isEmpty())
+            continue;
+        // An entry of a greyed submenu cannot be reached: it counts as greyed.
+        bool enabled = action->isEnabled();
+        for (QObject *o = action->parent(); o && o != menu; o = o->parent()) {
+            if (auto *sub = qobject_cast<QMenu *>(o); sub && !sub->menuAction()->isEnabled())
+                enabled = false;
+        }
+        states.insert(action->objectName(), {enabled, action->isCheckable(), action->isChecked(), action->text()});
     }
     return states;
 }
@@ -64,12 +70,7 @@ QAction *ScriptedPrompts::popupMenu(QMenu *menu, const QPoint &)
     const QString name = menuChoices.dequeue();
     QAction *action = name.isEmpty() ? nullptr : menu->findChild<QAction *>(name);
     // A greyed entry, or one in a greyed submenu, cannot be chosen.
-    for (QObject *o = action; o && o != menu; o = o->parent()) {
-        auto *sub = qobject_cast<QMenu *>(o);
-        if (sub && !sub->menuAction()->isEnabled())
-            action = nullptr;
-    }
-    if (!action || !action->isEnabled())
+    if (!action || !lastMenu.value(name).enabled)
         return nullptr;
     action->trigger();
     return action;

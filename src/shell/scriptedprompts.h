@@ -59,7 +59,8 @@ public:
     /// Called with each URL handed to openUrl: stands for the application
     /// that the desktop would start (a word processor editing a file).
     std::function<void(const QUrl &)> whenOpened;
-    /// Every named action of the last popup menu and its submenus.
+    /// Every named action of the last popup menu and its submenus; an entry
+    /// of a greyed submenu counts as greyed.
     QHash<QString, ActionState> lastMenu;
     /// The texts of the last popup menu's top-level entries, in order
     /// ("-" for separators).

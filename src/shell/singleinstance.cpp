@@ -19,9 +19,13 @@ SingleInstance::~SingleInstance() = default;
 
 QString SingleInstance::defaultName()
 {
-    // One name per user: the user's home folder tells users apart on every
-    // platform, without depending on an environment variable.
-    const QByteArray user = QCryptographicHash::hash(QDir::homePath().toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
+    // One name per user: the home folder tells users apart on every platform.
+    return nameForHome(QDir::homePath());
+}
+
+QString SingleInstance::nameForHome(const QString &home)
+{
+    const QByteArray user = QCryptographicHash::hash(home.toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
     return QString::fromLatin1(ClassName) + QLatin1Char('-') + QString::fromLatin1(user);
 }
 

@@ -16,6 +16,8 @@ public:
     ~SingleInstance() override;
 
     static QString defaultName();
+    /// The name for the user whose home folder is home.
+    static QString nameForHome(const QString &home);
     QString name() const { return m_name; }
 
     /// Sends path (possibly empty) to a running instance; true when one

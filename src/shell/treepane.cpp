@@ -3,7 +3,7 @@
 #include "model/document.h"
 #include "model/editing.h"
 #include "model/item.h"
-#include "shell/rowlist.h"
+#include "views/viewrows.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -18,6 +18,8 @@ constexpr int LongPressMs = 650;
 constexpr int AutoScrollMs = 60;
 constexpr int RenameMaxLength = 95;
 constexpr quint16 RootIcon = 17;
+// Items of a grouped view sit one level below their heading, drawn flat.
+constexpr int GroupedItemState = RowPainter::Flat;
 } // namespace
 
 TreePane::TreePane(QWidget *parent) : QAbstractScrollArea(parent)
@@ -39,13 +41,21 @@ TreePane::TreePane(QWidget *parent) : QAbstractScrollArea(parent)
 
 TreePane::~TreePane() = default;
 
-void TreePane::setRowList(RowList *rows)
+void TreePane::setRows(ViewRows *rows)
 {
     m_rows = rows;
     m_current = 0;
-    m_currentNode = rows && rows->count() > 0 ? rows->at(0).node : nullptr;
+    m_currentIdentity = identityOf(0);
     verticalScrollBar()->setValue(0);
-    rowsChanged();
+    rowsChanged(0);
+}
+
+const void *TreePane::identityOf(int row) const
+{
+    if (!m_rows || row < 0 || row >= m_rows->count())
+        return nullptr;
+    const ViewRows::Row &r = m_rows->row(row);
+    return r.kind == ViewRows::Kind::Heading ? static_cast<const void *>(r.heading) : r.node;
 }
 
 void TreePane::setRowStyle(const RowStyle &style)
@@ -58,28 +68,23 @@ void TreePane::setRowStyle(const RowStyle &style)
 
 TreeNode *TreePane::currentNode() const
 {
-    return m_rows && m_current >= 0 && m_current < m_rows->count() ? m_rows->at(m_current).node : nullptr;
+    return m_rows && m_current >= 0 && m_current < m_rows->count() ? m_rows->row(m_current).node : nullptr;
 }
 
-void TreePane::rowsChanged()
+void TreePane::rowsChanged(int current)
 {
     if (m_editor)
         finishRename(false);
     const int count = m_rows ? m_rows->count() : 0;
-    if (count == 0) {
-        m_current = -1;
-    } else if (m_currentNode && (m_current >= count || m_rows->at(m_current).node != m_currentNode)) {
-        const int row = m_rows->indexOf(m_currentNode);
-        m_current = row >= 0 ? row : std::clamp(m_current, 0, count - 1);
-    } else {
-        m_current = std::clamp(m_current, 0, count - 1);
-    }
+    m_current = count == 0 ? -1 : std::clamp(current, 0, count - 1);
     updateScrollRange();
-    const TreeNode *before = m_currentNode;
-    m_currentNode = currentNode();
+    if (m_current >= 0)
+        scrollToRow(m_current);
     viewport()->update();
-    if (before != m_currentNode)
-        Q_EMIT currentChanged(m_currentNode);
+    const void *before = m_currentIdentity;
+    m_currentIdentity = identityOf(m_current);
+    if (before != m_currentIdentity)
+        Q_EMIT currentChanged(currentNode());
 }
 
 void TreePane::setCurrentRow(int row)
@@ -87,13 +92,13 @@ void TreePane::setCurrentRow(int row)
     if (!m_rows || m_rows->count() == 0)
         return;
     row = std::clamp(row, 0, m_rows->count() - 1);
-    const bool changed = row != m_current || m_rows->at(row).node != m_currentNode;
+    const bool changed = identityOf(row) != m_currentIdentity;
     m_current = row;
-    m_currentNode = m_rows->at(row).node;
+    m_currentIdentity = identityOf(row);
     scrollToRow(row);
     viewport()->update();
     if (changed)
-        Q_EMIT currentChanged(m_currentNode);
+        Q_EMIT currentChanged(currentNode());
 }
 
 bool TreePane::setCurrentNode(const TreeNode *node)
@@ -150,6 +155,8 @@ QRect TreePane::rowRect(int row) const
 int TreePane::statePainted(int row) const
 {
     int state = 0;
+    if (m_rows->isGrouped() && m_rows->row(row).kind == ViewRows::Kind::Item)
+        state |= GroupedItemState;
     if (row == m_current) {
         state |= RowPainter::Selected;
         if (hasFocus() || (m_editor && m_editor->hasFocus()))
@@ -160,8 +167,8 @@ int TreePane::statePainted(int row) const
 
 RowGeometry TreePane::rowGeometry(int row) const
 {
-    const RowList::Row &r = m_rows->at(row);
-    if (r.kind == RowList::Kind::Item)
+    const ViewRows::Row &r = m_rows->row(row);
+    if (r.kind == ViewRows::Kind::Item)
         return m_painter->itemGeometry(rowRect(row), r.node->asItem(), r.level, 0, statePainted(row));
     return m_painter->titleGeometry(rowRect(row), r.level, 0);
 }
@@ -174,13 +181,16 @@ void TreePane::paintEvent(QPaintEvent *)
     const int count = m_rows ? m_rows->count() : 0;
     int y = 0;
     for (int row = firstVisibleRow(); row < count && y < viewport()->height(); ++row, y += h) {
-        const RowList::Row &r = m_rows->at(row);
+        const ViewRows::Row &r = m_rows->row(row);
         const QRect rect(0, y, viewport()->width(), h);
         const int state = statePainted(row);
-        if (r.kind == RowList::Kind::Item)
+        if (r.kind == ViewRows::Kind::Item) {
             m_painter->paintItem(&p, rect, r.node->asItem(), r.level, 0, state);
-        else
-            m_painter->paintTitle(&p, rect, r.node, RootIcon, r.level, 0, state);
+        } else {
+            const quint16 icon = r.kind == ViewRows::Kind::Heading ? r.heading->icon() : RootIcon;
+            m_painter->paintTitle(&p, rect, m_rows->text(row), icon, r.expandable, m_rows->isExpanded(row),
+                                  r.level, 0, state);
+        }
         if (m_dragging && row == m_dropRow) {
             p.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), 2));
             p.setBrush(Qt::NoBrush);
@@ -201,16 +211,20 @@ void TreePane::resizeEvent(QResizeEvent *event)
 
 void TreePane::toggleRow(int row)
 {
-    if (!m_rows || row < 0 || row >= m_rows->count())
+    if (!m_rows || row < 0 || row >= m_rows->count() || !m_rows->row(row).expandable)
         return;
-    TreeNode *node = m_rows->at(row).node;
-    if (!node->hasChildren())
-        return;
-    if (node->isExpanded())
-        m_rows->collapse(row);
-    else
-        m_rows->expand(row);
-    rowsChanged();
+    const bool expand = !m_rows->isExpanded(row);
+    const int changed = m_rows->setExpanded(row, expand);
+    // The current row keeps its node: it moves with the rows added or
+    // removed above it, or falls back to the row that closed over it.
+    int current = m_current;
+    if (current > row) {
+        if (expand)
+            current += changed;
+        else
+            current = current <= row + changed ? row : current - changed;
+    }
+    rowsChanged(current);
     Q_EMIT expansionChanged();
 }
 
@@ -242,7 +256,7 @@ void TreePane::mousePressEvent(QMouseEvent *event)
         toggleRow(row);
         break;
     case RowGeometry::Status:
-        if (Item *item = m_rows->at(row).node->asItem())
+        if (Item *item = currentNode() ? currentNode()->asItem() : nullptr)
             Q_EMIT statusTapped(item, viewport()->mapToGlobal(pos));
         break;
     default:
@@ -265,8 +279,9 @@ int TreePane::dropRowAt(const QPoint &pos) const
     const int row = rowAt(pos);
     if (row < 0)
         return -1;
-    const RowList::Row &from = m_rows->at(m_pressRow);
-    return Editing::canDrop(from.node->asItem(), m_rows->at(row).node) ? row : -1;
+    const ViewRows::Row &from = m_rows->row(m_pressRow);
+    const ViewRows::Row &to = m_rows->row(row);
+    return from.node && to.node && Editing::canDrop(from.node->asItem(), to.node) ? row : -1;
 }
 
 void TreePane::mouseMoveEvent(QMouseEvent *event)
@@ -278,7 +293,7 @@ void TreePane::mouseMoveEvent(QMouseEvent *event)
     if (!m_dragging) {
         if ((pos - m_pressPos).manhattanLength() < QApplication::startDragDistance())
             return;
-        if (m_rows->at(m_pressRow).kind != RowList::Kind::Item)
+        if (m_rows->row(m_pressRow).kind != ViewRows::Kind::Item)
             return;
         m_longPress.stop();
         m_dragging = true;
@@ -318,9 +333,11 @@ void TreePane::mouseReleaseEvent(QMouseEvent *event)
     m_dropRow = -1;
     viewport()->update();
     const int row = rowAt(event->position().toPoint());
-    Item *dragged = m_pressRow >= 0 && m_pressRow < m_rows->count() ? m_rows->at(m_pressRow).node->asItem() : nullptr;
+    Item *dragged = m_pressRow >= 0 && m_pressRow < m_rows->count() && m_rows->row(m_pressRow).node
+                        ? m_rows->row(m_pressRow).node->asItem()
+                        : nullptr;
     if (dragged)
-        Q_EMIT dropRequested(dragged, row >= 0 ? m_rows->at(row).node : nullptr);
+        Q_EMIT dropRequested(dragged, row >= 0 ? m_rows->row(row).node : nullptr);
 }
 
 void TreePane::mouseDoubleClickEvent(QMouseEvent *event)
@@ -359,6 +376,8 @@ void TreePane::keyPressEvent(QKeyEvent *event)
         return QAbstractScrollArea::keyPressEvent(event);
     const int row = m_current;
     TreeNode *node = currentNode();
+    if (row < 0)
+        return QAbstractScrollArea::keyPressEvent(event);
     switch (event->key()) {
     case Qt::Key_Up:
         setCurrentRow(row - 1);
@@ -379,16 +398,15 @@ void TreePane::keyPressEvent(QKeyEvent *event)
         setCurrentRow(m_rows->count() - 1);
         break;
     case Qt::Key_Left:
-        if (node && node->isExpanded()) {
+        if (m_rows->row(row).expandable && m_rows->isExpanded(row))
             toggleRow(row);
-        } else if (node && node->parent()) {
-            setCurrentNode(node->parent());
-        }
+        else if (m_rows->parentIndex(row) >= 0)
+            setCurrentRow(m_rows->parentIndex(row));
         break;
     case Qt::Key_Right:
-        if (node && node->hasChildren() && !node->isExpanded())
+        if (m_rows->row(row).expandable && !m_rows->isExpanded(row))
             toggleRow(row);
-        else if (node && node->hasChildren())
+        else if (m_rows->row(row).expandable)
             setCurrentRow(row + 1);
         break;
     case Qt::Key_Space:

@@ -10,7 +10,8 @@
 
 class Item;
 #include <QLineEdit>
-class RowList;
+class GroupHeading;
+class ViewRows;
 class TreeNode;
 
 /// The tree pane: a flat list of rows drawn by the row painter. Only the rows
@@ -22,19 +23,22 @@ public:
     explicit TreePane(QWidget *parent = nullptr);
     ~TreePane() override;
 
-    void setRowList(RowList *rows);
-    RowList *rowList() const { return m_rows; }
+    void setRows(ViewRows *rows);
+    ViewRows *rows() const { return m_rows; }
     void setRowStyle(const RowStyle &style);
     const RowPainter &rowPainter() const { return *m_painter; }
 
-    /// Call after the row list changed: keeps the current node when it is
-    /// still shown, updates the scroll range and repaints.
-    void rowsChanged();
+    /// Call after the rows changed, with the row to make current: updates
+    /// the scroll range, repaints, and tells when the current row now shows
+    /// another node or heading.
+    void rowsChanged(int current);
     int currentRow() const { return m_current; }
+    /// The node of the current row: the root for the top row, null for a
+    /// group heading.
     TreeNode *currentNode() const;
     /// Makes a row current (clamped), scrolls it into view, and tells.
     void setCurrentRow(int row);
-    /// Makes node's row current when it has one.
+    /// Makes node's row current when it has one (revealing nothing).
     bool setCurrentNode(const TreeNode *node);
     void scrollToRow(int row);
     int firstVisibleRow() const;
@@ -86,11 +90,13 @@ private:
     void onLongPress();
     int dropRowAt(const QPoint &pos) const;
 
-    RowList *m_rows = nullptr;
+    const void *identityOf(int row) const;
+
+    ViewRows *m_rows = nullptr;
     std::unique_ptr<RowPainter> m_painter;
     RowStyle m_style;
     int m_current = 0;
-    TreeNode *m_currentNode = nullptr;
+    const void *m_currentIdentity = nullptr;
 
     // Press, long press and drag.
     int m_pressRow = -1;

@@ -24,6 +24,8 @@ constexpr quint32 MaxTaskTimeUnits = 7;
 // Version 410 stores fixed-size records.
 constexpr qint64 LegacyRecordSize = 392;
 constexpr int LegacyLinkUnits = 260;
+// The smallest item entry (version 500, every string empty).
+constexpr qint64 MinEntrySize = 84;
 constexpr quint16 LegacyImageBase = 796;
 
 QString g_legacyFolder;
@@ -33,11 +35,11 @@ QString legacyLink(const QString &link)
 {
     if (Item::isItemLink(link))
         return link;
-    // Links made on the handheld name its documents folder; links made here
-    // name ours. Either way the link keeps what follows the folder, which is
-    // how file links inside the documents folder are stored today.
-    static const QLatin1String handheldFolder("\\My Documents");
-    if (link.startsWith(handheldFolder, Qt::CaseInsensitive)) {
+    // Version 410 files name the documents folder "\My Documents"; a link
+    // into our own documents folder is treated the same. The link keeps what
+    // follows the folder, which is how file links inside it are stored today.
+    static const QLatin1String legacyFolder("\\My Documents");
+    if (link.startsWith(legacyFolder, Qt::CaseInsensitive)) {
         const qsizetype slash = link.indexOf(QLatin1Char('\\'), 1);
         return slash < 0 ? link : link.mid(slash + 1);
     }
@@ -68,7 +70,13 @@ qint64 linkNumber(const QString &link)
 /// and the Expanded flags need, and finishes the tree at the end.
 class TreeBuilder {
 public:
-    TreeBuilder(TreeNode *root, bool legacy) : m_root(root), m_parent(root), m_legacy(legacy) {}
+    /// maxEntries bounds how many entries the bytes left can hold.
+    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_parent(root), m_legacy(legacy)
+    {
+        // Reserved, not touched: pages never written cost no memory, and
+        // the list never has to be copied while it grows.
+        m_numbered.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
+    }
 
     /// Appends item under the parent its depth names; false (item not placed)
     /// when the depth is impossible.
@@ -95,7 +103,7 @@ public:
         m_depth = depth;
         m_parent->appendChild(item);
         m_last = item;
-        m_numbers.push_back(number);
+        m_numbered.emplace_back(number, item);
         return true;
     }
 
@@ -128,13 +136,9 @@ public:
         }
         if (currentNumber >= 1)
             wanted.insert(quint32(currentNumber), nullptr);
-        // The tree's pre-order is the file's order, so the walk meets the
-        // Items in the order their numbers were read; a later equal number
-        // replaces an earlier one.
-        TreeWalker walker(m_root);
-        size_t index = 0;
-        while (Item *item = walker.next()) {
-            const auto found = wanted.find(m_numbers[index++]);
+        // In file order, so a later equal number replaces an earlier one.
+        for (const auto &[number, item] : m_numbered) {
+            const auto found = wanted.find(number);
             if (found != wanted.end())
                 *found = item;
         }
@@ -153,12 +157,11 @@ public:
     }
 
 private:
-    TreeNode *m_root;
     TreeNode *m_parent;
     Item *m_last = nullptr;
     quint32 m_depth = 1;
     bool m_legacy;
-    std::vector<quint32> m_numbers;
+    std::vector<std::pair<quint32, Item *>> m_numbered; // in file order
     std::vector<TreeNode *> m_expanded;
     std::vector<Item *> m_withItemLinks;
 };
@@ -292,7 +295,7 @@ DocumentFile::LoadResult readCurrent(ByteReader &in, quint32 version, Document *
 
     doc->setRoot(std::make_unique<TreeNode>());
     TreeNode *root = doc->root();
-    TreeBuilder builder(root, false);
+    TreeBuilder builder(root, false, in.bytesLeft() / MinEntrySize);
     const NodeRecord rootRecord = readNodeRecord(in, version);
     if (!in.ok())
         return DocumentFile::Damaged;
@@ -325,7 +328,7 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
 
     doc->setRoot(std::make_unique<TreeNode>(title));
     TreeNode *root = doc->root();
-    TreeBuilder builder(root, true);
+    TreeBuilder builder(root, true, in.bytesLeft() / LegacyRecordSize);
     Item *current = nullptr;
     while (!in.atEnd()) {
         if (in.bytesLeft() < LegacyRecordSize)
@@ -357,6 +360,8 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
         if (!in.ok() || quint32(taskTime.size()) > MaxTaskTimeUnits)
             return DocumentFile::Damaged;
 
+        // The record's values are taken as they are: the 0xFFFF rules of the
+        // later versions do not apply to this layout.
         auto item = std::make_unique<Item>(name, quint16(icon + LegacyImageBase), created);
         if (itemFlags & (1u << 2))
             builder.expandLater(item.get());
@@ -418,64 +423,70 @@ DocumentFile::LoadResult loadFrom(ByteReader &in, Document *doc)
 /// unique in the file but not in file order.
 class Numbering {
 public:
-    /// Link targets are looked up among the Items of scope (the document's
-    /// whole tree), so a target outside a written branch still gets a number.
-    Numbering(const TreeNode *scope, const TreeNode *written)
+    /// Link targets must be Items of scope (the document's whole tree), so a
+    /// target outside a written branch still gets a number while one removed
+    /// from the tree, or of another document, is written as a dead link.
+    explicit Numbering(const TreeNode *scope) { m_live.insert(scope); }
+
+    /// The current Item is numbered first, before anything is written.
+    quint32 numberFirst(const Item *item)
     {
-        // Only link targets and the current Item need remembering; every
-        // other Item takes the next number when it is written.
-        TreeWalker walker(written);
-        while (const Item *item = walker.next()) {
-            if (item->links().isEmpty())
-                continue;
-            for (const QString &link : item->links()) {
-                if (const Item *target = Item::fromHandle(Item::handleOfLink(link)))
-                    m_targets.insert(target, 0);
-            }
-        }
-        if (m_targets.isEmpty())
-            return;
-        // A handle may name an Item of another document or one since
-        // removed from this tree: such a link is written dead.
-        QSet<const Item *> live;
-        TreeWalker all(scope);
-        while (const Item *item = all.next()) {
-            if (m_targets.contains(item))
-                live.insert(item);
-        }
-        for (auto it = m_targets.begin(); it != m_targets.end();) {
-            it = live.contains(it.key()) ? std::next(it) : m_targets.erase(it);
-        }
+        m_first = item;
+        return numberOf(item);
     }
 
     quint32 numberOf(const Item *item)
     {
-        if (m_targets.isEmpty())
+        if (item == m_first && m_firstNumber)
+            return m_firstNumber;
+        if (item == m_first)
+            return m_firstNumber = m_next++;
+        // Only an Item that has a handle can be named by a link, so only such
+        // Items need remembering; the rest take the next number.
+        if (!item->hasHandle())
             return m_next++;
-        const auto found = m_targets.find(item);
-        if (found == m_targets.end())
-            return m_next++;
-        if (!*found)
-            *found = m_next++;
+        auto found = m_numbers.find(item);
+        if (found == m_numbers.end())
+            found = m_numbers.insert(item, m_next++);
         return *found;
-    }
-    void giveFirst(const Item *item)
-    {
-        const quint32 number = m_next++;
-        m_targets.insert(item, number);
     }
     QString fileLink(const QString &link)
     {
         if (!Item::isItemLink(link))
             return link;
         const Item *target = Item::fromHandle(Item::handleOfLink(link));
-        if (!target || !m_targets.contains(target))
+        if (!target || !isLive(target))
             return QStringLiteral("!0");
         return QLatin1Char('!') + QString::number(numberOf(target));
     }
 
 private:
-    QHash<const Item *, quint32> m_targets;
+    // Climbs from node until a node known to be in scope (live) or the top of
+    // another tree (dead); what the climb passed is remembered either way, so
+    // every node is climbed over at most once however deep the tree.
+    bool isLive(const TreeNode *node)
+    {
+        std::vector<const TreeNode *> path;
+        bool live = false;
+        for (const TreeNode *up = node; up; up = up->parent()) {
+            if (m_live.contains(up)) {
+                live = true;
+                break;
+            }
+            if (m_dead.contains(up))
+                break;
+            path.push_back(up);
+        }
+        for (const TreeNode *passed : path)
+            (live ? m_live : m_dead).insert(passed);
+        return live;
+    }
+
+    QHash<const Item *, quint32> m_numbers;
+    const Item *m_first = nullptr;
+    quint32 m_firstNumber = 0;
+    QSet<const TreeNode *> m_live;
+    QSet<const TreeNode *> m_dead;
     quint32 m_next = 1;
 };
 
@@ -533,15 +544,14 @@ void writeEntries(ByteWriter &out, const TreeNode *top, Numbering *numbering)
 bool writeDocument(ByteWriter &out, const Document &doc)
 {
     const TreeNode *root = doc.root();
-    Numbering numbering(root, root);
+    Numbering numbering(root);
     quint32 currentNumber = 0;
     const Item *current = doc.currentItem();
     const TreeNode *top = current;
     while (top && top->parent())
         top = top->parent();
     if (current && top == root) {
-        numbering.giveFirst(current);
-        currentNumber = numbering.numberOf(current);
+        currentNumber = numbering.numberFirst(current);
     }
     writeHeader(out, doc, currentNumber);
     writeNodeRecord(out, root);
@@ -551,7 +561,7 @@ bool writeDocument(ByteWriter &out, const Document &doc)
 
 bool writeBranch(ByteWriter &out, const Document &doc, const TreeNode *node)
 {
-    Numbering numbering(doc.root(), node);
+    Numbering numbering(doc.root());
     writeHeader(out, doc, 0);
     writeNodeRecord(out, node);
     writeEntries(out, node, &numbering);
@@ -593,6 +603,7 @@ QByteArray DocumentFile::toBytes(const Document &document)
     ByteWriter out;
     if (document.root())
         writeDocument(out, document);
+    out.finish();
     return out.bytes();
 }
 
@@ -648,7 +659,7 @@ DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *
     in.skip(8); // ViewMode, ViewOrder, HideByStatus
     in.u32();   // CurrentNumber
     TreeNode importedRoot;
-    TreeBuilder builder(&importedRoot, false);
+    TreeBuilder builder(&importedRoot, false, in.bytesLeft() / MinEntrySize);
     const NodeRecord rootRecord = readNodeRecord(in, version);
     if (!in.ok())
         return Damaged;

@@ -213,16 +213,24 @@ bool Settings::save(QSettings &store) const
     return store.status() == QSettings::NoError;
 }
 
+std::unique_ptr<QSettings> Settings::openUserStore()
+{
+#ifdef Q_OS_WIN
+    // The key itself, not the organisation-and-application key below it.
+    return std::make_unique<QSettings>(QStringLiteral("HKEY_CURRENT_USER\\Software\\Quillbox"),
+                                       QSettings::NativeFormat);
+#else
+    return std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillbox"),
+                                       QStringLiteral("Quillbox"));
+#endif
+}
+
 bool Settings::loadUserStore()
 {
-    QSettings store(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillbox"),
-                    QStringLiteral("Quillbox"));
-    return load(store);
+    return load(*openUserStore());
 }
 
 bool Settings::saveUserStore() const
 {
-    QSettings store(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillbox"),
-                    QStringLiteral("Quillbox"));
-    return save(store);
+    return save(*openUserStore());
 }

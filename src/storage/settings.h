@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <QtGlobal>
+#include <memory>
 
 class QSettings;
 
@@ -76,6 +77,9 @@ public:
     /// caller shows nothing.
     bool save(QSettings &store) const;
 
+    /// The user's own store: "HKEY_CURRENT_USER\Software\Quillbox" on
+    /// Windows, ~/.config/Quillbox/Quillbox.conf on Linux.
+    static std::unique_ptr<QSettings> openUserStore();
     bool loadUserStore();
     bool saveUserStore() const;
 

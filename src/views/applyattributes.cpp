@@ -87,12 +87,6 @@ void apply(TreeNode *target, const AttributeSet &set)
         parents.push_back(parent);
         for (Item *child : parent->children())
             setOn(child, set);
-        // Setting each child's progress climbs to the root and recomputes
-        // every automatic ancestor; only the last climb's values remain, and
-        // it sees every child as set, so one climb from the parent gives the
-        // same tree at a fraction of the work.
-        if (set.has(AttributeSet::Progress))
-            Progress::rollUp(parent);
         if (set.allSubItems) {
             const std::vector<Item *> &children = parent->children();
             for (auto it = children.rbegin(); it != children.rend(); ++it) {
@@ -100,6 +94,19 @@ void apply(TreeNode *target, const AttributeSet &set)
                     pending.push_back(*it);
             }
         }
+    }
+    // Setting a child's progress climbs to the root, recomputing every
+    // automatic ancestor on the way. Of all those climbs only the last one
+    // through a node leaves its value, and that one comes after the node's
+    // whole branch is done and its flag is final. So the same tree results
+    // from recomputing the parents once, each after everything below it,
+    // then climbing once from the target: linear work even on a long chain.
+    if (set.has(AttributeSet::Progress)) {
+        for (auto it = parents.rbegin(); it != parents.rend(); ++it) {
+            if (Item *item = (*it)->asItem())
+                recomputeAutomatic(item);
+        }
+        Progress::rollUp(target);
     }
     for (TreeNode *parent : parents) {
         if (sortKeyChanged(parent, set))

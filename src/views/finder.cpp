@@ -2,7 +2,6 @@
 
 #include "exchange/notetext.h"
 #include "model/document.h"
-#include "model/treewalker.h"
 #include "platform/collation.h"
 #include "views/visibilityfilter.h"
 
@@ -127,17 +126,29 @@ std::vector<Item *> Finder::search(const Document &document, const FindCriteria 
 {
     const Finder finder(criteria, document.noteType);
     const VisibilityFilter filter(document);
+    const bool filterActive = filter.isActive();
     std::vector<Item *> found;
-    TreeWalker walker(document.root());
-    while (Item *item = walker.next()) {
-        // A hidden item hides its branch, and hidden matches are dropped, so
-        // a hidden branch need not be searched at all.
-        if (!filter.isVisible(item)) {
-            walker.skipChildren();
+    // Depth-first with an explicit stack. Each item's children, and their
+    // names, are fetched from memory while the branches before them are
+    // searched: the search itself is cheap, waiting for memory is not.
+    std::vector<std::pair<const TreeNode *, size_t>> stack{{document.root(), 0}};
+    while (!stack.empty()) {
+        auto &[node, index] = stack.back();
+        const std::vector<Item *> &children = node->children();
+        if (index >= children.size()) {
+            stack.pop_back();
             continue;
         }
+        Item *item = children[index++];
+        if (filterActive && !filter.isVisible(item))
+            continue; // a hidden branch holds no match to list
         if (finder.matches(item))
             found.push_back(item);
+        if (item->hasChildren()) {
+            for (const Item *child : item->children())
+                __builtin_prefetch(child->name().constData());
+            stack.emplace_back(item, 0);
+        }
     }
     return found;
 }

@@ -26,8 +26,14 @@ public:
     quint16 icon() const { return m_icon; }
     /// The grouping values copied from the item that created the heading.
     const Item &values() const { return *m_values; }
-    /// Every item of the group, shown or not, in the view's order.
-    const std::vector<Item *> &items() const { return m_items; }
+    /// Every item of the group, shown or not, in the view's order. A group
+    /// is put in order when its items are first asked for (a collapsed
+    /// heading of half a million items costs nothing until it is opened).
+    const std::vector<Item *> &items() const;
+    /// The same items in no particular order, for what the order does not
+    /// matter to.
+    const std::vector<Item *> &members() const { return m_items; }
+    bool isEmpty() const { return m_items.empty(); }
 
     bool isExpanded() const { return m_expanded; }
     void setExpanded(bool expanded) { m_expanded = expanded && !m_items.empty(); }
@@ -42,9 +48,15 @@ public:
 private:
     friend class GroupView;
 
+    /// Asks for the items to be put in order again, by key and direction.
+    void setOrder(quint16 key, bool ascending);
+
     QString m_text;
     std::unique_ptr<Item> m_values;
-    std::vector<Item *> m_items;
+    mutable std::vector<Item *> m_items;
     quint16 m_icon;
+    quint16 m_orderKey = 0;
+    bool m_ascending = true;
+    mutable bool m_ordered = false;
     bool m_expanded = false;
 };

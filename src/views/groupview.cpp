@@ -138,7 +138,7 @@ GroupView::GroupView(const Document &document, quint16 mode, const VisibilityFil
         heading->m_items.push_back(item);
     }
     for (GroupHeading *heading : m_headings)
-        ChildOrder::sortItems(heading->m_items, m_orderKey, m_ascending);
+        heading->setOrder(m_orderKey, m_ascending);
     sortHeadings();
 }
 
@@ -179,7 +179,7 @@ GroupView::Insertion GroupView::insertItem(Item *item)
     Insertion insertion;
     insertion.heading = findOrMake(item, headingText(item, m_mode), &insertion.isNew);
     insertion.heading->m_items.push_back(item);
-    ChildOrder::sortItems(insertion.heading->m_items, m_orderKey, m_ascending);
+    insertion.heading->setOrder(m_orderKey, m_ascending);
     if (m_filter.isActive() && !m_filter.isShown(item))
         m_hidden.insert(item);
     if (insertion.isNew) {
@@ -194,6 +194,6 @@ void GroupView::setOrder(quint16 key, bool ascending)
     m_orderKey = key;
     m_ascending = ascending;
     for (GroupHeading *heading : m_headings)
-        ChildOrder::sortItems(heading->m_items, m_orderKey, m_ascending);
+        heading->setOrder(m_orderKey, m_ascending);
     sortHeadings();
 }

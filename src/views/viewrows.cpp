@@ -116,9 +116,9 @@ ViewRows::Row ViewRows::headingRow(GroupHeading *heading) const
     r.level = 1;
     r.kind = Kind::Heading;
     if (!m_filter.isActive()) {
-        r.expandable = !heading->items().empty();
+        r.expandable = !heading->isEmpty();
     } else {
-        for (const Item *item : heading->items()) {
+        for (const Item *item : heading->members()) {
             if (m_group->isShown(item)) {
                 r.expandable = true;
                 break;
@@ -132,9 +132,10 @@ void ViewRows::appendBranch(std::vector<Row> &out, TreeNode *node, int level) co
 {
     // Only shown parents are descended into, so checking each item by itself
     // is enough: its ancestors are known to be visible.
+    const bool filterActive = m_filter.isActive();
     TreeWalker walker(node);
     while (Item *item = walker.next()) {
-        if (!m_filter.isVisible(item)) {
+        if (filterActive && !m_filter.isVisible(item)) {
             walker.skipChildren();
             continue;
         }
@@ -382,7 +383,7 @@ int ViewRows::reveal(const TreeNode *node)
         if (const Item *item = node->asItem()) {
             GroupHeading *heading = m_group->headingOf(item);
             const auto lists = [item](const GroupHeading *h) {
-                return h && std::find(h->items().begin(), h->items().end(), item) != h->items().end();
+                return h && std::find(h->members().begin(), h->members().end(), item) != h->members().end();
             };
             // The item's values may have changed since it was grouped.
             if (!lists(heading)) {

@@ -1,5 +1,6 @@
 #include "exchange/textexport.h"
 #include "model/document.h"
+#include "platform/collation.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -68,6 +69,7 @@ private Q_SLOTS:
     void viewUnicode();
     void viewCodePageOneBytePerUnit();
     void outlineOfAnyView();
+    void groupedView();
     void notes_data();
     void notes();
     void notesOfRichDocuments();
@@ -155,6 +157,45 @@ void TestTextExport::outlineOfAnyView()
         },
         options));
     QCOMPARE(readFile(tempPath(dir)), QByteArray("Doc\r\n\t[No Category]\r\n\t\ta\r\n\tWork\r\n\t\tb\r\n\t\tc\r\n"));
+}
+
+void TestTextExport::groupedView()
+{
+    Collation::instance().setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
+    // R
+    //   c (Work)
+    //     b (Home)
+    //       a (Work)
+    //         d (no category, completed and hidden by the filter)
+    Document document;
+    document.root()->setName(QStringLiteral("R"));
+    auto *c = new Item(QStringLiteral("c"));
+    auto *b = new Item(QStringLiteral("b"));
+    auto *a = new Item(QStringLiteral("a"));
+    auto *d = new Item(QStringLiteral("d"));
+    document.root()->appendChild(c);
+    c->appendChild(b);
+    b->appendChild(a);
+    a->appendChild(d);
+    c->setCategory(QStringLiteral("Work"));
+    b->setCategory(QStringLiteral("Home"));
+    a->setCategory(QStringLiteral("Work"));
+    d->storeProgress(100);
+    document.hideCompleted = true;
+    document.viewMode = Document::ByCategory;
+    document.viewOrder = 0;
+
+    QTemporaryDir dir;
+    TextExport::Options options;
+    options.indent = 1;
+    QVERIFY(TextExport::exportView(tempPath(dir), document, options));
+    QCOMPARE(readFile(tempPath(dir)),
+             QByteArray("R\r\n\t[No Category]\r\n\t\td\r\n\tHome\r\n\t\tb\r\n\tWork\r\n\t\ta\r\n\t\tc\r\n"));
+
+    // In the default view every level is written, the hidden item too.
+    document.viewMode = Document::DefaultView;
+    QVERIFY(TextExport::exportView(tempPath(dir), document, options));
+    QCOMPARE(readFile(tempPath(dir)), QByteArray("R\r\n\tc\r\n\t\tb\r\n\t\t\ta\r\n\t\t\t\td\r\n"));
 }
 
 void TestTextExport::notes_data()

@@ -44,6 +44,18 @@ FB &plainEntry(FB &f, quint32 depth, quint32 number, const QString &name, const 
     return f;
 }
 
+// Valid hand-built files double as the fuzzer's seed corpus: with
+// QUILLBOX_WRITE_CORPUS set to a folder, the tests leave them there.
+void keepForCorpus(const char *name, const QByteArray &file)
+{
+    const QString folder = qEnvironmentVariable("QUILLBOX_WRITE_CORPUS");
+    if (folder.isEmpty())
+        return;
+    QFile out(folder + QLatin1Char('/') + QLatin1String(name) + QLatin1String(".qbx"));
+    if (out.open(QIODevice::WriteOnly))
+        out.write(file);
+}
+
 QByteArray writtenBack(const QByteArray &file)
 {
     Document doc;
@@ -95,6 +107,7 @@ void TestDocumentFile::emptyDocumentIsHeaderAndRootOnly()
                                                     "02000000"           // Ascending, not expanded
                                                     "0f00");             // manual order
     QCOMPARE(expected.size(), 24 + 16 + 2 * 4);
+    keepForCorpus("empty-551", expected);
     QCOMPARE(DocumentFile::toBytes(doc), expected);
 
     Document loaded;
@@ -121,6 +134,7 @@ void TestDocumentFile::version551EveryFieldUnusual()
     f.str(QStringLiteral("öffentlich")).u16(20).time(2025, 6, 0, 1, 0, 0, 0, 0).zeroTime().u32(0xFFFFFFFF);
     f.u32(1).str(QStringLiteral("!9"));
 
+    keepForCorpus("every-field-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 551u);
@@ -208,6 +222,7 @@ void TestDocumentFile::version550HasNoReminderTime()
     f.str(QStringLiteral("5")).u16(1).time(2010, 5, 1, 3, 4, 5, 6, 7).u16(50).u16(2).u32(1);
     f.str(QString()).u16(10).time(2011, 1, 6, 1, 0, 0, 0, 0).u32(2).hex("4100").u32(0);
 
+    keepForCorpus("reminderless-550", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 550u);
@@ -246,6 +261,7 @@ void TestDocumentFile::versions500And501()
     f.str(QString()).u16(0).zeroTime().u16(0).u16(1).u32(1).str(QStringLiteral("Work")).u16(10).zeroTime();
     f.u32(0).u32(0);
 
+    keepForCorpus(version == 500 ? "password-500" : "password-501", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, version);
@@ -291,6 +307,7 @@ void TestDocumentFile::version410LegacyRecords()
     f.u32(2).fixed(QStringLiteral("/docs/Projects/x.txt"), 260).fixed(QStringLiteral("/docsother/y.txt"), 260);
     f.u32(0);
 
+    keepForCorpus("records-410", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 410u);
@@ -346,8 +363,9 @@ void TestDocumentFile::version410LegacyRecords()
 
 void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
 {
-    auto record = [](FB &f, quint32 depth, const QString &name) {
-        f.u32(0).fixed(name, 96).u16(0).u16(0).fixed(QString(), 64).zeroTime().fixed(QString(), 8).u16(0).u16(0);
+    auto record = [](FB &f, quint32 depth, const QString &name, quint16 icon = 0, quint16 colour = 0) {
+        f.u32(0).fixed(name, 96).u16(icon).u16(0).fixed(QString(), 64).zeroTime().fixed(QString(), 8).u16(0);
+        f.u16(colour);
         f.zeroTime().u32(depth).u32(0).u32(0).u32(0).u32(0);
     };
     FB f;
@@ -355,7 +373,11 @@ void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
     record(f, 1, QStringLiteral("a"));
     record(f, 5, QStringLiteral("b")); // child of a
     record(f, 5, QStringLiteral("c")); // sibling of b
-    record(f, 0, QStringLiteral("d")); // climbs past the depths the tree has: stops at the root
+    // Climbs past the depths the tree has: stops at the root. Its image
+    // (icon + 796) and colour are 0xFFFF, which this layout takes as they are;
+    // written as 551 they are the unset values that later load as 826 and 0.
+    record(f, 0, QStringLiteral("d"), 0xFFFF - 796, 0xFFFF);
+    keepForCorpus("depth-jumps-410", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.noteType, quint16(0)); // bit 9 set
@@ -365,6 +387,13 @@ void TestDocumentFile::legacyDepthJumpsAndFolderLinks()
     QCOMPARE(items[1]->parent(), items[0]);
     QCOMPARE(items[2]->parent(), items[0]);
     QCOMPARE(items[3]->parent(), doc.root());
+    QCOMPARE(items[3]->image(), quint16(0xFFFF));
+    QCOMPARE(items[3]->colour(), quint16(0xFFFF));
+    QCOMPARE(items[2]->image(), quint16(796));
+    Document resaved;
+    QCOMPARE(DocumentFile::loadFromBytes(DocumentFile::toBytes(doc), &resaved), DocumentFile::Loaded);
+    QCOMPARE(preOrder(resaved.root())[3]->image(), quint16(826));
+    QCOMPARE(preOrder(resaved.root())[3]->colour(), quint16(0));
 
     // A TaskTime that fills all 8 units has no terminator: damage.
     FB g;
@@ -503,6 +532,7 @@ void TestDocumentFile::depthThreeToOneIsValid()
     plainEntry(f, 1, 4, QStringLiteral("d"));
     plainEntry(f, 2, 5, QStringLiteral("e"));
     plainEntry(f, 2, 6, QStringLiteral("f"));
+    keepForCorpus("depths-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     const QList<Item *> items = preOrder(doc.root());
@@ -526,6 +556,7 @@ void TestDocumentFile::linkRepairAndCurrentNumber()
                {QStringLiteral("!5"), QStringLiteral("!6"), QStringLiteral("!x"), QStringLiteral("!"),
                 QStringLiteral("!0"), QStringLiteral("!99999999999"), QStringLiteral("mailto:a@b")});
     plainEntry(f, 1, 6, QStringLiteral("six"));
+    keepForCorpus("links-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     const QList<Item *> items = preOrder(doc.root());

@@ -1,0 +1,178 @@
+#include "model/document.h"
+#include "shell/commandids.h"
+#include "shell/documentview.h"
+#include "shell/scriptedprompts.h"
+#include "shell/treepane.h"
+#include "storage/documentfile.h"
+#include "storage/documentgenerator.h"
+#include "storage/settings.h"
+#include "views/viewrows.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QLoggingCategory>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+#include <memory>
+
+// The generated document of a million items, written once and opened by
+// every run the way the application opens it.
+namespace {
+
+constexpr int Items = 1000000;
+
+struct Fixture {
+    QTemporaryDir dir;
+    QString path;
+    Settings settings;
+    ScriptedPrompts prompts;
+
+    Fixture()
+    {
+        Document doc;
+        DocumentGenerator::Options options;
+        options.items = Items;
+        DocumentGenerator::generate(&doc, options);
+        path = dir.filePath(QStringLiteral("Million.qbx"));
+        doc.path = path;
+        DocumentFile::save(doc);
+    }
+
+    std::unique_ptr<DocumentView> open()
+    {
+        auto doc = std::make_unique<Document>();
+        DocumentFile::load(path, doc.get());
+        auto view = std::make_unique<DocumentView>(std::move(doc), &settings, &prompts);
+        view->resize(900, 700);
+        view->show();
+        return view;
+    }
+};
+
+Fixture &fixture()
+{
+    static Fixture f;
+    return f;
+}
+
+// Paints the tree pane now, as the next frame would.
+void paint(DocumentView *view)
+{
+    QWidget *viewport = view->treePane()->viewport();
+    static QImage frame;
+    if (frame.size() != viewport->size())
+        frame = QImage(viewport->size(), QImage::Format_ARGB32_Premultiplied);
+    viewport->render(&frame);
+}
+
+void openAndShowFirstRows(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    for (auto _ : state) {
+        auto view = f.open();
+        paint(view.get());
+        state.PauseTiming();
+        view.reset(); // closing is not part of opening
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(openAndShowFirstRows)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void expandAll(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    auto view = f.open();
+    for (auto _ : state) {
+        view->runCommand(CommandId::ExpandAll);
+        paint(view.get());
+        state.PauseTiming();
+        view->runCommand(CommandId::CollapseAll);
+        state.ResumeTiming();
+    }
+    view->runCommand(CommandId::ExpandAll);
+    state.counters["rows"] = view->rows()->count();
+}
+BENCHMARK(expandAll)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void collapseAll(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    auto view = f.open();
+    for (auto _ : state) {
+        state.PauseTiming();
+        view->runCommand(CommandId::ExpandAll);
+        state.ResumeTiming();
+        view->runCommand(CommandId::CollapseAll);
+        paint(view.get());
+    }
+}
+BENCHMARK(collapseAll)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// One page down and a repaint, all the way through the expanded million rows.
+void scrollPage(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    auto view = f.open();
+    view->runCommand(CommandId::ExpandAll);
+    QScrollBar *bar = view->treePane()->verticalScrollBar();
+    for (auto _ : state) {
+        int value = bar->value() + bar->pageStep();
+        if (value > bar->maximum())
+            value = 0;
+        bar->setValue(value);
+        paint(view.get());
+    }
+}
+BENCHMARK(scrollPage)->Unit(benchmark::kMicrosecond);
+
+// Moving the selection one row down: the note pane stores and loads a note,
+// the row is scrolled into view and repainted.
+void selectNextRow(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    auto view = f.open();
+    view->runCommand(CommandId::ExpandAll);
+    TreePane *tree = view->treePane();
+    tree->setCurrentRow(Items / 2);
+    for (auto _ : state) {
+        tree->setCurrentRow(tree->currentRow() + 1);
+        paint(view.get());
+    }
+}
+BENCHMARK(selectNextRow)->Unit(benchmark::kMicrosecond);
+
+// A check box tap in the expanded million rows: roll-up, rows rebuilt, repaint.
+void tapCheckBox(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    auto view = f.open();
+    view->runCommand(CommandId::ExpandAll);
+    TreePane *tree = view->treePane();
+    int row = Items / 3;
+    for (;; ++row) {
+        const Item *item = view->rows()->row(row).node->asItem();
+        if (item->statusType() == Item::CheckBox && !item->autoProgress())
+            break;
+    }
+    tree->setCurrentRow(row);
+    for (auto _ : state) {
+        Q_EMIT tree->statusTapped(tree->currentNode()->asItem(), QPoint());
+        paint(view.get());
+    }
+}
+BENCHMARK(tapCheckBox)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.*=false"));
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,197 @@
+#include "exchange/itemexport.h"
+#include "model/document.h"
+#include "storage/documentfile.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QString describe(const TreeNode *node)
+{
+    QString out = node->name();
+    if (node->hasChildren()) {
+        out += QLatin1Char('(');
+        for (int i = 0; i < node->childCount(); ++i)
+            out += (i ? QStringLiteral(",") : QString()) + describe(node->child(i));
+        out += QLatin1Char(')');
+    }
+    return out;
+}
+
+Item *find(const TreeNode *root, const QString &name)
+{
+    Item *found = nullptr;
+    root->forEachDescendant([&](Item *item) {
+        if (!found && item->name() == name)
+            found = item;
+    });
+    return found;
+}
+
+// R
+//   A
+//     A1 (done)
+//       A1x
+//     A2
+//       A2a (done; links to B and to C)
+//   B (done)
+//     B1 (done)
+//   C
+struct Sample {
+    Document document;
+    Sample()
+    {
+        document.noteType = Document::RichText;
+        TreeNode *r = document.root();
+        r->setName(QStringLiteral("R"));
+        auto add = [](TreeNode *parent, const char *name, bool done) {
+            auto *item = new Item(QString::fromLatin1(name));
+            item->storeProgress(done ? 100 : 0);
+            item->setCreated(SystemTime::fromDateTime(QDateTime(QDate(2021, 6, 7), QTime(8, 9, 10))));
+            parent->appendChild(item);
+            return item;
+        };
+        Item *a = add(r, "A", false);
+        Item *a1 = add(a, "A1", true);
+        add(a1, "A1x", false);
+        Item *a2 = add(a, "A2", false);
+        Item *a2a = add(a2, "A2a", true);
+        Item *b = add(r, "B", true);
+        add(b, "B1", true);
+        Item *c = add(r, "C", false);
+        a2a->setLinks({b->linkText(), c->linkText(), QStringLiteral("http://x")});
+        a2a->setCategory(QStringLiteral("Work"));
+        a2a->setNote("{\\rtf1 note}");
+    }
+    Item *item(const char *name) const { return find(document.root(), QString::fromLatin1(name)); }
+};
+
+} // namespace
+
+class TestItemExport : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void choices_data();
+    void choices();
+    void copiesKeepTheirFieldsAndLinks();
+    void nothingMatched();
+    void failureDeletesNothing();
+    void messages();
+};
+
+void TestItemExport::choices_data()
+{
+    QTest::addColumn<int>("choice");
+    QTest::addColumn<QString>("current");
+    QTest::addColumn<QStringList>("selection");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("exported");
+    QTest::addColumn<QString>("leftAfterDelete");
+
+    QTest::newRow("completed only") << 0 << "" << QStringList() << 4 << "R(A1,A2a,B(B1))"
+                                    << "R(A(A1(A1x),A2),C)";
+    QTest::newRow("completed with hierarchy") << 1 << "" << QStringList() << 6 << "R(A(A1,A2(A2a)),B(B1))"
+                                              << "R(A(A1(A1x),A2),C)";
+    QTest::newRow("current branch") << 2 << "A" << QStringList() << 5 << "A(A1(A1x),A2(A2a))" << "R(B(B1),C)";
+    QTest::newRow("root current") << 2 << "" << QStringList() << 8 << "R(A(A1(A1x),A2(A2a)),B(B1),C)" << "R";
+    QTest::newRow("leaf current") << 2 << "A1x" << QStringList() << 1 << "A1x" << "R(A(A1,A2(A2a)),B(B1),C)";
+    QTest::newRow("selected items") << 3 << "" << QStringList{"A2a", "C", "A2"} << 3 << "R(A2(A2a),C)"
+                                    << "R(A(A1(A1x)),B(B1))";
+    QTest::newRow("selected parent without its child") << 3 << "" << QStringList{"A1"} << 1 << "R(A1)"
+                                                       << "R(A(A1(A1x),A2(A2a)),B(B1),C)";
+}
+
+void TestItemExport::choices()
+{
+    QFETCH(int, choice);
+    QFETCH(QString, current);
+    QFETCH(QStringList, selection);
+    QFETCH(int, count);
+    QFETCH(QString, exported);
+    QFETCH(QString, leftAfterDelete);
+
+    for (const bool deleteAfter : {false, true}) {
+        Sample sample;
+        if (!current.isEmpty())
+            sample.document.setCurrent(sample.item(current.toLatin1().constData()));
+        std::vector<Item *> picked;
+        for (const QString &name : std::as_const(selection))
+            picked.push_back(sample.item(name.toLatin1().constData()));
+        const QString before = describe(sample.document.root());
+
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("part.qbx"));
+        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), deleteAfter, picked, path),
+                 count);
+        Document back;
+        QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
+        QCOMPARE(describe(back.root()), exported);
+        QCOMPARE(back.noteType, quint16(Document::RichText));
+        QCOMPARE(describe(sample.document.root()), deleteAfter ? leftAfterDelete : before);
+    }
+}
+
+void TestItemExport::copiesKeepTheirFieldsAndLinks()
+{
+    Sample sample;
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("part.qbx"));
+    QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::CompletedOnly, false, {}, path), 4);
+    Document back;
+    QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
+    const Item *a2a = find(back.root(), QStringLiteral("A2a"));
+    QVERIFY(a2a);
+    QCOMPARE(a2a->category(), QStringLiteral("Work"));
+    QCOMPARE(a2a->note(), QByteArray("{\\rtf1 note}"));
+    QCOMPARE(a2a->created(), SystemTime::fromDateTime(QDateTime(QDate(2021, 6, 7), QTime(8, 9, 10))));
+    const QStringList links = a2a->links();
+    QCOMPARE(links.size(), 3);
+    // B was written too: its link leads to B's copy. C was not: a dead link.
+    QCOMPARE(back.linkTarget(links[0]), find(back.root(), QStringLiteral("B")));
+    QCOMPARE(back.linkTarget(links[1]), nullptr);
+    QCOMPARE(links[2], QStringLiteral("http://x"));
+}
+
+void TestItemExport::nothingMatched()
+{
+    Document document;
+    document.root()->appendChild(new Item(QStringLiteral("open task")));
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("part.qbx"));
+    QCOMPARE(ItemExport::exportItems(document, ItemExport::CompletedOnly, true, {}, path), 0);
+    QCOMPARE(ItemExport::exportItems(document, ItemExport::SelectedItems, true, {}, path), 0);
+    QVERIFY(!QFile::exists(path));
+    QCOMPARE(document.root()->childCount(), 1);
+
+    Document empty;
+    QCOMPARE(ItemExport::exportItems(empty, ItemExport::CurrentBranch, true, {}, path), 0);
+    QVERIFY(!QFile::exists(path));
+}
+
+void TestItemExport::failureDeletesNothing()
+{
+    for (int choice = 0; choice < 4; ++choice) {
+        Sample sample;
+        sample.document.setCurrent(sample.item("B"));
+        const QString before = describe(sample.document.root());
+        QTemporaryDir dir;
+        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), true, {sample.item("C")},
+                                         dir.filePath(QStringLiteral("missing/part.qbx"))),
+                 ItemExport::Failed);
+        QCOMPARE(describe(sample.document.root()), before);
+    }
+}
+
+void TestItemExport::messages()
+{
+    QCOMPARE(ItemExport::message(3), QStringLiteral("3 item(s) exported."));
+    QCOMPARE(ItemExport::message(0),
+             QStringLiteral("There are no items that matched the export criteria. No file is created."));
+    QCOMPARE(ItemExport::message(ItemExport::Failed),
+             QStringLiteral("Item Export has failed. Please make sure you have enough storage space and try again."));
+    QCOMPARE(ItemExport::choiceLabel(1), QStringLiteral("Completed items only (with hierarchy)"));
+}
+
+QTEST_GUILESS_MAIN(TestItemExport)
+#include "tst_itemexport.moc"

@@ -1,0 +1,197 @@
+#include "exchange/textexport.h"
+#include "exchange/textimport.h"
+#include "model/item.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+Q_DECLARE_METATYPE(TextImport::Result)
+
+namespace {
+
+// "Root(a(b),c)": the outline as one line, to compare with a hand-written one.
+QString describe(const TreeNode *node)
+{
+    QString out = node->name();
+    if (node->hasChildren()) {
+        out += QLatin1Char('(');
+        for (int i = 0; i < node->childCount(); ++i) {
+            if (i > 0)
+                out += QLatin1Char(',');
+            out += describe(node->child(i));
+        }
+        out += QLatin1Char(')');
+    }
+    return out;
+}
+
+QByteArray le(const char16_t *text)
+{
+    QByteArray bytes("\xff\xfe");
+    for (const char16_t *p = text; *p; ++p) {
+        bytes += char(*p & 0xff);
+        bytes += char(*p >> 8);
+    }
+    return bytes;
+}
+
+} // namespace
+
+class TestTextImport : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void outline_data();
+    void outline();
+    void namesAreCut();
+    void everyItemGetsTheIcon();
+    void documentPath_data();
+    void documentPath();
+    void readsAFile();
+    void viewExportComesBack_data();
+    void viewExportComesBack();
+};
+
+void TestTextImport::outline_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<TextImport::Result>("result");
+    QTest::addColumn<QString>("outline");
+
+    const auto ok = TextImport::Result::Ok;
+    const auto format = TextImport::Result::FormatError;
+    const auto unreadable = TextImport::Result::Unreadable;
+
+    QTest::newRow("spaces") << QByteArray("Groceries\r\n Fruit\r\n  Apples\r\n Bread\r\n") << ok
+                            << "Groceries(Fruit(Apples),Bread)";
+    QTest::newRow("tabs") << QByteArray("Groceries\n\tFruit\n\t\tApples\n\tBread") << ok
+                          << "Groceries(Fruit(Apples),Bread)";
+    QTest::newRow("a tab and a space are one level each") << QByteArray("R\r\n\ta\r\n \tb\r\n\t c\r\n  d\r\n") << ok
+                                                         << "R(a(b,c,d))";
+    QTest::newRow("blank lines and every line end")
+        << QByteArray("R\r\n\r\n a\r\r\r  b\n\n\r\n c\r") << ok << "R(a(b),c)";
+    QTest::newRow("several levels up at once") << QByteArray("R\n a\n  b\n   c\n    d\n e\n") << ok
+                                               << "R(a(b(c(d))),e)";
+    QTest::newRow("white space only is an empty name")
+        << QByteArray("R\n a\n  \n   x\n") << ok << "R(a((x)))";
+    QTest::newRow("root alone") << QByteArray("Just a title\r\n") << ok << "Just a title";
+    QTest::newRow("code page text") << QByteArray("Caf\xe9\r\n \x80 5\r\n") << ok << QString::fromUtf8("Café(€ 5)");
+    QTest::newRow("unicode text") << le(u"\u65e5\u672c\r\n\u3000\u6771\u4eac\r\n\t\t\u5927\u962a") << ok
+                                  << QString::fromUtf8("日本(東京(大阪))");
+    QTest::newRow("text ends at a zero") << QByteArray("R\n a\n", 5) + QByteArray("\0 b\n", 4) << ok << "R(a)";
+    QTest::newRow("first item one level deep") << QByteArray("R\n  a\n  b\n   c\n") << ok << "R(a,b(c))";
+
+    QTest::newRow("line without indentation") << QByteArray("R\n a\nb\n") << format << QString();
+    QTest::newRow("two levels deeper") << QByteArray("R\n a\n   b\n") << format << QString();
+    QTest::newRow("climbing above the root") << QByteArray("R\n  a\n b\n") << format << QString();
+    QTest::newRow("only line breaks") << QByteArray("\r\n\r\n") << format << QString();
+
+    QTest::newRow("unicode without text") << QByteArray("\xff\xfe\0\0R\0", 6) << unreadable << QString();
+    QTest::newRow("byte-order mark alone") << QByteArray("\xff\xfe") << unreadable << QString();
+    QTest::newRow("empty file") << QByteArray() << unreadable << QString();
+}
+
+void TestTextImport::outline()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(TextImport::Result, result);
+    QFETCH(QString, outline);
+    TreeNode root;
+    QCOMPARE(TextImport::import(bytes, &root, {}), result);
+    if (result == TextImport::Result::Ok)
+        QCOMPARE(describe(&root), outline);
+}
+
+void TestTextImport::namesAreCut()
+{
+    const QByteArray long100 = QByteArray("0123456789").repeated(10);
+    TreeNode root;
+    QCOMPARE(TextImport::import(long100 + "\r\n\t" + long100, &root, {}), TextImport::Result::Ok);
+    QCOMPARE(root.name(), QString::fromLatin1(long100.left(96)));
+    QCOMPARE(root.child(0)->name(), QString::fromLatin1(long100.left(96)));
+}
+
+void TestTextImport::everyItemGetsTheIcon()
+{
+    TreeNode root;
+    TextImport::Options options;
+    options.icon = TextImport::iconOf(0x0002002a);
+    QCOMPARE(TextImport::import("R\n a\n  b\n", &root, options), TextImport::Result::Ok);
+    QCOMPARE(root.child(0)->image(), quint16(42));
+    QCOMPARE(root.child(0)->child(0)->image(), quint16(42));
+    QCOMPARE(TextImport::noteTypeOf(0x0002002a), quint16(2));
+    QCOMPARE(TextImport::iconOf(TextImport::DefaultSetting), quint16(812));
+    QCOMPARE(TextImport::noteTypeOf(TextImport::DefaultSetting), quint16(1));
+}
+
+void TestTextImport::documentPath_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("document");
+    QTest::newRow("extension") << "/home/me/list.txt" << "/home/me/list.qbx";
+    QTest::newRow("last extension only") << "/home/me/list.tar.txt" << "/home/me/list.tar.qbx";
+    QTest::newRow("no extension") << "/home/me/list" << "/home/me/list.qbx";
+    QTest::newRow("dot in a folder") << "/home/me.old/list" << "/home/me.old/list.qbx";
+    QTest::newRow("windows folders") << "C:\\my.docs\\list" << "C:\\my.docs\\list.qbx";
+}
+
+void TestTextImport::documentPath()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, document);
+    QCOMPARE(TextImport::documentPath(text), document);
+}
+
+void TestTextImport::readsAFile()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("list.txt"));
+    TreeNode root;
+    QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Unreadable);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("R\r\n\ta\r\n");
+    file.close();
+    QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Ok);
+    QCOMPARE(describe(&root), QStringLiteral("R(a)"));
+    QCOMPARE(QFileInfo(path).size(), 7); // the file keeps its size
+}
+
+void TestTextImport::viewExportComesBack_data()
+{
+    QTest::addColumn<int>("indent");
+    QTest::addColumn<bool>("unicode");
+    QTest::newRow("tab, code page") << 1 << false;
+    QTest::newRow("one space, code page") << 2 << false;
+    QTest::newRow("tab, unicode") << 1 << true;
+    QTest::newRow("one space, unicode") << 2 << true;
+}
+
+void TestTextImport::viewExportComesBack()
+{
+    QFETCH(int, indent);
+    QFETCH(bool, unicode);
+    TreeNode root(QStringLiteral("Projects"));
+    auto *home = new Item(QStringLiteral("Home"));
+    auto *garden = new Item(QString::fromUtf8("Garden & Hof: Äpfel"));
+    auto *deep = new Item(QStringLiteral("Deep"));
+    root.appendChild(home);
+    home->appendChild(garden);
+    garden->appendChild(deep);
+    deep->appendChild(new Item(QStringLiteral("Deeper")));
+    home->appendChild(new Item(QStringLiteral("Kitchen")));
+    root.appendChild(new Item(QStringLiteral("Work")));
+    root.child(1)->appendChild(new Item(unicode ? QString::fromUtf8("日本 report") : QStringLiteral("Report")));
+
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("view.txt"));
+    TextExport::Options options;
+    options.indent = quint16(indent);
+    options.unicode = unicode;
+    QVERIFY(TextExport::exportView(path, &root, options));
+    TreeNode back;
+    QCOMPARE(TextImport::importFile(path, &back, {}), TextImport::Result::Ok);
+    QCOMPARE(describe(&back), describe(&root));
+}
+
+QTEST_GUILESS_MAIN(TestTextImport)
+#include "tst_textimport.moc"

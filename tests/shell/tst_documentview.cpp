@@ -1,0 +1,614 @@
+#include "model/document.h"
+#include "model/item.h"
+#include "noteeditor/notepane.h"
+#include "platform/messages.h"
+#include "exchange/notetext.h"
+#include "shell/commandids.h"
+#include "shell/documentview.h"
+#include "shell/quickentrybar.h"
+#include "shell/scriptedprompts.h"
+#include "shell/treepane.h"
+#include "storage/settings.h"
+#include "views/viewrows.h"
+
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <QSplitter>
+#include <QSplitterHandle>
+#include <QTest>
+#include <QToolButton>
+
+namespace {
+
+// Root
+//   A (automatic)        A1, A2 > A2a
+//   B
+//   C
+std::unique_ptr<Document> sampleDocument()
+{
+    auto doc = std::make_unique<Document>();
+    auto *a = new Item(QStringLiteral("A"));
+    a->setAutoProgress(true);
+    auto *a2 = new Item(QStringLiteral("A2"));
+    a2->appendChild(new Item(QStringLiteral("A2a")));
+    a->appendChild(new Item(QStringLiteral("A1")));
+    a->appendChild(a2);
+    doc->root()->appendChild(a);
+    doc->root()->appendChild(new Item(QStringLiteral("B")));
+    doc->root()->appendChild(new Item(QStringLiteral("C")));
+    return doc;
+}
+
+QStringList childNames(const TreeNode *node)
+{
+    QStringList names;
+    for (const Item *child : node->children())
+        names.append(child->name());
+    return names;
+}
+
+} // namespace
+
+class TestDocumentView : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void checkBoxTapRollsUp();
+    void progressBarPresets();
+    void glyphExpandsAndCollapses();
+    void quickEntryBar();
+    void renameInPlace();
+    void pasteThroughTheMenu();
+    void dropRefusals();
+    void deleteAsks();
+    void menuOpensOnRightClickAndLongPress();
+    void menuEnablingDefaultView_data();
+    void menuEnablingDefaultView();
+    void moveMenuEnabling();
+    void filtersCollapse();
+    void noteStoredOnSelectionChange();
+    void recordingToolbarOnlyForRichInk();
+    void splitterDragIsSaved();
+
+private:
+    void select(const QString &name);
+    Item *item(const QString &name) const;
+    QPoint partOf(const QString &name, int code) const;
+    void openMenuOn(const QString &name, const QString &choice = QString());
+    void drag(const QString &from, const QPoint &to);
+
+    Settings m_settings;
+    ScriptedPrompts *m_prompts = nullptr;
+    DocumentView *m_view = nullptr;
+};
+
+void TestDocumentView::init()
+{
+    m_settings = Settings();
+    m_prompts = new ScriptedPrompts;
+    m_view = new DocumentView(sampleDocument(), &m_settings, m_prompts);
+    m_view->resize(500, 700);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view));
+}
+
+void TestDocumentView::cleanup()
+{
+    delete m_view;
+    delete m_prompts;
+}
+
+Item *TestDocumentView::item(const QString &name) const
+{
+    Item *found = nullptr;
+    m_view->document()->root()->forEachDescendant([&](Item *i) {
+        if (i->name() == name && !found)
+            found = i;
+    });
+    return found;
+}
+
+void TestDocumentView::select(const QString &name)
+{
+    TreePane *tree = m_view->treePane();
+    if (name == QLatin1String("Root"))
+        tree->setCurrentRow(0);
+    else
+        QVERIFY2(tree->setCurrentNode(item(name)), qPrintable(name));
+}
+
+QPoint TestDocumentView::partOf(const QString &name, int code) const
+{
+    TreePane *tree = m_view->treePane();
+    const int row = name == QLatin1String("Root") ? 0 : m_view->rows()->indexOf(item(name));
+    const RowGeometry g = tree->rowGeometry(row);
+    switch (code) {
+    case RowGeometry::Glyph:
+        return g.glyphRect().center();
+    case RowGeometry::Status:
+        return g.statusRect().center();
+    case RowGeometry::Icon:
+        return g.iconRect().center();
+    default:
+        return g.textRect().center();
+    }
+}
+
+void TestDocumentView::openMenuOn(const QString &name, const QString &choice)
+{
+    select(name);
+    if (!choice.isNull())
+        m_prompts->menuChoices.enqueue(choice);
+    const int row = m_view->treePane()->currentRow();
+    m_view->showItemMenu(row, QPoint());
+    QCoreApplication::processEvents(); // the chosen command runs queued
+}
+
+void TestDocumentView::drag(const QString &from, const QPoint &to)
+{
+    QWidget *viewport = m_view->treePane()->viewport();
+    const QPoint start = partOf(from, RowGeometry::Text);
+    QTest::mousePress(viewport, Qt::LeftButton, {}, start);
+    QMouseEvent move(QEvent::MouseMove, QPointF(start + QPoint(0, 6)), viewport->mapToGlobal(QPointF(start)),
+                     Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(viewport, &move);
+    QMouseEvent move2(QEvent::MouseMove, QPointF(to), viewport->mapToGlobal(QPointF(to)), Qt::NoButton,
+                      Qt::LeftButton, {});
+    QCoreApplication::sendEvent(viewport, &move2);
+    QVERIFY(m_view->treePane()->isDragging());
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
+}
+
+void TestDocumentView::checkBoxTapRollsUp()
+{
+    select(QStringLiteral("A"));
+    m_view->treePane()->toggleRow(m_view->treePane()->currentRow());
+    QWidget *viewport = m_view->treePane()->viewport();
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A1"), RowGeometry::Status));
+    QCOMPARE(item(QStringLiteral("A1"))->progress(), quint16(100));
+    QCOMPARE(item(QStringLiteral("A"))->progress(), quint16(50));
+    // The automatic parent ignores taps on its own box.
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A"), RowGeometry::Status));
+    QCOMPARE(item(QStringLiteral("A"))->progress(), quint16(50));
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A2"), RowGeometry::Status));
+    QCOMPARE(item(QStringLiteral("A"))->progress(), quint16(100));
+    // The tapped item stays current; a second tap clears the box again.
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("A2")));
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A2"), RowGeometry::Status));
+    QCOMPARE(item(QStringLiteral("A2"))->progress(), quint16(0));
+    QCOMPARE(item(QStringLiteral("A"))->progress(), quint16(50));
+    // A tap on the text does not toggle.
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A1"), RowGeometry::Text));
+    QCOMPARE(item(QStringLiteral("A1"))->progress(), quint16(100));
+}
+
+void TestDocumentView::progressBarPresets()
+{
+    Item *b = item(QStringLiteral("B"));
+    b->setStatusType(Item::ProgressBar);
+    QWidget *viewport = m_view->treePane()->viewport();
+    m_prompts->menuChoices.enqueue(QStringLiteral("preset75"));
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
+    QCOMPARE(m_prompts->lastMenuTexts, QStringList({QStringLiteral("0%"), QStringLiteral("10%"), QStringLiteral("25%"),
+                                                    QStringLiteral("50%"), QStringLiteral("75%"),
+                                                    QStringLiteral("90%"), QStringLiteral("100%")}));
+    QCOMPARE(b->progress(), quint16(75));
+    // Dismissing the menu changes nothing.
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
+    QCOMPARE(b->progress(), quint16(75));
+    // With "Hide Completed Items" on, 100% hides the item and the nearest row becomes current.
+    m_view->document()->hideCompleted = true;
+    m_view->refresh(b);
+    m_prompts->menuChoices.enqueue(QStringLiteral("preset100"));
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
+    QCOMPARE(b->progress(), quint16(100));
+    QCOMPARE(m_view->rows()->indexOf(b), -1);
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("C")));
+}
+
+void TestDocumentView::glyphExpandsAndCollapses()
+{
+    ViewRows *rows = m_view->rows();
+    QCOMPARE(rows->count(), 4); // root, A, B, C
+    QWidget *viewport = m_view->treePane()->viewport();
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A"), RowGeometry::Glyph));
+    QCOMPARE(rows->count(), 6);
+    QVERIFY(item(QStringLiteral("A"))->isExpanded());
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A2"), RowGeometry::Glyph));
+    QCOMPARE(rows->count(), 7);
+    QCOMPARE(rows->row(4).level, 3); // A2a
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("A"), RowGeometry::Glyph));
+    QCOMPARE(rows->count(), 4);
+    // A leaf's glyph column does nothing.
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Glyph));
+    QCOMPARE(rows->count(), 4);
+
+    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    QCOMPARE(rows->count(), 7);
+    QVERIFY(m_view->runCommand(CommandId::CollapseAll));
+    QCOMPARE(rows->count(), 4);
+}
+
+void TestDocumentView::quickEntryBar()
+{
+    QuickEntryBar *bar = m_view->quickEntryBar();
+    QLineEdit *edit = bar->textBox()->lineEdit();
+    Item *b = item(QStringLiteral("B"));
+    b->setPriority(3);
+    b->setColour(7);
+    b->setStatusType(Item::ProgressBar);
+    select(QStringLiteral("B"));
+    bar->setIcon(12);
+    QTest::keyClicks(edit, QStringLiteral("After B"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCOMPARE(childNames(m_view->document()->root()),
+             QStringList({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("After B"), QStringLiteral("C")}));
+    Item *added = item(QStringLiteral("After B"));
+    QCOMPARE(added->priority(), quint16(3));
+    QCOMPARE(added->colour(), quint16(7));
+    QCOMPARE(added->statusType(), quint16(Item::ProgressBar));
+    QCOMPARE(added->image(), quint16(12));
+    QCOMPARE(m_view->treePane()->currentNode(), added);
+    QCOMPARE(edit->text(), QString());
+
+    // The child toggle puts the item first among the current item's children.
+    select(QStringLiteral("A"));
+    bar->findChild<QToolButton *>(QStringLiteral("quickEntryChild"))->click();
+    bar->findChild<QToolButton *>(QStringLiteral("quickEntryItalic"))->click();
+    QTest::keyClicks(edit, QStringLiteral("after b"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCOMPARE(childNames(item(QStringLiteral("A"))).first(), QStringLiteral("after b"));
+    QVERIFY(item(QStringLiteral("after b"))->isItalic());
+    QVERIFY(item(QStringLiteral("A"))->isExpanded());
+    // The history ignores case.
+    QCOMPARE(bar->history(), QStringList({QStringLiteral("After B")}));
+
+    // With the root current the item goes last under the root, whatever the toggle.
+    select(QStringLiteral("Root"));
+    QTest::keyClicks(edit, QString(70, QLatin1Char('x')));
+    QCOMPARE(edit->text().size(), 63);
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCOMPARE(childNames(m_view->document()->root()).last(), QString(63, QLatin1Char('x')));
+    QCOMPARE(item(QString(63, QLatin1Char('x')))->priority(), quint16(10));
+}
+
+void TestDocumentView::renameInPlace()
+{
+    select(QStringLiteral("B"));
+    QVERIFY(m_view->runCommand(CommandId::Rename));
+    QLineEdit *editor = m_view->treePane()->renameEditor();
+    QVERIFY(editor);
+    QCOMPARE(editor->maxLength(), 95);
+    QCOMPARE(editor->selectedText(), QStringLiteral("B"));
+    QTest::keyClicks(editor, QStringLiteral("Banana"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCOMPARE(item(QStringLiteral("Banana")), m_view->treePane()->currentNode());
+
+    // Escape keeps the old name.
+    QVERIFY(m_view->runCommand(CommandId::Rename));
+    editor = m_view->treePane()->renameEditor();
+    QTest::keyClicks(editor, QStringLiteral("Zzz"));
+    QTest::keyClick(editor, Qt::Key_Escape);
+    QVERIFY(item(QStringLiteral("Banana")));
+    QVERIFY(!item(QStringLiteral("Zzz")));
+
+    // A parent ordered by name sorts again after a rename.
+    m_view->document()->root()->setSort(TreeNode::SortName);
+    select(QStringLiteral("A"));
+    QTest::keyClick(m_view->treePane(), Qt::Key_F2);
+    editor = m_view->treePane()->renameEditor();
+    QTest::keyClicks(editor, QStringLiteral("Zebra"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCOMPARE(childNames(m_view->document()->root()),
+             QStringList({QStringLiteral("Banana"), QStringLiteral("C"), QStringLiteral("Zebra")}));
+}
+
+void TestDocumentView::pasteThroughTheMenu()
+{
+    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    const QString paste = QStringLiteral("action3011");
+    // Nothing marked: Paste is greyed.
+    openMenuOn(QStringLiteral("B"));
+    QVERIFY(!m_prompts->lastMenu.value(paste).enabled);
+
+    openMenuOn(QStringLiteral("A2"), QStringLiteral("action3009")); // Move
+    openMenuOn(QStringLiteral("A"));                                // its own parent
+    QVERIFY(!m_prompts->lastMenu.value(paste).enabled);
+    openMenuOn(QStringLiteral("A2a")); // inside the marked branch
+    QVERIFY(!m_prompts->lastMenu.value(paste).enabled);
+    openMenuOn(QStringLiteral("A2")); // the marked item itself
+    QVERIFY(!m_prompts->lastMenu.value(paste).enabled);
+    openMenuOn(QStringLiteral("B"), paste);
+    QCOMPARE(childNames(item(QStringLiteral("B"))), QStringList({QStringLiteral("A2")}));
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("A2")));
+    // A moved item stays marked: a second paste moves it again.
+    openMenuOn(QStringLiteral("C"), paste);
+    QCOMPARE(childNames(item(QStringLiteral("C"))), QStringList({QStringLiteral("A2")}));
+    QVERIFY(!item(QStringLiteral("B"))->hasChildren());
+
+    // Copy of an item with children asks; No pastes it alone.
+    openMenuOn(QStringLiteral("A2"), QStringLiteral("action3010"));
+    m_prompts->yesNo.enqueue(false);
+    openMenuOn(QStringLiteral("B"), paste);
+    QCOMPARE(m_prompts->shown.last().text, QString::fromLatin1(Messages::AskPasteChildren));
+    QCOMPARE(m_prompts->shown.last().icon, Prompts::Icon::Question);
+    QCOMPARE(item(QStringLiteral("B"))->childCount(), 1);
+    QVERIFY(!item(QStringLiteral("B"))->child(0)->hasChildren());
+    // Yes takes the children; a copy may go under its own parent.
+    m_prompts->yesNo.enqueue(true);
+    openMenuOn(QStringLiteral("C"), paste);
+    QCOMPARE(childNames(item(QStringLiteral("C"))), QStringList({QStringLiteral("A2"), QStringLiteral("A2")}));
+    QCOMPARE(childNames(item(QStringLiteral("C"))->child(1)), QStringList({QStringLiteral("A2a")}));
+}
+
+void TestDocumentView::dropRefusals()
+{
+    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    const QStringList before = childNames(m_view->document()->root());
+    // Onto its own descendant: ignored.
+    drag(QStringLiteral("A"), partOf(QStringLiteral("A2a"), RowGeometry::Text));
+    QCOMPARE(childNames(m_view->document()->root()), before);
+    QCOMPARE(item(QStringLiteral("A2a"))->parent(), item(QStringLiteral("A2")));
+    // Onto itself: ignored.
+    drag(QStringLiteral("B"), partOf(QStringLiteral("B"), RowGeometry::Icon));
+    QCOMPARE(childNames(m_view->document()->root()), before);
+    // Below the last row, onto nothing: ignored.
+    drag(QStringLiteral("B"), QPoint(100, m_view->treePane()->viewport()->height() - 5));
+    QCOMPARE(childNames(m_view->document()->root()), before);
+    // Onto another row: the dragged item becomes its last child, and is selected.
+    drag(QStringLiteral("C"), partOf(QStringLiteral("A"), RowGeometry::Text));
+    QCOMPARE(childNames(item(QStringLiteral("A"))),
+             QStringList({QStringLiteral("A1"), QStringLiteral("A2"), QStringLiteral("C")}));
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("C")));
+    // Onto its own parent: allowed, it goes last.
+    drag(QStringLiteral("A1"), partOf(QStringLiteral("A"), RowGeometry::Text));
+    QCOMPARE(childNames(item(QStringLiteral("A"))),
+             QStringList({QStringLiteral("A2"), QStringLiteral("C"), QStringLiteral("A1")}));
+}
+
+void TestDocumentView::deleteAsks()
+{
+    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    openMenuOn(QStringLiteral("A2"), QStringLiteral("action3010")); // mark for copy
+    m_prompts->yesNo.enqueue(false);
+    openMenuOn(QStringLiteral("A"), QStringLiteral("action3012"));
+    QCOMPARE(m_prompts->shown.last().text, QString::fromLatin1(Messages::AskDelete));
+    QVERIFY(item(QStringLiteral("A")));
+    m_prompts->yesNo.enqueue(true);
+    openMenuOn(QStringLiteral("A"), QStringLiteral("action3012"));
+    QVERIFY(!item(QStringLiteral("A")));
+    QCOMPARE(m_view->treePane()->currentNode(), m_view->document()->root());
+    QCOMPARE(m_view->rows()->count(), 3);
+    // The marked item went with the branch: nothing to paste.
+    QVERIFY(m_view->clip().isEmpty());
+    openMenuOn(QStringLiteral("B"));
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3011")).enabled);
+    // The Delete key asks the same question.
+    select(QStringLiteral("C"));
+    QTest::keyClick(m_view->treePane(), Qt::Key_Delete);
+    QVERIFY(!item(QStringLiteral("C")));
+}
+
+void TestDocumentView::menuOpensOnRightClickAndLongPress()
+{
+    // A right click reaches a widget as a context menu event.
+    QWidget *viewport = m_view->treePane()->viewport();
+    const QPoint onB = partOf(QStringLiteral("B"), RowGeometry::Text);
+    QContextMenuEvent rightClick(QContextMenuEvent::Mouse, onB, viewport->mapToGlobal(onB));
+    QCoreApplication::sendEvent(viewport, &rightClick);
+    QCOMPARE(m_prompts->lastMenuTexts.value(0), QStringLiteral("Rename"));
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
+
+    m_prompts->lastMenuTexts.clear();
+    m_prompts->menuChoices.enqueue(QStringLiteral("action20103")); // priority 4
+    QTest::mousePress(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("C"), RowGeometry::Text));
+    QTRY_VERIFY(!m_prompts->lastMenuTexts.isEmpty());
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("C"), RowGeometry::Text));
+    QTRY_COMPARE(item(QStringLiteral("C"))->priority(), quint16(4));
+    // A short tap opens nothing.
+    m_prompts->lastMenuTexts.clear();
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Text));
+    QTest::qWait(900);
+    QVERIFY(m_prompts->lastMenuTexts.isEmpty());
+}
+
+void TestDocumentView::menuEnablingDefaultView_data()
+{
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<QStringList>("enabled");
+    QTest::addColumn<QStringList>("greyed");
+    QTest::addColumn<QStringList>("checked");
+    // Item with children (A: sorted by priority, descending, priority 4, colour 9, italic, progress bar).
+    QTest::newRow("item with children")
+        << QStringLiteral("A")
+        << QStringList{"action3001", "action20103", "action3003", "action20209", "action3040", "action3041",
+                       "action3044", "action3006", "action3100", "action3115", "action3120", "action3121",
+                       "action3030", "action3031", "action3032", "action3009", "action3010", "action3012"}
+        << QStringList{"action3011"}
+        << QStringList{"action20103", "action20209", "action3040", "action3041", "action3044", "action3101",
+                       "action3121"};
+    // A leaf: no ordering of children and nothing to apply attributes to.
+    QTest::newRow("leaf") << QStringLiteral("B")
+                          << QStringList{"action3001", "action20109", "action3043", "action3030", "action3012"}
+                          << QStringList{"action3006", "action3100", "action3115", "action3120", "action3121",
+                                         "action3011"}
+                          << QStringList{"action20109", "action20200", "action3040", "action3043", "action3115"};
+    // The root's title row: only rename, apply attributes and ordering.
+    QTest::newRow("root") << QStringLiteral("Root")
+                          << QStringList{"action3001", "action3006", "action3100", "action3115"}
+                          << QStringList{"action20109", "action3003", "action20200", "action3040", "action3042",
+                                         "action3030", "action3009", "action3010", "action3011", "action3012",
+                                         "action3120", "action3121"}
+                          << QStringList{"action3115"};
+}
+
+void TestDocumentView::menuEnablingDefaultView()
+{
+    QFETCH(QString, row);
+    QFETCH(QStringList, enabled);
+    QFETCH(QStringList, greyed);
+    QFETCH(QStringList, checked);
+    Item *a = item(QStringLiteral("A"));
+    a->setPriority(4);
+    a->setColour(9);
+    a->setItalic(true);
+    a->setStatusType(Item::ProgressBar);
+    a->setSort(TreeNode::SortPriority);
+    a->setAscending(false);
+    // The dialogs' commands plug in later; with a handler their rules apply.
+    for (int id : {CommandId::ApplyAttributes, CommandId::CreateTask, CommandId::CreateAppointment})
+        m_view->setCommand(id, [] {});
+    openMenuOn(row);
+    QCOMPARE(m_prompts->lastMenuTexts,
+             QStringList({"Rename", "Priority", "Change Icon...", "Colour", "Set", "-", "Apply Attributes...",
+                          "Order Children By", "Create", "-", "Move", "Copy", "Paste", "-", "Delete Item"}));
+    const auto &menu = m_prompts->lastMenu;
+    QCOMPARE(menu.size(), 20 + 36 + 5 + 9 + 3 + 7);
+    for (const QString &name : enabled)
+        QVERIFY2(menu.value(name).enabled, qPrintable(name));
+    for (const QString &name : greyed)
+        QVERIFY2(!menu.value(name).enabled, qPrintable(name));
+    int marks = 0;
+    for (auto it = menu.cbegin(); it != menu.cend(); ++it)
+        marks += it->checked;
+    QCOMPARE(marks, checked.size());
+    for (const QString &name : checked)
+        QVERIFY2(menu.value(name).checked, qPrintable(name));
+    QCOMPARE(menu.value(QStringLiteral("action20110")).text, QStringLiteral("11"));
+}
+
+void TestDocumentView::moveMenuEnabling()
+{
+    using namespace CommandId;
+    QVERIFY(m_view->runCommand(ExpandAll));
+    auto states = [this] {
+        return QList<bool>{m_view->isCommandEnabled(MoveUp), m_view->isCommandEnabled(MoveDown),
+                           m_view->isCommandEnabled(UpALevel), m_view->isCommandEnabled(DownALevel)};
+    };
+    select(QStringLiteral("A"));
+    QCOMPARE(states(), QList<bool>({false, true, false, false}));
+    select(QStringLiteral("A2"));
+    QCOMPARE(states(), QList<bool>({true, false, true, true}));
+    select(QStringLiteral("Root"));
+    QCOMPARE(states(), QList<bool>({false, false, false, false}));
+    select(QStringLiteral("B"));
+    QVERIFY(m_view->runCommand(DownALevel));
+    QCOMPARE(childNames(item(QStringLiteral("A"))),
+             QStringList({QStringLiteral("A1"), QStringLiteral("A2"), QStringLiteral("B")}));
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
+    QVERIFY(m_view->runCommand(MoveUp));
+    QCOMPARE(childNames(item(QStringLiteral("A"))),
+             QStringList({QStringLiteral("A1"), QStringLiteral("B"), QStringLiteral("A2")}));
+    QVERIFY(m_view->runCommand(UpALevel));
+    QCOMPARE(childNames(m_view->document()->root()),
+             QStringList({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
+    // A grouped view greys the whole move menu.
+    m_view->document()->viewMode = Document::ByCategory;
+    QCOMPARE(states(), QList<bool>({false, false, false, false}));
+    QVERIFY(!m_view->runCommand(MoveUp));
+}
+
+void TestDocumentView::filtersCollapse()
+{
+    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    item(QStringLiteral("A2"))->setProgress(100);
+    select(QStringLiteral("A2a"));
+    QVERIFY(m_view->runCommand(CommandId::HideCompleted));
+    QVERIFY(m_view->isCommandChecked(CommandId::HideCompleted));
+    // Collapsed to the top level; the completed branch is gone.
+    QCOMPARE(m_view->rows()->count(), 4);
+    QVERIFY(!item(QStringLiteral("A"))->isExpanded());
+    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    QCOMPARE(m_view->rows()->count(), 5); // root, A, A1, B, C
+    QVERIFY(m_view->runCommand(CommandId::HideCheckBox));
+    QCOMPARE(m_view->rows()->count(), 1);
+    QVERIFY(m_view->isCommandChecked(CommandId::HideCheckBox));
+    QVERIFY(!m_view->isCommandChecked(CommandId::HideNoStatus));
+    QVERIFY(m_view->runCommand(CommandId::HideCheckBox));
+    QVERIFY(m_view->runCommand(CommandId::HideCompleted));
+    QCOMPARE(m_view->rows()->count(), 4);
+}
+
+void TestDocumentView::noteStoredOnSelectionChange()
+{
+    select(QStringLiteral("B"));
+    QPlainTextEdit *editor = m_view->notePane()->plainEditor();
+    QVERIFY(editor->isVisible());
+    QTest::keyClicks(editor, QStringLiteral("Buy milk"));
+    QVERIFY(item(QStringLiteral("B"))->note().isEmpty());
+    select(QStringLiteral("C"));
+    QCOMPARE(item(QStringLiteral("B"))->note(), NoteText::toPlainNote(QStringLiteral("Buy milk")));
+    QCOMPARE(editor->toPlainText(), QString());
+    select(QStringLiteral("B"));
+    QCOMPARE(editor->toPlainText(), QStringLiteral("Buy milk"));
+    // An untouched note is never rewritten.
+    const QByteArray odd("\x41\x00\x42", 3);
+    item(QStringLiteral("C"))->setNote(odd);
+    select(QStringLiteral("C"));
+    select(QStringLiteral("B"));
+    QCOMPARE(item(QStringLiteral("C"))->note(), odd);
+    // The root has no note: the pane greys.
+    select(QStringLiteral("Root"));
+    QVERIFY(!m_view->notePane()->isEnabled());
+    // commitEdits stores the pane and names the selection current.
+    select(QStringLiteral("B"));
+    QTest::keyClicks(editor, QStringLiteral("!"));
+    m_view->commitEdits();
+    QCOMPARE(m_view->document()->current(), item(QStringLiteral("B")));
+    QCOMPARE(NoteText::fromPlainNote(item(QStringLiteral("B"))->note()), QStringLiteral("Buy milk!"));
+}
+
+void TestDocumentView::recordingToolbarOnlyForRichInk()
+{
+    QVERIFY(!m_view->isCommandEnabled(CommandId::RecordingToolbar));
+    QVERIFY(!m_view->runCommand(CommandId::RecordingToolbar));
+    for (quint16 type : {Document::RichInk, Document::RichText}) {
+        auto doc = sampleDocument();
+        doc->noteType = type;
+        DocumentView view(std::move(doc), &m_settings, m_prompts);
+        QCOMPARE(view.isCommandEnabled(CommandId::RecordingToolbar), type == Document::RichInk);
+        QVERIFY(view.notePane()->richEditor()->isVisibleTo(&view));
+        if (type == Document::RichInk) {
+            QVERIFY(view.runCommand(CommandId::RecordingToolbar));
+            QVERIFY(view.isCommandChecked(CommandId::RecordingToolbar));
+            // Without the note window the toolbar cannot be shown.
+            QVERIFY(view.runCommand(CommandId::NoteWindow));
+            QVERIFY(!view.isCommandEnabled(CommandId::RecordingToolbar));
+        }
+    }
+}
+
+void TestDocumentView::splitterDragIsSaved()
+{
+    QSignalSpy saved(m_view, &DocumentView::settingsChanged);
+    // A tall window stacks the panes: the first layout's value.
+    QSplitter *splitter = m_view->splitter();
+    QCOMPARE(splitter->orientation(), Qt::Vertical);
+    QCOMPARE(splitter->handleWidth(), 7);
+    const int total = splitter->sizes().value(0) + splitter->sizes().value(1);
+    QVERIFY(qAbs(splitter->sizes().value(0) - total * 60 / 100) <= 1);
+    QSplitterHandle *handle = splitter->handle(1);
+    const QPoint middle = handle->rect().center();
+    QTest::mousePress(handle, Qt::LeftButton, {}, middle);
+    QMouseEvent move(QEvent::MouseMove, QPointF(middle + QPoint(0, -total / 5)),
+                     handle->mapToGlobal(QPointF(middle + QPoint(0, -total / 5))), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(handle, &move);
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, middle + QPoint(0, -total / 5));
+    QVERIFY(saved.count() >= 1);
+    QVERIFY2(m_settings.splitPct >= 35 && m_settings.splitPct <= 45, qPrintable(QString::number(m_settings.splitPct)));
+    QCOMPARE(m_settings.splitPct7, quint16(60));
+    // A wide window puts the panes side by side with the second layout's value.
+    m_settings.splitPct7 = 70;
+    m_view->resize(1000, 400);
+    QCoreApplication::processEvents();
+    QCOMPARE(splitter->orientation(), Qt::Horizontal);
+    const int wide = splitter->sizes().value(0) + splitter->sizes().value(1);
+    QVERIFY(qAbs(splitter->sizes().value(0) - wide * 70 / 100) <= 1);
+}
+
+QTEST_MAIN(TestDocumentView)
+#include "tst_documentview.moc"

@@ -1,0 +1,442 @@
+#include "exchange/notetext.h"
+#include "model/document.h"
+#include "model/item.h"
+#include "noteeditor/notepane.h"
+#include "platform/messages.h"
+#include "shell/commandids.h"
+#include "shell/documentview.h"
+#include "shell/mainwindow.h"
+#include "shell/quickentrybar.h"
+#include "shell/scriptedprompts.h"
+#include "shell/singleinstance.h"
+#include "shell/treepane.h"
+#include "storage/documentfile.h"
+#include "storage/password.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDialog>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+#include <QTreeWidget>
+
+namespace {
+
+QString writeDocument(const QString &path, const QStringList &names, const QByteArray &passwordHash = {})
+{
+    Document doc;
+    for (const QString &name : names)
+        doc.root()->appendChild(new Item(name));
+    doc.passwordHash = passwordHash;
+    doc.path = path;
+    if (!DocumentFile::save(doc))
+        qFatal("cannot write %s", qPrintable(path));
+    return path;
+}
+
+QStringList namesOnDisk(const QString &path, QByteArray *firstNote = nullptr)
+{
+    Document doc;
+    if (DocumentFile::load(path, &doc) != DocumentFile::Loaded)
+        return {QStringLiteral("<unreadable>")};
+    QStringList names;
+    doc.root()->forEachDescendant([&](Item *item) {
+        names.append(item->name());
+        if (firstNote && firstNote->isEmpty())
+            *firstNote = item->note();
+    });
+    return names;
+}
+
+} // namespace
+
+class TestMainWindow : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void startOpensDefFileOrTheCommandLinePath();
+    void exitAndCloseKeepDefFile();
+    void loadFailuresShowTheirMessage_data();
+    void loadFailuresShowTheirMessage();
+    void protectedDocumentAsksForThePassword();
+    void createAndSaveAs();
+    void saveFailureKeepsTheDocumentOpen();
+    void saveOnDeactivation();
+    void handOverFromASecondInstance();
+    void secondProcessHandsOverAndExits();
+    void menusFollowTheState();
+    void ctrlAOpensTheAboutBox();
+
+private:
+    MainWindow *makeWindow();
+    QString docPath(const QString &name) const { return m_dir->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<ScriptedPrompts> m_prompts;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+void TestMainWindow::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dir->isValid());
+    m_prompts = std::make_unique<ScriptedPrompts>();
+    writeDocument(docPath(QStringLiteral("Alpha.qbx")), {QStringLiteral("one"), QStringLiteral("two")});
+    writeDocument(docPath(QStringLiteral("Beta.qbx")), {QStringLiteral("three")});
+}
+
+void TestMainWindow::cleanup()
+{
+    m_window.reset();
+    m_prompts.reset();
+    m_dir.reset();
+}
+
+MainWindow *TestMainWindow::makeWindow()
+{
+    ShellEnvironment env;
+    env.documentsFolder = m_dir->path();
+    env.settingsFile = docPath(QStringLiteral("settings.ini"));
+    env.prompts = m_prompts.get();
+    m_window = std::make_unique<MainWindow>(env);
+    m_window->resize(800, 600);
+    m_window->show();
+    return m_window.get();
+}
+
+void TestMainWindow::startOpensDefFileOrTheCommandLinePath()
+{
+    // First start: no DefFile, the list shows the documents folder's files.
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    QVERIFY(!w->view());
+    QCOMPARE(w->documentList()->topLevelItemCount(), 2);
+    QCOMPARE(w->documentList()->topLevelItem(0)->text(0), QStringLiteral("Alpha"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Quillbox"));
+
+    // DefFile names a document: it opens.
+    {
+        QSettings store(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+        Settings settings;
+        settings.defFile = docPath(QStringLiteral("Alpha.qbx"));
+        settings.save(store);
+    }
+    w = makeWindow();
+    w->start(QString());
+    QVERIFY(w->view());
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Alpha.qbx")));
+
+    // A command-line path replaces DefFile.
+    w = makeWindow();
+    w->start(docPath(QStringLiteral("Beta.qbx")));
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
+    QCOMPARE(w->settings().defFile, docPath(QStringLiteral("Beta.qbx")));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Beta - Quillbox"));
+}
+
+void TestMainWindow::exitAndCloseKeepDefFile()
+{
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
+    QVERIFY(w->close());
+    QSettings store(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    Settings settings;
+    settings.load(store);
+    QCOMPARE(settings.defFile, docPath(QStringLiteral("Alpha.qbx")));
+
+    // Closing back to the list empties DefFile, and selects the closed file.
+    w = makeWindow();
+    w->start(QString());
+    QVERIFY(w->view());
+    w->runCommand(CommandId::CloseDocument);
+    QVERIFY(!w->view());
+    QCOMPARE(w->documentList()->currentItem()->text(0), QStringLiteral("Alpha"));
+    QSettings after(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    settings.load(after);
+    QCOMPARE(settings.defFile, QString());
+}
+
+void TestMainWindow::loadFailuresShowTheirMessage_data()
+{
+    QTest::addColumn<QByteArray>("bytes"); // empty: no file at all
+    QTest::addColumn<QString>("message");
+    QTest::newRow("missing") << QByteArray() << QStringLiteral("File '%1' does not exist.");
+    QTest::newRow("damaged") << QByteArray("\x27\x02\x00\x00garbage", 11)
+                             << QString::fromLatin1(Messages::LoadDamaged);
+    QTest::newRow("newer version") << QByteArray("\x58\x02\x00\x00", 4)
+                                   << QString::fromLatin1(Messages::LoadUnsupportedVersion);
+}
+
+void TestMainWindow::loadFailuresShowTheirMessage()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, message);
+    const QString path = docPath(QStringLiteral("Broken.qbx"));
+    if (!bytes.isEmpty()) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    QVERIFY(!w->openDocument(path));
+    QVERIFY(!w->view());
+    QCOMPARE(m_prompts->shown.size(), 1);
+    QCOMPARE(m_prompts->shown.first().icon, Prompts::Icon::Stop);
+    QCOMPARE(m_prompts->shown.first().text, message.arg(path));
+    // The file on disk is left as it was.
+    if (!bytes.isEmpty()) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), bytes);
+    }
+}
+
+void TestMainWindow::protectedDocumentAsksForThePassword()
+{
+    const QString path =
+        writeDocument(docPath(QStringLiteral("Secret.qbx")), {QStringLiteral("hidden")}, Password::digest("abc"));
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    // A wrong password, then Cancel: the document closes again.
+    m_prompts->passwords.enqueue(QStringLiteral("ABC"));
+    QVERIFY(!w->openDocument(path));
+    QVERIFY(!w->view());
+    QCOMPARE(m_prompts->passwordAttempts, 1);
+    // Wrong, then right.
+    m_prompts->passwords.enqueue(QStringLiteral("ABC"));
+    m_prompts->passwords.enqueue(QStringLiteral("abc"));
+    QVERIFY(w->openDocument(path));
+    QVERIFY(w->view());
+    QCOMPARE(m_prompts->passwordAttempts, 3);
+    // An unprotected document asks nothing.
+    w->closeDocument();
+    QVERIFY(w->openDocument(docPath(QStringLiteral("Beta.qbx"))));
+    QCOMPARE(m_prompts->passwordAttempts, 3);
+}
+
+void TestMainWindow::createAndSaveAs()
+{
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    // Cancelling the note type question creates nothing.
+    m_prompts->fileNames.enqueue(docPath(QStringLiteral("Fresh")));
+    QVERIFY(!w->createDocument());
+    QVERIFY(!QFile::exists(docPath(QStringLiteral("Fresh.qbx"))));
+
+    m_prompts->fileNames.enqueue(docPath(QStringLiteral("Fresh")));
+    m_prompts->noteTypes.enqueue(Document::RichText);
+    w->runCommand(CommandId::New);
+    QVERIFY(w->view());
+    QCOMPARE(w->view()->document()->noteType, quint16(Document::RichText));
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Fresh.qbx")));
+    QVERIFY(QFile::exists(docPath(QStringLiteral("Fresh.qbx"))));
+
+    // In the view, "New" adds an item instead, through the new-item dialog.
+    m_prompts->dialogs.enqueue([](QDialog *d) {
+        QTest::keyClicks(d->findChild<QLineEdit *>(QStringLiteral("name")), QStringLiteral("New Item"));
+        d->accept();
+    });
+    w->runCommand(CommandId::New);
+    QCOMPARE(w->view()->document()->root()->childCount(), 1);
+
+    m_prompts->fileNames.enqueue(docPath(QStringLiteral("Copy.qbx")));
+    w->runCommand(CommandId::SaveAs);
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Copy.qbx")));
+    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Copy.qbx"))), QStringList({QStringLiteral("New Item")}));
+    Document reread;
+    QCOMPARE(DocumentFile::load(docPath(QStringLiteral("Copy.qbx")), &reread), DocumentFile::Loaded);
+    QCOMPARE(reread.noteType, quint16(Document::RichText));
+}
+
+void TestMainWindow::saveFailureKeepsTheDocumentOpen()
+{
+    MainWindow *w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    w->view()->document()->path = docPath(QStringLiteral("no-such-folder/Alpha.qbx"));
+    w->runCommand(CommandId::Save);
+    QCOMPARE(m_prompts->shown.size(), 1);
+    QCOMPARE(m_prompts->shown.first().icon, Prompts::Icon::Stop);
+    QCOMPARE(m_prompts->shown.first().text, QString::fromLatin1(Messages::SaveFailed));
+    QVERIFY(w->view());
+    // Closing cannot lose the document either: it stays open.
+    w->runCommand(CommandId::CloseDocument);
+    QVERIFY(w->view());
+}
+
+void TestMainWindow::saveOnDeactivation()
+{
+    MainWindow *w = makeWindow();
+    const QString path = docPath(QStringLiteral("Alpha.qbx"));
+    w->start(path);
+    QApplication::setActiveWindow(w);
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    DocumentView *view = w->view();
+    QLineEdit *entry = view->quickEntryBar()->textBox()->lineEdit();
+    QTest::keyClicks(entry, QStringLiteral("three"));
+    QTest::keyClick(entry, Qt::Key_Return);
+    QTest::keyClicks(view->notePane()->plainEditor(), QStringLiteral("a note"));
+
+    // A dialog of the window takes the activation: nothing is written.
+    QDialog dialog(w);
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    QTRY_VERIFY(!w->isActiveWindow());
+    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    dialog.hide();
+    QApplication::setActiveWindow(w);
+    QTRY_VERIFY(w->isActiveWindow());
+
+    // Another application takes it: the selection and the note are committed and saved.
+    QApplication::setActiveWindow(nullptr);
+    QTRY_VERIFY(!w->isActiveWindow());
+    QByteArray note;
+    QCOMPARE(namesOnDisk(path, &note), QStringList({QStringLiteral("one"), QStringLiteral("two"),
+                                                    QStringLiteral("three")}));
+    QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("a note"));
+    Document reread;
+    QCOMPARE(DocumentFile::load(path, &reread), DocumentFile::Loaded);
+    QCOMPARE(reread.current()->name(), QStringLiteral("three"));
+}
+
+namespace {
+// The second start, run beside the first instance's event loop.
+class SecondStart : public QThread {
+public:
+    SecondStart(const QString &name, const QString &path) : m_name(name), m_path(path) {}
+    bool handedOver = false;
+
+protected:
+    void run() override { handedOver = SingleInstance(m_name).handOver(m_path, 5000); }
+
+private:
+    QString m_name;
+    QString m_path;
+};
+} // namespace
+
+void TestMainWindow::handOverFromASecondInstance()
+{
+    const QString name = QStringLiteral("quillbox-test-%1").arg(QCoreApplication::applicationPid());
+    SingleInstance first(name);
+    QVERIFY(first.listen());
+    MainWindow *w = makeWindow();
+    connect(&first, &SingleInstance::pathReceived, w, &MainWindow::handOver);
+    QSignalSpy raised(&first, &SingleInstance::raiseRequested);
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    w->view()->quickEntryBar()->setText(QStringLiteral("added before"));
+    w->view()->quickEntryBar()->add();
+
+    SecondStart second(name, docPath(QStringLiteral("Beta.qbx")));
+    second.start();
+    QTRY_VERIFY(second.isFinished());
+    QVERIFY(second.handedOver);
+    QTRY_COMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
+    // The first document was saved before it was closed.
+    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))),
+             QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("added before")}));
+
+    // Without a path the first instance only comes forward.
+    SecondStart bare(name, QString());
+    bare.start();
+    QTRY_VERIFY(bare.isFinished());
+    QVERIFY(bare.handedOver);
+    QTRY_COMPARE(raised.count(), 1);
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
+
+    // Nobody listening: the start goes on as the first instance.
+    QVERIFY(!SingleInstance(name + QStringLiteral("-none")).handOver(QStringLiteral("x"), 500));
+}
+
+void TestMainWindow::secondProcessHandsOverAndExits()
+{
+    const QString app = QStringLiteral(QUILLBOX_BINARY_DIR "/quillbox");
+    if (!QFile::exists(app))
+        QSKIP("the application is not built");
+    const QString home = m_dir->filePath(QStringLiteral("home"));
+    QVERIFY(QDir().mkpath(home));
+    SingleInstance first(SingleInstance::nameForHome(QDir(home).absolutePath()));
+    QVERIFY(first.listen());
+    QSignalSpy received(&first, &SingleInstance::pathReceived);
+    QProcess second;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), home);
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    second.setProcessEnvironment(env);
+    second.start(app, {docPath(QStringLiteral("Beta.qbx"))});
+    QVERIFY(second.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(second.state() == QProcess::NotRunning, 20000);
+    if (second.state() != QProcess::NotRunning)
+        second.kill();
+    QCOMPARE(second.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(second.exitCode(), 0);
+    QCOMPARE(received.count(), 1);
+    QCOMPARE(received.first().first().toString(), docPath(QStringLiteral("Beta.qbx")));
+}
+
+void TestMainWindow::menusFollowTheState()
+{
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    auto enabled = [w](int id) { return w->commandAction(id)->isEnabled(); };
+    // The list: New, Refresh, About; nothing of a document.
+    QVERIFY(enabled(CommandId::New));
+    QVERIFY(enabled(CommandId::Refresh));
+    QVERIFY(enabled(CommandId::About));
+    QVERIFY(!enabled(CommandId::Save));
+    QVERIFY(!enabled(CommandId::ExpandAll));
+
+    QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
+    QVERIFY(enabled(CommandId::Save));
+    QVERIFY(!enabled(CommandId::Refresh));
+    QVERIFY(w->commandAction(CommandId::DefaultView)->isChecked());
+    QVERIFY(w->commandAction(CommandId::NoteWindow)->isChecked());
+    QVERIFY(!enabled(CommandId::RecordingToolbar));
+
+    // A grouped view: radio mark moves, the move menu greys.
+    w->view()->treePane()->setCurrentRow(2);
+    w->updateActions();
+    QVERIFY(enabled(CommandId::MoveUp));
+    w->runCommand(CommandId::ByPriority);
+    QVERIFY(w->commandAction(CommandId::ByPriority)->isChecked());
+    QVERIFY(!w->commandAction(CommandId::DefaultView)->isChecked());
+    for (int id : {CommandId::MoveUp, CommandId::MoveDown, CommandId::UpALevel, CommandId::DownALevel})
+        QVERIFY(!enabled(id));
+
+    w->runCommand(CommandId::HideCompleted);
+    QVERIFY(w->commandAction(CommandId::HideCompleted)->isChecked());
+    w->runCommand(CommandId::ShowStatistics);
+    QVERIFY(w->commandAction(CommandId::ShowStatistics)->isChecked());
+    QVERIFY(w->view()->document()->showStatistics);
+}
+
+void TestMainWindow::ctrlAOpensTheAboutBox()
+{
+    MainWindow *w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    QApplication::setActiveWindow(w);
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    w->view()->treePane()->setCurrentRow(1);
+    QPlainTextEdit *editor = w->view()->notePane()->plainEditor();
+    editor->setFocus();
+    QTest::keyClicks(editor, QStringLiteral("text"));
+    QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(m_prompts->aboutShown, 1);
+    QVERIFY(!editor->textCursor().hasSelection());
+    QTest::keyClick(w->view()->treePane(), Qt::Key_S, Qt::ControlModifier);
+    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    QByteArray note;
+    namesOnDisk(docPath(QStringLiteral("Alpha.qbx")), &note);
+    QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("text"));
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"
