@@ -99,6 +99,8 @@ inline constexpr const char *ExportCurrentView =
 inline constexpr const char *ExportDefaultView =
     "Data will be exported based on default view excluding any filtering options.";
 
+/// %1 is the path of the document that a text import would replace.
+inline constexpr const char *AskReplaceDocument = "'%1' already exists. Do you want to replace it?";
 /// %1 is the name typed in the options.
 inline constexpr const char *UnknownCodePage = "The code page '%1' is not known. Please choose one from the list.";
 

@@ -1,6 +1,8 @@
 #include "shell/dialogcommands.h"
 
+#include "exchange/itemexport.h"
 #include "exchange/noteconverter.h"
+#include "exchange/textimport.h"
 #include "exchange/textexport.h"
 #include "exchange/xmlexport.h"
 #include "integration/categorylist.h"
@@ -9,6 +11,7 @@
 #include "model/progress.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
+#include "rows/iconset.h"
 #include "shell/applyattributesdialog.h"
 #include "shell/commandids.h"
 #include "shell/convertnotesdialog.h"
@@ -16,24 +19,29 @@
 #include "shell/externalnoteeditor.h"
 #include "shell/filepropertiesdialog.h"
 #include "shell/finddialog.h"
+#include "shell/itemexportdialog.h"
 #include "shell/itempropertiesdialog.h"
 #include "shell/mainwindow.h"
+#include "shell/nodetree.h"
 #include "shell/optionsdialog.h"
 #include "shell/passworddialog.h"
 #include "shell/prompts.h"
 #include "shell/searchresultsdialog.h"
+#include "shell/templatesdialog.h"
 #include "shell/textexportdialog.h"
 #include "shell/toolbaricons.h"
 #include "shell/treepane.h"
 #include "shell/waitcursor.h"
 #include "storage/documentfile.h"
 #include "storage/password.h"
+#include "storage/templatefile.h"
 #include "views/applyattributes.h"
 #include "views/finder.h"
 #include "views/visibilityfilter.h"
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QMenu>
 #include <QDir>
 #include <QFileInfo>
 #include <QUrl>
@@ -55,6 +63,49 @@ DialogCommands::DialogCommands(MainWindow *window) : QObject(window), m_window(w
     help->setShortcutContext(Qt::ApplicationShortcut);
     connect(help, &QAction::triggered, this, &DialogCommands::showHelp);
     window->addAction(help);
+
+    m_newMenu = new QMenu(window);
+    m_newMenu->setObjectName(QStringLiteral("menuNew"));
+    connect(m_newMenu, &QMenu::aboutToShow, this, [this] {
+        m_newMenu->clear();
+        auto addEntry = [this](int command, const QString &text, const QIcon &icon) {
+            QAction *action = m_newMenu->addAction(icon, text);
+            action->setObjectName(QStringLiteral("action%1").arg(command));
+            action->setData(command);
+            connect(action, &QAction::triggered, this, [this, command] { m_window->runCommand(command); });
+        };
+        addEntry(TemplateFile::BlankCommand, QStringLiteral("New Item..."), QIcon());
+        m_newMenu->addSeparator();
+        if (!m_view)
+            return;
+        for (const TemplateFile::MenuEntry &entry : templates().menu(m_view->document()->noteType))
+            addEntry(entry.command, entry.name,
+                     QIcon(IconSet::instance().icon(templates().at(entry.index)->image(), 16)));
+    });
+}
+
+DialogCommands::~DialogCommands() = default;
+
+QString DialogCommands::templateFilePath() const
+{
+    // The default file lies in the documents folder that the shell shows.
+    const QString path = settings().templateFile;
+    if (path == Settings::defaultTemplateFile())
+        return QDir(m_window->documentsFolder()).filePath(QFileInfo(path).fileName());
+    return path;
+}
+
+TemplateFile &DialogCommands::templates()
+{
+    const QString path = templateFilePath();
+    if (!m_templates || m_templatesPath != path) {
+        m_templates = std::make_unique<TemplateFile>();
+        // A missing file is made empty; a damaged one gives what it holds
+        // before the damage.
+        m_templates->load(path);
+        m_templatesPath = path;
+    }
+    return *m_templates;
 }
 
 void DialogCommands::install(DocumentView *view)
@@ -69,6 +120,9 @@ void DialogCommands::install(DocumentView *view)
     view->setCommand(ModifyNote, [this] { editItem(ItemPropertiesDialog::NotePage); }, hasItem);
     view->setCommand(CommandId::Links, [this] { editItem(ItemPropertiesDialog::LinkPage); }, hasItem);
     view->setCommand(New, [this] { newItem(nullptr); });
+    view->setCommand(ItemTemplates, [this] { itemTemplates(); });
+    view->setCommand(TemplateFile::BlankCommand, [this] { newItem(nullptr); });
+    view->setCommand(ExportItems, [this] { exportItems(); });
     view->setCommand(FindItem, [this] { find(); });
     view->setCommand(FindResult, [this] { showSearchResult(); }, [this] { return m_hasResult; });
     view->setCommand(CommandId::ApplyAttributes, [this] { applyAttributes(); });
@@ -81,6 +135,41 @@ void DialogCommands::install(DocumentView *view)
     view->setCommand(ExportNotes, [this] { exportText(ExportNotes); });
     view->setCommand(ExportLinks, [this] { exportText(ExportLinks); });
     view->setCommand(ExportXml, [this] { exportXml(); });
+
+    updateTemplateCommands();
+    // The document list's "New" makes documents: no template menu there.
+    connect(view, &QObject::destroyed, this, [this] {
+        if (QAction *action = m_window->commandAction(New))
+            action->setMenu(static_cast<QMenu *>(nullptr));
+    });
+}
+
+void DialogCommands::updateTemplateCommands()
+{
+    // A template's command is its place in the whole list; it is offered
+    // while the template is one of the menu's.
+    for (int index = 0; index < templates().count(); ++index) {
+        const int command = TemplateFile::FirstCommand + index;
+        m_view->setCommand(
+            command, [this, command] { newItem(templates().forCommand(command)); },
+            [this, command] {
+                for (const TemplateFile::MenuEntry &entry : templates().menu(m_view->document()->noteType)) {
+                    if (entry.command == command)
+                        return true;
+                }
+                return false;
+            });
+    }
+    updateNewMenu();
+}
+
+void DialogCommands::updateNewMenu()
+{
+    QAction *action = m_window->commandAction(CommandId::New);
+    if (!action || !m_view)
+        return;
+    const bool offered = !templates().menu(m_view->document()->noteType).empty();
+    action->setMenu(offered ? m_newMenu : static_cast<QMenu *>(nullptr));
 }
 
 Prompts *DialogCommands::prompts() const
@@ -110,6 +199,16 @@ QStringList DialogCommands::categories() const
     return CategoryList::fill(*m_view->document(), settings().testFlag(Settings::CalendarCategories), {});
 }
 
+ItemPropertiesDialog::Context DialogCommands::propertiesContext() const
+{
+    ItemPropertiesDialog::Context context;
+    context.document = m_view->document();
+    context.prompts = prompts();
+    context.documentsFolder = m_window->documentsFolder();
+    context.categories = categories();
+    return context;
+}
+
 void DialogCommands::select(TreeNode *node)
 {
     m_view->refresh(node);
@@ -129,8 +228,7 @@ void DialogCommands::editItem(int page)
         editNoteExternally(item);
         return;
     }
-    ItemPropertiesDialog::Context context{document, prompts(), m_window->documentsFolder(), categories(), {}, true};
-    ItemPropertiesDialog dialog(context, item, false, m_view);
+    ItemPropertiesDialog dialog(propertiesContext(), item, false, m_view);
     dialog.setPage(page);
     if (prompts()->runDialog(&dialog) != QDialog::Accepted)
         return;
@@ -152,12 +250,14 @@ void DialogCommands::editNoteExternally(Item *item)
     m_view->notePane()->load(item->note());
 }
 
-void DialogCommands::newItem(const Item *templ)
+void DialogCommands::newItem(const Template *templ)
 {
     m_view->commitEdits();
     Document *document = m_view->document();
     auto item = std::make_unique<Item>();
-    ItemPropertiesDialog::Context context{document, prompts(), m_window->documentsFolder(), categories(), {}, true};
+    ItemPropertiesDialog::Context context = propertiesContext();
+    for (const TemplateFile::MenuEntry &entry : templates().menu(document->noteType))
+        context.templates.append({entry.name, templates().at(entry.index)});
     ItemPropertiesDialog dialog(context, item.get(), true, m_view);
     if (templ)
         dialog.applyTemplate(*templ);
@@ -170,6 +270,13 @@ void DialogCommands::newItem(const Item *templ)
         Editing::insertItem(*document, added, dialog.position());
     }
     select(dialog.followedLink() ? dialog.followedLink() : added);
+}
+
+void DialogCommands::itemTemplates()
+{
+    TemplatesDialog dialog(&templates(), templateFilePath(), propertiesContext(), m_view);
+    prompts()->runDialog(&dialog);
+    updateTemplateCommands();
 }
 
 // ---- find
@@ -406,6 +513,83 @@ void DialogCommands::exportXml()
     }
     if (!written)
         prompts()->message(m_view, Prompts::Icon::Stop, QString::fromLatin1(Messages::ExportFailed));
+}
+
+void DialogCommands::exportItems()
+{
+    Document *document = m_view->document();
+    m_view->commitEdits();
+    ItemExportDialog dialog(*document, !settings().testFlag(Settings::KeepExportedItems), m_view);
+    dialog.tree()->selectNode(document->current());
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    const QString suggested = QDir(m_window->documentsFolder()).filePath(QStringLiteral("Exported Items.qbx"));
+    const QString path =
+        prompts()->saveFileOfType(m_view, QStringLiteral("Export Items"), suggested,
+                                  Prompts::filtersOf(QString::fromLatin1(Messages::FileFilter)), QStringLiteral("qbx"),
+                                  nullptr);
+    if (path.isEmpty())
+        return;
+    const bool deleting = dialog.deleteAfter();
+    const quint32 marked = m_view->clip().item() ? m_view->clip().item()->handle() : 0;
+    // The view lets go of the item whose note it shows before anything can
+    // be deleted under it.
+    if (deleting)
+        select(document->root());
+    int result = ItemExport::Failed;
+    {
+        WaitCursor wait;
+        result = ItemExport::exportItems(*document, ItemExport::Choice(dialog.choice()), deleting, dialog.selection(),
+                                         path);
+    }
+    if (deleting && result > 0) {
+        if (marked && !document->liveItem(marked))
+            m_view->clip().clear();
+        select(document->current());
+    }
+    prompts()->message(m_view, result == ItemExport::Failed ? Prompts::Icon::Stop : Prompts::Icon::Information,
+                       ItemExport::message(result));
+}
+
+void DialogCommands::importText()
+{
+    const QString path = prompts()->openFileName(
+        m_window, QStringLiteral("Import"), m_window->documentsFolder(),
+        Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)).join(QStringLiteral(";;")));
+    if (path.isEmpty())
+        return;
+    const QString target = TextImport::documentPath(path);
+    const int noteType = prompts()->askNoteType(m_window, TextImport::noteTypeOf(settings().textImport));
+    if (noteType < 0)
+        return;
+    // An existing document of that name is replaced only when the person
+    // says so.
+    if (QFileInfo::exists(target) &&
+        !prompts()->askWarningYesNo(m_window, QString::fromLatin1(Messages::AskReplaceDocument)
+                                                  .arg(QDir::toNativeSeparators(target))))
+        return;
+    Document document;
+    TextImport::Options options;
+    options.icon = TextImport::iconOf(settings().textImport);
+    options.codePage = settings().ansiCodePage;
+    TextImport::Result result = TextImport::Result::Unreadable;
+    bool saved = false;
+    {
+        WaitCursor wait;
+        result = TextImport::importDocument(path, quint16(noteType), options, &document);
+        if (result == TextImport::Result::Ok)
+            saved = DocumentFile::save(document);
+    }
+    if (result != TextImport::Result::Ok) {
+        prompts()->message(m_window, Prompts::Icon::Stop, TextImport::message(result));
+        return;
+    }
+    if (!saved) {
+        prompts()->message(m_window, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
+        return;
+    }
+    m_window->refreshDocumentList();
+    m_window->openDocument(document.path);
 }
 
 // ---- help

@@ -4,15 +4,12 @@
 
 class Document;
 class Item;
+class NodeTree;
 class Prompts;
-class QTreeWidget;
-class QTreeWidgetItem;
 class TreeNode;
 
-/// Picks an item of the document's tree for an item link. The tree opens at
-/// the list title (the root), whose rows are filled only as branches are
-/// opened, so a document of any size opens at once. The list title itself
-/// cannot be chosen: OK on it is refused with its message.
+/// Picks an item of the document's tree for an item link. The list title
+/// (the root) cannot be chosen: OK on it is refused with its message.
 class ItemPickerDialog : public QDialog {
     Q_OBJECT
 public:
@@ -22,16 +19,12 @@ public:
     /// is not in the tree.
     bool selectNode(const TreeNode *node);
     Item *chosen() const { return m_chosen; }
-    QTreeWidget *tree() const { return m_tree; }
+    NodeTree *tree() const { return m_tree; }
 
     void accept() override;
 
 private:
-    QTreeWidgetItem *rowFor(TreeNode *node) const;
-    void fill(QTreeWidgetItem *row);
-    static TreeNode *nodeOf(const QTreeWidgetItem *row);
-
     Prompts *m_prompts;
-    QTreeWidget *m_tree = nullptr;
+    NodeTree *m_tree = nullptr;
     Item *m_chosen = nullptr;
 };

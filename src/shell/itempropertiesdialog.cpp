@@ -12,6 +12,7 @@
 #include "shell/iconbutton.h"
 #include "shell/linkspage.h"
 #include "shell/prompts.h"
+#include "storage/template.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -73,6 +74,8 @@ ItemPropertiesDialog::ItemPropertiesDialog(const Context &context, Item *item, b
     m_links = new LinksPage(context.document, context.prompts, context.documentsFolder, m_pages);
     m_pages->addTab(m_links, QStringLiteral("Links"));
     m_pages->addTab(buildDetails(), QStringLiteral("Details"));
+    // A template never holds links.
+    m_pages->setTabVisible(LinkPage, !context.forTemplate);
     layout->addWidget(m_pages, 1);
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
@@ -92,7 +95,7 @@ ItemPropertiesDialog::ItemPropertiesDialog(const Context &context, Item *item, b
         accept();
     });
 
-    load(*item, true);
+    load(*item);
     m_note->load(item->note());
     m_name->setFocus();
     m_name->selectAll();
@@ -114,7 +117,7 @@ QWidget *ItemPropertiesDialog::buildGeneral(bool isNew)
         m_template->addItem(choice.name);
     connect(m_template, &QComboBox::activated, this, [this](int index) {
         if (index > 0 && index <= m_context.templates.size())
-            applyTemplate(*m_context.templates.at(index - 1).item);
+            applyTemplate(*m_context.templates.at(index - 1).entry);
     });
     if (!m_context.templates.isEmpty())
         form->addRow(QStringLiteral("&Template:"), m_template);
@@ -213,7 +216,7 @@ QWidget *ItemPropertiesDialog::buildNote()
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     m_note = new NotePane(page);
-    m_note->setNoteType(m_context.document->noteType);
+    m_note->setNoteType(noteType());
     layout->addWidget(m_note, 1);
     if (m_context.externalEditor) {
         auto *row = new QHBoxLayout;
@@ -273,14 +276,21 @@ QWidget *ItemPropertiesDialog::buildDetails()
 
     m_created = new QLabel(page);
     m_created->setObjectName(QStringLiteral("created"));
-    form->addRow(QStringLiteral("Created:"), m_created);
+    if (!m_context.forTemplate)
+        form->addRow(QStringLiteral("Created:"), m_created);
+    else
+        m_created->hide();
     return page;
 }
 
-void ItemPropertiesDialog::load(const Item &item, bool withName)
+quint16 ItemPropertiesDialog::noteType() const
 {
-    if (withName)
-        m_name->setText(item.name());
+    return m_context.noteType >= 0 ? quint16(m_context.noteType) : m_context.document->noteType;
+}
+
+void ItemPropertiesDialog::load(const Item &item)
+{
+    m_name->setText(item.name());
     m_priority->setCurrentIndex(std::clamp<int>(item.priority(), 1, 20) - 1);
     m_category->setEditText(item.category());
     m_icon->setImage(item.image());
@@ -321,19 +331,25 @@ void ItemPropertiesDialog::setPage(int page)
         m_links->fill(*m_item);
 }
 
-void ItemPropertiesDialog::applyTemplate(const Item &templ)
+void ItemPropertiesDialog::applyTemplate(const Template &templ)
 {
-    load(templ, true);
-    if (templ.noteSize() > 0) {
-        m_note->load(templ.note());
-        m_note->setModified(true);
+    // The template's rule decides what it gives; the controls then show the
+    // result. The item itself changes only on OK.
+    std::unique_ptr<Item> preview(m_item->clone());
+    templ.applyTo(preview.get());
+    load(*preview);
+    m_note->load(preview->note());
+    m_note->setModified(true);
+    for (int i = 0; i < m_context.templates.size(); ++i) {
+        if (m_context.templates.at(i).entry == &templ)
+            m_template->setCurrentIndex(i + 1);
     }
 }
 
 void ItemPropertiesDialog::editInWord()
 {
     QByteArray note = m_note->noteBytes();
-    if (ExternalNoteEditor::edit(this, m_context.prompts, &note, m_context.document->noteType) !=
+    if (ExternalNoteEditor::edit(this, m_context.prompts, &note, noteType()) !=
         ExternalNoteEditor::Result::Updated)
         return;
     m_note->load(note);
@@ -350,7 +366,10 @@ void ItemPropertiesDialog::store()
     Item *item = m_item;
     item->setName(m_name->text());
     Editing::setPriority(item, quint16(m_priority->currentIndex() + 1));
-    item->setCategory(m_context.document->collectCategory(m_category->currentText()));
+    if (m_context.forTemplate)
+        item->setCategory(m_category->currentText());
+    else
+        item->setCategory(m_context.document->collectCategory(m_category->currentText()));
     item->setImage(m_icon->image());
     item->setColour(quint16(m_colour->colour()));
     item->setShowIcon(m_showIcon->isChecked());
@@ -373,7 +392,7 @@ void ItemPropertiesDialog::store()
     else
         item->setReminderTime(m_reminder);
 
-    if (m_links->isFilled())
+    if (m_links->isFilled() && !m_context.forTemplate)
         item->setLinks(m_links->links());
     if (m_note->isModified())
         item->setNote(m_note->noteBytes());

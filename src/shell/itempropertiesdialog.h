@@ -14,6 +14,7 @@ class Item;
 class LinksPage;
 class NotePane;
 class Prompts;
+class Template;
 class QButtonGroup;
 class QCheckBox;
 class QComboBox;
@@ -38,11 +39,10 @@ class ItemPropertiesDialog : public QDialog {
 public:
     enum Page { GeneralPage = 0, NotePage = 1, LinkPage = 2, DetailsPage = 3 };
 
-    /// A template offered in the "Template:" list; its Item part carries
-    /// the values it gives.
+    /// A template offered in the "Template:" list.
     struct TemplateChoice {
         QString name;
-        const Item *item = nullptr;
+        const Template *entry = nullptr;
     };
 
     struct Context {
@@ -56,6 +56,11 @@ public:
         QList<TemplateChoice> templates;
         /// Whether "Edit in Word" is offered on the note page.
         bool externalEditor = true;
+        /// Editing a template: no links page, no creation date, and its
+        /// category joins no document.
+        bool forTemplate = false;
+        /// The note type of the note page; -1 for the document's.
+        int noteType = -1;
     };
 
     /// Edits item. With isNew the item is not yet in the tree: the dialog
@@ -65,8 +70,9 @@ public:
 
     /// Shows a page (filling the links page when it is first shown).
     void setPage(int page);
-    /// Fills every control from a template, as the "Template:" list does.
-    void applyTemplate(const Item &templ);
+    /// Fills every control from a template, as choosing it in the
+    /// "Template:" list does.
+    void applyTemplate(const Template &templ);
     /// Writes the controls into the item through the model's operations: a
     /// changed priority, name, category or date sorts the parent again when
     /// it orders by that key, and progress rolls up; switching to
@@ -87,7 +93,8 @@ private:
     QWidget *buildGeneral(bool isNew);
     QWidget *buildNote();
     QWidget *buildDetails();
-    void load(const Item &item, bool withName);
+    void load(const Item &item);
+    quint16 noteType() const;
     void updateProgressControls();
     void editInWord();
 

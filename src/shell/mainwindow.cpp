@@ -383,7 +383,7 @@ void MainWindow::updateActions()
             enabled = m_view != nullptr;
             break;
         case ImportText:
-            enabled = false; // arrives with the text import
+            enabled = !m_view;
             break;
         default:
             enabled = m_view && m_view->isCommandEnabled(id);
@@ -411,6 +411,10 @@ void MainWindow::runCommand(int id)
         return;
     case Refresh:
         refreshDocumentList();
+        return;
+    case ImportText:
+        if (!m_view)
+            m_dialogs->importText();
         return;
     case New:
         if (!m_view) {

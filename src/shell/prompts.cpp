@@ -74,7 +74,7 @@ QString DialogPrompts::saveFileName(QWidget *parent, const QString &title, const
     return dialog.selectedFiles().constFirst();
 }
 
-int DialogPrompts::askNoteType(QWidget *parent)
+int DialogPrompts::askNoteType(QWidget *parent, int preselected)
 {
     QDialog dialog(parent);
     dialog.setWindowTitle(caption());
@@ -97,7 +97,7 @@ int DialogPrompts::askNoteType(QWidget *parent)
         detail->setEnabled(false);
         layout->addWidget(detail);
     }
-    group.button(0)->setChecked(true);
+    group.button(preselected >= 0 && preselected < 3 ? preselected : 0)->setChecked(true);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);

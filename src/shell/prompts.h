@@ -32,8 +32,8 @@ public:
     virtual QString saveFileName(QWidget *parent, const QString &title, const QString &suggested,
                                  const QString &filter) = 0;
     /// The note type of a new document (0 plain text, 1 rich ink, 2 rich
-    /// text), or -1 when cancelled.
-    virtual int askNoteType(QWidget *parent) = 0;
+    /// text), or -1 when cancelled. preselected is the type offered first.
+    virtual int askNoteType(QWidget *parent, int preselected = 0) = 0;
     /// Asks for the password of a protected document until check accepts
     /// it; false when cancelled.
     virtual bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) = 0;
@@ -82,7 +82,7 @@ public:
     QString openFileName(QWidget *parent, const QString &title, const QString &folder, const QString &filter) override;
     QString saveFileName(QWidget *parent, const QString &title, const QString &suggested,
                          const QString &filter) override;
-    int askNoteType(QWidget *parent) override;
+    int askNoteType(QWidget *parent, int preselected = 0) override;
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;

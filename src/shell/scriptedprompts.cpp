@@ -26,8 +26,9 @@ QString ScriptedPrompts::saveFileName(QWidget *, const QString &, const QString 
     return fileNames.isEmpty() ? QString() : fileNames.dequeue();
 }
 
-int ScriptedPrompts::askNoteType(QWidget *)
+int ScriptedPrompts::askNoteType(QWidget *, int preselected)
 {
+    noteTypesOffered.append(preselected);
     return noteTypes.isEmpty() ? -1 : noteTypes.dequeue();
 }
 

@@ -27,6 +27,8 @@ public:
     QQueue<bool> yesNo;
     QQueue<QString> fileNames;
     QQueue<int> noteTypes;
+    /// The type each note type question offered first.
+    QList<int> noteTypesOffered;
     QQueue<QString> passwords;
     /// Object names of the actions to choose (triggered as a click would);
     /// an empty name dismisses.
@@ -71,7 +73,7 @@ public:
     QString openFileName(QWidget *parent, const QString &title, const QString &folder, const QString &filter) override;
     QString saveFileName(QWidget *parent, const QString &title, const QString &suggested,
                          const QString &filter) override;
-    int askNoteType(QWidget *parent) override;
+    int askNoteType(QWidget *parent, int preselected = 0) override;
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;

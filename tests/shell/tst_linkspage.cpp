@@ -3,6 +3,7 @@
 #include "model/editing.h"
 #include "shell/commandids.h"
 #include "shell/itempickerdialog.h"
+#include "shell/nodetree.h"
 #include "shell/itempropertiesdialog.h"
 #include "shell/linkspage.h"
 
