@@ -138,8 +138,10 @@ void DialogCommands::install(DocumentView *view)
 
     updateTemplateCommands();
     // The document list's "New" makes documents: no template menu there.
-    connect(view, &QObject::destroyed, this, [this] {
-        if (QAction *action = m_window->commandAction(New))
+    // (The action is held by a guard: the view may go while the window is
+    // being taken down.)
+    connect(view, &QObject::destroyed, this, [action = QPointer<QAction>(m_window->commandAction(New))] {
+        if (action)
             action->setMenu(static_cast<QMenu *>(nullptr));
     });
 }

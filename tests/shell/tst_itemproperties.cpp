@@ -8,6 +8,7 @@
 #include "shell/colourcombo.h"
 #include "shell/commandids.h"
 #include "shell/itempropertiesdialog.h"
+#include "storage/template.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -279,7 +280,10 @@ void TestItemProperties::templateFillsEveryControl()
 {
     ShellFixture f;
     QVERIFY(f.open(sample()));
-    Item templ(QStringLiteral("Weekly report"), 7);
+    Template templ(Document::PlainText);
+    templ.setTemplateName(QStringLiteral("Report"));
+    templ.setName(QStringLiteral("Weekly report"));
+    templ.setImage(7);
     templ.setPriority(3);
     templ.setCategory(QStringLiteral("Reports"));
     templ.setStatusType(Item::ProgressBar);
