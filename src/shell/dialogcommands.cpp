@@ -532,12 +532,11 @@ void DialogCommands::exportItems()
                                   nullptr);
     if (path.isEmpty())
         return;
+    // The selection is the branch of "Currently selected item"; the note it
+    // shows was stored above, so its pane holds nothing that a deletion could
+    // lose.
     const bool deleting = dialog.deleteAfter();
     const quint32 marked = m_view->clip().item() ? m_view->clip().item()->handle() : 0;
-    // The view lets go of the item whose note it shows before anything can
-    // be deleted under it.
-    if (deleting)
-        select(document->root());
     int result = ItemExport::Failed;
     {
         WaitCursor wait;

@@ -2,9 +2,14 @@
 
 #include "exchange/notetext.h"
 #include "shell/commandids.h"
+#include "model/treewalker.h"
+#include "shell/itemexportdialog.h"
+#include "shell/nodetree.h"
 #include "shell/textexportdialog.h"
 
+#include <QCheckBox>
 #include <QComboBox>
+#include <QRadioButton>
 #include <QFile>
 #include <QLabel>
 
@@ -18,6 +23,28 @@ QByteArray le(const QString &text)
         bytes += char(c.unicode() >> 8);
     }
     return bytes;
+}
+
+// "Name" per item, each followed by its children in brackets:
+// "Pack[Boots] Map".
+QString outline(const TreeNode *top)
+{
+    QString text;
+    TreeWalker walker(top);
+    int depth = 0;
+    while (const Item *item = walker.next()) {
+        for (; depth > walker.depth(); --depth)
+            text += QLatin1Char(']');
+        if (depth == walker.depth() && !text.isEmpty())
+            text += QLatin1Char(' ');
+        else if (depth < walker.depth() && depth > 0)
+            text += QLatin1Char('[');
+        depth = walker.depth();
+        text += item->name();
+    }
+    for (; depth > 1; --depth)
+        text += QLatin1Char(']');
+    return text;
 }
 
 QByteArray readFile(const QString &path)
@@ -56,6 +83,8 @@ private Q_SLOTS:
     void failedWriteIsReported();
     void cancelWritesNothing();
     void exportsFollowTheView();
+    void itemsExport_data();
+    void itemsExport();
 };
 
 void TestExportCommands::textExports_data()
@@ -194,6 +223,89 @@ void TestExportCommands::exportsFollowTheView()
     for (int command : exports)
         QVERIFY(!f.view()->isCommandEnabled(command));
     QVERIFY(f.view()->isCommandEnabled(CommandId::ImportFile));
+}
+
+void TestExportCommands::itemsExport_data()
+{
+    QTest::addColumn<int>("choice");
+    QTest::addColumn<QString>("selected");
+    QTest::addColumn<QStringList>("picked");
+    QTest::addColumn<bool>("deleteAfter");
+    QTest::addColumn<QString>("written");   // the new file's items; empty: no file
+    QTest::addColumn<QString>("rootName");  // the new file's root
+    QTest::addColumn<QString>("remaining"); // the open document afterwards
+    QTest::addColumn<QString>("message");
+
+    const QString all = QStringLiteral("Pack[Boots Socks] Book[Map]");
+    QTest::newRow("completed items") << 0 << QString() << QStringList() << false << QStringLiteral("Pack[Boots] Map")
+                                     << QStringLiteral("Trip") << all << QStringLiteral("3 item(s) exported.");
+    QTest::newRow("with hierarchy, deleted")
+        << 1 << QString() << QStringList() << true << QStringLiteral("Pack[Boots] Book[Map]") << QStringLiteral("Trip")
+        << QStringLiteral("Pack[Socks] Book") << QStringLiteral("4 item(s) exported.");
+    QTest::newRow("selected branch, deleted")
+        << 2 << QStringLiteral("Book") << QStringList() << true << QStringLiteral("Map") << QStringLiteral("Book")
+        << QStringLiteral("Pack[Boots Socks]") << QStringLiteral("2 item(s) exported.");
+    QTest::newRow("picked items") << 3 << QString() << QStringList{QStringLiteral("Socks"), QStringLiteral("Map")}
+                                  << false << QStringLiteral("Socks Map") << QStringLiteral("Trip") << all
+                                  << QStringLiteral("2 item(s) exported.");
+    QTest::newRow("nothing picked") << 3 << QString() << QStringList() << true << QString() << QString() << all
+                                    << QStringLiteral("There are no items that matched the export criteria. No file "
+                                                      "is created.");
+}
+
+void TestExportCommands::itemsExport()
+{
+    QFETCH(int, choice);
+    QFETCH(QString, selected);
+    QFETCH(QStringList, picked);
+    QFETCH(bool, deleteAfter);
+    QFETCH(QString, written);
+    QFETCH(QString, rootName);
+    QFETCH(QString, remaining);
+    QFETCH(QString, message);
+
+    ShellFixture f;
+    auto document = std::make_unique<Document>();
+    document->root()->setName(QStringLiteral("Trip"));
+    Item *pack = add(document->root(), QStringLiteral("Pack"));
+    add(pack, QStringLiteral("Boots"))->storeProgress(100);
+    add(pack, QStringLiteral("Socks"));
+    pack->storeProgress(100);
+    Item *book = add(document->root(), QStringLiteral("Book"));
+    add(book, QStringLiteral("Map"))->storeProgress(100);
+    QVERIFY(f.open(std::move(document)));
+    if (!selected.isEmpty())
+        f.select(f.at({1}));
+    const QString path = f.dir.filePath(QStringLiteral("items.qbx"));
+    f.prompts.fileNames.enqueue(path);
+    f.prompts.dialogs.enqueue([&](QDialog *d) {
+        auto *dialog = qobject_cast<ItemExportDialog *>(d);
+        // "Delete after export" starts from the option, which is off.
+        QVERIFY(!child<QCheckBox>(d, "deleteAfterExport")->isChecked());
+        QVERIFY(!dialog->tree()->isEnabled());
+        clickButton(d->findChild<QRadioButton *>(QStringLiteral("choice%1").arg(choice)));
+        QCOMPARE(dialog->tree()->isEnabled(), choice == 3);
+        for (const QString &name : picked) {
+            Item *item = name == QLatin1String("Socks") ? f.at({0, 1}) : f.at({1, 0});
+            dialog->tree()->rowFor(item)->setCheckState(0, Qt::Checked);
+        }
+        if (choice == 3)
+            screenshot(d, QStringLiteral("item-export"));
+        child<QCheckBox>(d, "deleteAfterExport")->setChecked(deleteAfter);
+        press(d);
+    });
+    f.run(CommandId::ExportItems);
+    QCOMPARE(f.shownTexts(), QStringList{message});
+    QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
+    QCOMPARE(outline(f.document()->root()), remaining);
+    if (written.isEmpty()) {
+        QVERIFY(!QFile::exists(path));
+        return;
+    }
+    Document exported;
+    QCOMPARE(DocumentFile::load(path, &exported), DocumentFile::Loaded);
+    QCOMPARE(exported.root()->name(), rootName);
+    QCOMPARE(outline(exported.root()), written);
 }
 
 QTEST_MAIN(TestExportCommands)
