@@ -6,6 +6,7 @@
 #include "shell/commandids.h"
 #include "shell/convertnotesdialog.h"
 #include "shell/dialogcommands.h"
+#include "model/treewalker.h"
 #include "storage/password.h"
 
 #include <QAction>
@@ -60,6 +61,8 @@ private Q_SLOTS:
     void convertNotes();
     void fileProperties();
     void helpOpensTheContents();
+    void importTextMakesANewDocument_data();
+    void importTextMakesANewDocument();
 };
 
 void TestFileCommands::importFile_data()
@@ -232,6 +235,88 @@ void TestFileCommands::helpOpensTheContents()
         ++links;
     }
     QVERIFY(links > 10);
+}
+
+void TestFileCommands::importTextMakesANewDocument_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("existing");
+    QTest::addColumn<QList<bool>>("answers");
+    QTest::addColumn<QString>("outline"); // empty: no document opened
+    QTest::addColumn<QStringList>("messages");
+
+    const QString replace = QStringLiteral("'%1' already exists. Do you want to replace it?");
+    QTest::newRow("outline") << QByteArray("Groceries\r\n Fruit\r\n  Apples\r\n Bread\r\n") << false << QList<bool>()
+                             << QStringLiteral("Groceries: Fruit Apples Bread") << QStringList();
+    QTest::newRow("replacing a document, yes")
+        << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{true}
+        << QStringLiteral("Groceries: Bread") << QStringList{replace};
+    QTest::newRow("replacing a document, no")
+        << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{false} << QString() << QStringList{replace};
+    QTest::newRow("format error")
+        << QByteArray("Groceries\r\nFruit\r\n") << false << QList<bool>() << QString()
+        << QStringList{QStringLiteral("The format of the import text file is invalid. Please correct the file and try "
+                                      "again.")};
+    QTest::newRow("unreadable") << QByteArray("\xff\xfe\x00\x00", 4) << false << QList<bool>() << QString()
+                                << QStringList{QStringLiteral("Unable to load file. Please try again with a smaller "
+                                                              "file.")};
+}
+
+void TestFileCommands::importTextMakesANewDocument()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(bool, existing);
+    QFETCH(QList<bool>, answers);
+    QFETCH(QString, outline);
+    QFETCH(QStringList, messages);
+    ShellFixture f;
+    f.window->settings().textImport = 0x00020007; // rich text notes, icon 7
+    const QString source = f.dir.filePath(QStringLiteral("shopping.list.txt"));
+    const QString target = f.dir.filePath(QStringLiteral("shopping.list.qbx"));
+    QFile file(source);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    file.close();
+    if (existing) {
+        Document old;
+        add(old.root(), QStringLiteral("Old"));
+        old.path = target;
+        QVERIFY(DocumentFile::save(old));
+    }
+    f.window->updateActions();
+    QVERIFY(f.window->commandAction(CommandId::ImportText)->isEnabled());
+    f.prompts.fileNames.enqueue(source);
+    f.prompts.noteTypes.enqueue(Document::RichText);
+    f.prompts.yesNo.append(answers);
+    f.run(CommandId::ImportText);
+
+    QStringList expected = messages;
+    for (QString &m : expected)
+        m.replace(QLatin1String("%1"), QDir::toNativeSeparators(target));
+    QCOMPARE(f.shownTexts(), expected);
+    QCOMPARE(f.prompts.noteTypesOffered, QList<int>{2}); // the option's note type comes first
+    if (outline.isEmpty()) {
+        QVERIFY(!f.view());
+        Document onDisk;
+        if (existing) {
+            QCOMPARE(DocumentFile::load(target, &onDisk), DocumentFile::Loaded);
+            QCOMPARE(onDisk.root()->child(0)->name(), QStringLiteral("Old"));
+        } else {
+            QVERIFY(!QFile::exists(target));
+        }
+        return;
+    }
+    QVERIFY(f.view());
+    QCOMPARE(f.document()->path, target);
+    QCOMPARE(f.document()->noteType, quint16(Document::RichText));
+    QStringList names;
+    TreeWalker walker(f.document()->root());
+    while (const Item *item = walker.next()) {
+        names.append(item->name());
+        QCOMPARE(item->image(), quint16(7));
+    }
+    QCOMPARE(f.document()->root()->name() + QStringLiteral(": ") + names.join(QLatin1Char(' ')), outline);
+    QVERIFY(!f.window->commandAction(CommandId::ImportText)->isEnabled());
 }
 
 QTEST_MAIN(TestFileCommands)
