@@ -2,6 +2,7 @@
 
 #include "platform/messages.h"
 #include "shell/iconchooser.h"
+#include "shell/passworddialog.h"
 
 #include <QAction>
 #include <QApplication>
@@ -10,7 +11,6 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -109,32 +109,9 @@ int DialogPrompts::askNoteType(QWidget *parent, int preselected)
 
 bool DialogPrompts::askPassword(QWidget *parent, const std::function<bool(const QString &)> &check)
 {
-    QDialog dialog(parent);
-    dialog.setWindowTitle(caption());
-    auto *layout = new QVBoxLayout(&dialog);
-    auto *label = new QLabel(QString::fromLatin1(Messages::PasswordEnterPrompt));
-    label->setWordWrap(true);
-    layout->addWidget(label);
-    auto *form = new QFormLayout;
-    auto *edit = new QLineEdit;
-    edit->setEchoMode(QLineEdit::Password);
-    edit->setMaxLength(15);
-    form->addRow(QStringLiteral("Password:"), edit);
-    layout->addLayout(form);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    layout->addWidget(buttons);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
-        if (check(edit->text())) {
-            dialog.accept();
-            return;
-        }
-        // Wrong passwords may be retried without limit.
-        message(&dialog, Icon::Stop, QString::fromLatin1(Messages::PasswordNotCorrect));
-        edit->selectAll();
-        edit->setFocus();
-    });
-    dialog.resize(360, dialog.sizeHint().height());
+    // The password dialog in its "enter" mode: the new-password boxes are
+    // greyed, and a wrong password keeps it open for another try.
+    PasswordDialog dialog(check, this, parent);
     return dialog.exec() == QDialog::Accepted;
 }
 
