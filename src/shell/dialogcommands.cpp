@@ -13,6 +13,7 @@
 #include "platform/messages.h"
 #include "rows/iconset.h"
 #include "shell/applyattributesdialog.h"
+#include "shell/branchview.h"
 #include "shell/commandids.h"
 #include "shell/convertnotesdialog.h"
 #include "shell/documentview.h"
@@ -52,7 +53,7 @@ DialogCommands::DialogCommands(MainWindow *window) : QObject(window), m_window(w
     const std::pair<int, QIcon> icons[] = {{ModifyItem, ToolbarIcons::modifyItem()},
                                            {ModifyNote, ToolbarIcons::modifyNote()},
                                            {CommandId::Links, ToolbarIcons::links()},
-                                           {BranchView, ToolbarIcons::branchView()}};
+                                           {CommandId::BranchView, ToolbarIcons::branchView()}};
     for (const auto &[id, icon] : icons) {
         if (QAction *action = window->commandAction(id))
             action->setIcon(icon);
@@ -123,6 +124,9 @@ void DialogCommands::install(DocumentView *view)
     view->setCommand(ItemTemplates, [this] { itemTemplates(); });
     view->setCommand(TemplateFile::BlankCommand, [this] { newItem(nullptr); });
     view->setCommand(ExportItems, [this] { exportItems(); });
+    view->setCommand(CommandId::BranchView, [this] { branchView(); }, [this] {
+        return currentItem() && m_view->document()->viewMode == Document::DefaultView;
+    });
     view->setCommand(FindItem, [this] { find(); });
     view->setCommand(FindResult, [this] { showSearchResult(); }, [this] { return m_hasResult; });
     view->setCommand(CommandId::ApplyAttributes, [this] { applyAttributes(); });
@@ -272,6 +276,37 @@ void DialogCommands::newItem(const Template *templ)
         Editing::insertItem(*document, added, dialog.position());
     }
     select(dialog.followedLink() ? dialog.followedLink() : added);
+}
+
+bool DialogCommands::editProperties(Item *item, QWidget *parent)
+{
+    ItemPropertiesDialog dialog(propertiesContext(), item, false, parent);
+    if (prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return false;
+    WaitCursor wait;
+    dialog.store();
+    return true;
+}
+
+void DialogCommands::branchView()
+{
+    Item *item = currentItem();
+    if (!item)
+        return;
+    m_view->commitEdits();
+    Document *document = m_view->document();
+    const quint32 top = item->handle();
+    // The main list rebuilds its rows after every change made in the branch
+    // view, so that none of them names an item deleted there.
+    auto mainListFollows = [this, document, top] {
+        Item *branchTop = document->liveItem(top);
+        m_view->refresh(branchTop ? static_cast<TreeNode *>(branchTop) : document->current());
+    };
+    ::BranchView branch(document, item, &settings(), prompts(), &m_view->clip(), m_view);
+    branch.setAfterChange(mainListFollows);
+    branch.setPropertiesEditor([this, &branch](Item *edited) { return editProperties(edited, &branch); });
+    prompts()->runDialog(&branch);
+    mainListFollows();
 }
 
 void DialogCommands::itemTemplates()

@@ -72,6 +72,8 @@ private:
     void editItem(int page);
     void editNoteExternally(Item *item);
     void newItem(const Template *templ);
+    bool editProperties(Item *item, QWidget *parent);
+    void branchView();
     void itemTemplates();
     void find();
     void showSearchResult();
