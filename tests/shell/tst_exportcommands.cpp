@@ -11,6 +11,7 @@
 #include <QComboBox>
 #include <QRadioButton>
 #include <QFile>
+#include <QProcess>
 #include <QLabel>
 
 namespace {
@@ -83,6 +84,8 @@ private Q_SLOTS:
     void failedWriteIsReported();
     void cancelWritesNothing();
     void exportsFollowTheView();
+    void menuExportsEqualQbx_data();
+    void menuExportsEqualQbx();
     void itemsExport_data();
     void itemsExport();
 };
@@ -223,6 +226,64 @@ void TestExportCommands::exportsFollowTheView()
     for (int command : exports)
         QVERIFY(!f.view()->isCommandEnabled(command));
     QVERIFY(f.view()->isCommandEnabled(CommandId::ImportFile));
+}
+
+void TestExportCommands::menuExportsEqualQbx_data()
+{
+    QTest::addColumn<int>("command");
+    QTest::addColumn<int>("choice");
+    QTest::addColumn<bool>("unicode");
+    QTest::addColumn<QStringList>("qbxArguments");
+    QTest::newRow("xml") << int(CommandId::ExportXml) << 1 << false
+                         << QStringList{QStringLiteral("xml"), QStringLiteral("--encoding"), QStringLiteral("1")};
+    QTest::newRow("view") << int(CommandId::ExportView) << 1 << true
+                          << QStringList{QStringLiteral("view"), QStringLiteral("--indent"), QStringLiteral("1"),
+                                         QStringLiteral("--unicode")};
+    QTest::newRow("notes") << int(CommandId::ExportNotes) << 2 << false
+                           << QStringList{QStringLiteral("notes"), QStringLiteral("--separator"), QStringLiteral("2")};
+    QTest::newRow("links") << int(CommandId::ExportLinks) << 4 << true
+                           << QStringList{QStringLiteral("links"), QStringLiteral("--separator"), QStringLiteral("4"),
+                                          QStringLiteral("--unicode")};
+}
+
+void TestExportCommands::menuExportsEqualQbx()
+{
+    QFETCH(int, command);
+    QFETCH(int, choice);
+    QFETCH(bool, unicode);
+    QFETCH(QStringList, qbxArguments);
+    const QString qbx = QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
+    QVERIFY2(QFile::exists(qbx), "build the qbx target first");
+    ShellFixture f;
+    QVERIFY(f.open(sample()));
+    const QString fromMenu = f.dir.filePath(QStringLiteral("menu.out"));
+    f.window->settings().xmlEncode = quint16(choice);
+    f.prompts.fileNames.enqueue(fromMenu);
+    f.prompts.fileTypes.enqueue(unicode ? 1 : 0);
+    if (command != CommandId::ExportXml) {
+        f.prompts.dialogs.enqueue([choice](QDialog *d) {
+            child<QComboBox>(d, "exportChoice")->setCurrentIndex(choice);
+            press(d);
+        });
+    }
+    f.run(command);
+    // qbx reads the document as saved (the open view keeps its top level open).
+    f.run(CommandId::Save);
+
+    const QString fromQbx = f.dir.filePath(QStringLiteral("qbx.out"));
+    QStringList arguments{QStringLiteral("export")};
+    arguments << qbxArguments.first() << qbxArguments.mid(1) << f.document()->path << fromQbx;
+    QProcess process;
+    // qbx must not read the settings of the person running the tests.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), f.dir.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("HOME"), f.dir.path());
+    process.setProcessEnvironment(environment);
+    process.start(qbx, arguments);
+    QVERIFY(process.waitForFinished(30000));
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(readFile(fromMenu), readFile(fromQbx));
+    QVERIFY(readFile(fromMenu).size() > 40);
 }
 
 void TestExportCommands::itemsExport_data()
