@@ -126,6 +126,9 @@ void TestTemplatesDialog::newItemsFromTemplates()
         QVERIFY(file.save(templatePath(f)));
     }
     QVERIFY(f.open(plainDocument()));
+    f.window->resize(1180, 420);
+    f.window->show();
+    screenshot(f.window.get(), QStringLiteral("main-window"));
     QAction *newAction = f.window->commandAction(CommandId::New);
     QMenu *menu = newAction->menu<QMenu *>();
     QVERIFY(menu);
