@@ -205,13 +205,17 @@ QStringList DialogCommands::categories() const
     return CategoryList::fill(*m_view->document(), settings().testFlag(Settings::CalendarCategories), {});
 }
 
-ItemPropertiesDialog::Context DialogCommands::propertiesContext() const
+ItemPropertiesDialog::Context DialogCommands::propertiesContext()
 {
     ItemPropertiesDialog::Context context;
     context.document = m_view->document();
     context.prompts = prompts();
     context.documentsFolder = m_window->documentsFolder();
     context.categories = categories();
+    // Templates of the document's note type can fill a new item or an edited
+    // one.
+    for (const TemplateFile::MenuEntry &entry : templates().menu(context.document->noteType))
+        context.templates.append({entry.name, templates().at(entry.index)});
     return context;
 }
 
@@ -261,10 +265,7 @@ void DialogCommands::newItem(const Template *templ)
     m_view->commitEdits();
     Document *document = m_view->document();
     auto item = std::make_unique<Item>();
-    ItemPropertiesDialog::Context context = propertiesContext();
-    for (const TemplateFile::MenuEntry &entry : templates().menu(document->noteType))
-        context.templates.append({entry.name, templates().at(entry.index)});
-    ItemPropertiesDialog dialog(context, item.get(), true, m_view);
+    ItemPropertiesDialog dialog(propertiesContext(), item.get(), true, m_view);
     if (templ)
         dialog.applyTemplate(*templ);
     if (prompts()->runDialog(&dialog) != QDialog::Accepted)

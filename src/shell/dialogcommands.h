@@ -64,7 +64,7 @@ private:
     TreeNode *currentNode() const;
     Item *currentItem() const;
     QStringList categories() const;
-    ItemPropertiesDialog::Context propertiesContext() const;
+    ItemPropertiesDialog::Context propertiesContext();
     void select(TreeNode *node);
     void updateTemplateCommands();
     void updateNewMenu();

@@ -53,6 +53,8 @@ private Q_SLOTS:
     void notePage();
     void editInWord_data();
     void editInWord();
+    void modifyNoteGoesToTheWordProcessorWhenChosen_data();
+    void modifyNoteGoesToTheWordProcessorWhenChosen();
 };
 
 void TestItemProperties::generalPageStoredOnlyOnOk_data()
@@ -390,6 +392,38 @@ void TestItemProperties::editInWord()
     QCOMPARE(f.prompts.shown.last().text,
              QStringLiteral("When finished editing and saving the note in Pocket Word, tap OK to update Quillbox."));
     QCOMPARE(RtfReader::plainText(home->note()), ok ? QStringLiteral("final text") : QStringLiteral("draft"));
+}
+
+void TestItemProperties::modifyNoteGoesToTheWordProcessorWhenChosen_data()
+{
+    QTest::addColumn<quint16>("noteType");
+    QTest::addColumn<bool>("external");
+    QTest::newRow("rich text, option on") << quint16(Document::RichText) << true;
+    QTest::newRow("rich ink, option on") << quint16(Document::RichInk) << true;
+    QTest::newRow("plain text keeps the note page") << quint16(Document::PlainText) << false;
+}
+
+void TestItemProperties::modifyNoteGoesToTheWordProcessorWhenChosen()
+{
+    QFETCH(quint16, noteType);
+    QFETCH(bool, external);
+    ShellFixture f;
+    f.window->settings().setFlag(Settings::ExternalRichEditor, true);
+    auto document = sample(noteType);
+    document->root()->child(1)->setNote(NoteText::fromText(QStringLiteral("draft"), noteType));
+    QVERIFY(f.open(std::move(document)));
+    Item *home = f.at({1});
+    f.select(home);
+    f.prompts.whenOpened = [](const QUrl &url) {
+        QFile file(url.toLocalFile());
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write("{\\rtf1\\ansi edited\\par}");
+    };
+    f.run(CommandId::ModifyNote);
+    QCOMPARE(f.prompts.dialogsRun.isEmpty(), external);
+    QCOMPARE(f.prompts.opened.size(), external ? 1 : 0);
+    QCOMPARE(NoteText::plainText(home->note(), noteType), external ? QStringLiteral("edited") : QStringLiteral("draft"));
+    QCOMPARE(f.view()->notePane()->plainText(), external ? QStringLiteral("edited") : QStringLiteral("draft"));
 }
 
 QTEST_MAIN(TestItemProperties)
