@@ -80,7 +80,6 @@ private:
 private Q_SLOTS:
     void textExports_data();
     void textExports();
-    void xmlExport();
     void failedWriteIsReported();
     void cancelWritesNothing();
     void exportsFollowTheView();
@@ -104,15 +103,8 @@ void TestExportCommands::textExports_data()
         QStringLiteral("Data will be exported based on default view excluding any filtering options.");
     QTest::newRow("view, tab, text") << int(CommandId::ExportView) << 1 << 0 << currentView
                                      << QByteArray("Trip\r\n\tPack\r\n\t\tBoots\r\n\tBook\r\n");
-    QTest::newRow("view, two spaces, unicode")
-        << int(CommandId::ExportView) << 3 << 1 << currentView
-        << QByteArray("\xff\xfe") + le(QStringLiteral("Trip\r\n  Pack\r\n    Boots\r\n  Book\r\n"));
     QTest::newRow("notes, slash") << int(CommandId::ExportNotes) << 2 << 0 << defaultView
                                   << QByteArray("Trip/Pack\r\nsocks\r\nTrip/Pack/Boots\r\n\r\nTrip/Book\r\n\r\n");
-    QTest::newRow("links, colon")
-        << int(CommandId::ExportLinks) << 0 << 0 << defaultView
-        << QByteArray("Trip:Pack\r\n(None)\r\n\r\nTrip:Pack:Boots\r\n(None)\r\n\r\nTrip:Book\r\nhttp://x.example\r\n"
-                      "Boots\r\n\r\n");
     QTest::newRow("links, bar, unicode")
         << int(CommandId::ExportLinks) << 4 << 1 << defaultView
         << QByteArray("\xff\xfe") +
@@ -144,29 +136,6 @@ void TestExportCommands::textExports()
     // The choice is the next export's default.
     const Settings &s = f.window->settings();
     QCOMPARE(int(command == CommandId::ExportView ? s.expViewSep : s.expOtherSep), choice);
-}
-
-void TestExportCommands::xmlExport()
-{
-    ShellFixture f;
-    auto document = sample();
-    delete document->root()->takeChild(1);
-    delete document->root()->child(0)->takeChild(0);
-    QVERIFY(f.open(std::move(document)));
-    f.window->settings().xmlEncode = 2;
-    const QString path = f.dir.filePath(QStringLiteral("trip.xml"));
-    f.prompts.fileNames.enqueue(path);
-    f.run(CommandId::ExportXml);
-    QVERIFY(f.prompts.shown.isEmpty());
-    QCOMPARE(readFile(path),
-             QByteArray("\xff\xfe") +
-                 le(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n"
-                                   "<ROOT Flags=\"3\" Image=\"0\" Sort=\"15\" Name=\"Trip\">\r\n"
-                                   "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
-                                   "<NAME>Pack</NAME>\r\n<TASKTIME />\r\n<COLOUR>0</COLOUR>\r\n<DUEDATE />\r\n"
-                                   "<PROGRESS>0</PROGRESS>\r\n<STATUSTYPE>1</STATUSTYPE>\r\n<PRIORITY>10</PRIORITY>\r\n"
-                                   "<CATEGORY />\r\n<CREATED>2024-01-01T00:00:00</CREATED>\r\n<LINKS />\r\n"
-                                   "<NOTE>\r\n<![CDATA[\r\nsocks\r\n]]>\r\n</NOTE>\r\n</ITEM>\r\n</ROOT>\r\n")));
 }
 
 void TestExportCommands::failedWriteIsReported()

@@ -44,12 +44,6 @@ void TestPasswordDialog::setMode_data()
         << QStringList{QString(), QStringLiteral("abc"), QStringLiteral("abd"), QString(), QStringLiteral("abc"),
                        QStringLiteral("abc")}
         << QStringList{mismatch} << QStringLiteral("abc") << true;
-    QTest::newRow("confirmation counts case")
-        << QString() << QStringList{QString(), QStringLiteral("abc"), QStringLiteral("ABC")} << QStringList{mismatch}
-        << QString() << false;
-    QTest::newRow("change") << QStringLiteral("abc")
-                            << QStringList{QStringLiteral("abc"), QStringLiteral("new one"), QStringLiteral("new one")}
-                            << QStringList() << QStringLiteral("new one") << true;
     QTest::newRow("wrong current password is refused before the new one is looked at")
         << QStringLiteral("abc") << QStringList{QStringLiteral("ABC"), QStringLiteral("x"), QStringLiteral("y")}
         << QStringList{wrong} << QStringLiteral("abc") << false;
