@@ -46,6 +46,23 @@ void xmlExport(benchmark::State &state)
 }
 BENCHMARK(xmlExport)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond)->Iterations(3);
 
+// A chain a million levels deep, with the generator's item links: the
+// export must neither recurse nor climb from each link target to the root.
+void xmlExportDeepChain(benchmark::State &state)
+{
+    Document document;
+    DocumentGenerator::Options options;
+    options.items = 1000000;
+    options.chain = true;
+    DocumentGenerator::generate(&document, options);
+    const QString path = outputDir().filePath(QStringLiteral("chain.xml"));
+    for (auto _ : state) {
+        if (!XmlExport::exportXml(path, document.root(), {}))
+            state.SkipWithError("export failed");
+    }
+}
+BENCHMARK(xmlExportDeepChain)->Unit(benchmark::kMillisecond)->Iterations(1);
+
 void textExports(benchmark::State &state)
 {
     Document &document = millionItems();

@@ -8,7 +8,8 @@ namespace {
 
 bool readStatus(const QString &text, quint16 *status)
 {
-    static const QStringList names = {QStringLiteral("none"), QStringLiteral("checkbox"), QStringLiteral("progressbar")};
+    static const QStringList names = {QStringLiteral("none"), QStringLiteral("checkbox"),
+                                      QStringLiteral("progressbar")};
     const qsizetype index = names.indexOf(text);
     if (index < 0)
         return OptionValues::fail(QStringLiteral("--status takes none, checkbox or progressbar"));

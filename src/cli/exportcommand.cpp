@@ -64,7 +64,8 @@ int run(const QStringList &arguments)
                                                    "hierarchy, 2 the current item with its children, 3 the items "
                                                    "of --select."),
                                     QStringLiteral("N"));
-    const QCommandLineOption select(QStringLiteral("select"), QStringLiteral("items: the positions chosen, e.g. 3,5,8."),
+    const QCommandLineOption select(QStringLiteral("select"),
+                                    QStringLiteral("items: the positions chosen, e.g. 3,5,8."),
                                     QStringLiteral("POSITIONS"));
     const QCommandLineOption remove(QStringLiteral("delete"),
                                     QStringLiteral("items: delete the exported items from FILE afterwards."));
@@ -78,7 +79,7 @@ int run(const QStringList &arguments)
     QTextStream err(stderr);
     const QStringList args = parser.positionalArguments();
     const QString kind = args.at(0);
-    static const QStringList kinds = {QStringLiteral("xml"), QStringLiteral("view"), QStringLiteral("notes"),
+    static const QStringList kinds = {QStringLiteral("xml"),   QStringLiteral("view"),  QStringLiteral("notes"),
                                       QStringLiteral("links"), QStringLiteral("items"), QStringLiteral("branch")};
     if (!kinds.contains(kind)) {
         err << "qbx: unknown export '" << kind << "'\n";

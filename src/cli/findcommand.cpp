@@ -15,7 +15,8 @@ QStringList joinDueValues(const QStringList &arguments)
     QStringList joined;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         static const QStringList operators = {QStringLiteral("lt"), QStringLiteral("eq"), QStringLiteral("gt")};
-        if (arguments[i] == QLatin1String("--due") && i + 2 < arguments.size() && operators.contains(arguments[i + 1])) {
+        if (arguments[i] == QLatin1String("--due") && i + 2 < arguments.size() &&
+            operators.contains(arguments[i + 1])) {
             joined.append(QStringLiteral("--due=") + arguments[i + 1] + QLatin1Char(' ') + arguments[i + 2]);
             i += 2;
         } else {

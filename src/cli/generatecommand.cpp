@@ -18,10 +18,9 @@ int run(const QStringList &arguments)
                                   QStringLiteral("S"), QStringLiteral("1"));
     const QCommandLineOption chain(QStringLiteral("chain"),
                                    QStringLiteral("Nest every item under the previous one (one deep chain)."));
-    const QCommandLineOption noteType(
-        QStringLiteral("note-type"),
-        QStringLiteral("0 plain text (default), 1 rich ink (no notes are generated), 2 rich text."),
-        QStringLiteral("T"), QStringLiteral("0"));
+    const QCommandLineOption noteType(QStringLiteral("note-type"),
+                                      QStringLiteral("Note format: 0 plain text (default), 1 rich ink, 2 rich text."),
+                                      QStringLiteral("T"), QStringLiteral("0"));
     const QCommandLineOption sample(QStringLiteral("sample"), QStringLiteral("Write the example outline."));
     parser.addOptions({items, seed, chain, noteType, sample});
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The .qbx file to write."));

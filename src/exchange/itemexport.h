@@ -43,8 +43,8 @@ public:
     /// 0 when nothing matched (no file is made, nothing deleted); Failed when
     /// the file could not be written (nothing deleted), with a reason in
     /// *error when given.
-    static int exportItems(Document &document, Choice choice, bool deleteAfter,
-                           const std::vector<Item *> &selection, const QString &path, QString *error = nullptr);
+    static int exportItems(Document &document, Choice choice, bool deleteAfter, const std::vector<Item *> &selection,
+                           const QString &path, QString *error = nullptr);
 
     /// The message to show for a result: "%d item(s) exported.", the
     /// nothing-matched text or the failure text.

@@ -74,6 +74,13 @@ QByteArray RichInk::rtf() const
 {
     if (isOurs())
         return chunk(rtfTag());
+    if (RtfReader::looksLikeRtf(m_foreign)) {
+        // A bare RTF document keeps its formatting.
+        QByteArray rtf = m_foreign;
+        while (rtf.endsWith('\0'))
+            rtf.chop(1);
+        return rtf;
+    }
     const QString text = extractText(m_foreign);
     return text.isEmpty() ? QByteArray() : RtfWriter::fromPlainText(text);
 }

@@ -44,7 +44,8 @@ public:
     /// empty data removes them. A foreign note becomes ours.
     void setChunk(const QByteArray &tag, const QByteArray &data);
 
-    /// The RTF of the text: our "RTF " chunk, or for a foreign note RTF made
+    /// The RTF of the text: our "RTF " chunk; for a foreign note that is a
+    /// bare RTF document, that document; for any other foreign note, RTF made
     /// from the text found in it. Empty when there is no text at all.
     QByteArray rtf() const;
     /// The text without formatting, drawings or recordings.

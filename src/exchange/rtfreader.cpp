@@ -29,27 +29,60 @@ struct GroupState {
 // writers that use them (every "\*" destination is skipped anyway).
 const QSet<QByteArray> &skippedDestinations()
 {
-    static const QSet<QByteArray> words = {
-        "info", "stylesheet", "pict", "header", "headerl", "headerr", "headerf", "footer", "footerl", "footerr",
-        "footerf", "footnote", "fldinst", "filetbl", "listtable", "listoverridetable", "revtbl", "rsidtbl",
-        "generator", "xmlnstbl", "themedata", "colorschememapping", "latentstyles", "datastore", "pgdsctbl",
-        "objdata", "objclass", "objname", "nonshppict", "shpinst", "shppict", "sp", "sn", "sv", "bkmkstart",
-        "bkmkend", "annotation", "atnid", "atnauthor", "atrfstart", "atrfend", "atntime", "atnref", "atndate",
-        "atnicn", "author", "operator", "title", "subject", "doccomm", "keywords", "comment", "creatim", "revtim",
-        "printim", "buptim", "template", "docvar", "ftnsep", "ftnsepc", "ftncn", "aftnsep", "aftnsepc", "aftncn",
-        "txe", "xe", "tc", "private", "formfield", "datafield", "blipuid", "listpicture", "fchars", "lchars",
-        "pnseclvl", "picprop", "do", "expandedcolortbl", "mmathPr", "wgrffmtfilter", "userprops", "protusertbl",
-        "passwordhash", "company", "category", "manager", "hlinkbase", "pntxta", "pntxtb", "ud"};
+    static const QSet<QByteArray> words = {"info",         "stylesheet",
+                                           "pict",         "header",
+                                           "headerl",      "headerr",
+                                           "headerf",      "footer",
+                                           "footerl",      "footerr",
+                                           "footerf",      "footnote",
+                                           "fldinst",      "filetbl",
+                                           "listtable",    "listoverridetable",
+                                           "revtbl",       "rsidtbl",
+                                           "generator",    "xmlnstbl",
+                                           "themedata",    "colorschememapping",
+                                           "latentstyles", "datastore",
+                                           "pgdsctbl",     "objdata",
+                                           "objclass",     "objname",
+                                           "nonshppict",   "shpinst",
+                                           "shppict",      "sp",
+                                           "sn",           "sv",
+                                           "bkmkstart",    "bkmkend",
+                                           "annotation",   "atnid",
+                                           "atnauthor",    "atrfstart",
+                                           "atrfend",      "atntime",
+                                           "atnref",       "atndate",
+                                           "atnicn",       "author",
+                                           "operator",     "title",
+                                           "subject",      "doccomm",
+                                           "keywords",     "comment",
+                                           "creatim",      "revtim",
+                                           "printim",      "buptim",
+                                           "template",     "docvar",
+                                           "ftnsep",       "ftnsepc",
+                                           "ftncn",        "aftnsep",
+                                           "aftnsepc",     "aftncn",
+                                           "txe",          "xe",
+                                           "tc",           "private",
+                                           "formfield",    "datafield",
+                                           "blipuid",      "listpicture",
+                                           "fchars",       "lchars",
+                                           "pnseclvl",     "picprop",
+                                           "do",           "expandedcolortbl",
+                                           "mmathPr",      "wgrffmtfilter",
+                                           "userprops",    "protusertbl",
+                                           "passwordhash", "company",
+                                           "category",     "manager",
+                                           "hlinkbase",    "pntxta",
+                                           "pntxtb",       "ud"};
     return words;
 }
 
 // The underline styles; each turns underlining on (or off with 0).
 const QSet<QByteArray> &underlineWords()
 {
-    static const QSet<QByteArray> words = {"ul",        "uld",        "uldash",     "uldashd",   "uldashdd",
-                                           "uldb",      "ulhwave",    "ulldash",    "ulth",      "ulthd",
-                                           "ulthdash",  "ulthdashd",  "ulthdashdd", "ulthldash", "ululdbwave",
-                                           "ulw",       "ulwave"};
+    static const QSet<QByteArray> words = {"ul",         "uld",       "uldash",     "uldashd", "uldashdd", "uldb",
+                                           "ulhwave",    "ulldash",   "ulth",       "ulthd",   "ulthdash", "ulthdashd",
+                                           "ulthdashdd", "ulthldash", "ululdbwave", "ulw",     "ulwave"};
     return words;
 }
 
@@ -57,11 +90,10 @@ const QSet<QByteArray> &underlineWords()
 const QHash<QByteArray, char16_t> &symbolWords()
 {
     static const QHash<QByteArray, char16_t> words = {
-        {"tab", u'\t'},       {"cell", u'\t'},       {"nestcell", u'\t'},   {"emdash", 0x2014},
-        {"endash", 0x2013},   {"emspace", 0x2003},   {"enspace", 0x2002},   {"qmspace", 0x2005},
-        {"bullet", 0x2022},   {"lquote", 0x2018},    {"rquote", 0x2019},    {"ldblquote", 0x201c},
-        {"rdblquote", 0x201d}, {"zwj", 0x200d},      {"zwnj", 0x200c},      {"ltrmark", 0x200e},
-        {"rtlmark", 0x200f}};
+        {"tab", u'\t'},      {"cell", u'\t'},       {"nestcell", u'\t'},   {"emdash", 0x2014}, {"endash", 0x2013},
+        {"emspace", 0x2003}, {"enspace", 0x2002},   {"qmspace", 0x2005},   {"bullet", 0x2022}, {"lquote", 0x2018},
+        {"rquote", 0x2019},  {"ldblquote", 0x201c}, {"rdblquote", 0x201d}, {"zwj", 0x200d},    {"zwnj", 0x200c},
+        {"ltrmark", 0x200e}, {"rtlmark", 0x200f}};
     return words;
 }
 
@@ -69,35 +101,58 @@ const QHash<QByteArray, char16_t> &symbolWords()
 int codePageOfCharset(int charset)
 {
     switch (charset) {
-    case 77: return 10000;
-    case 128: return 932;
-    case 129: return 949;
-    case 130: return 1361;
-    case 134: return 936;
-    case 136: return 950;
-    case 161: return 1253;
-    case 162: return 1254;
-    case 163: return 1258;
-    case 177: return 1255;
-    case 178: return 1256;
-    case 186: return 1257;
-    case 204: return 1251;
-    case 222: return 874;
-    case 238: return 1250;
-    case 255: return 437;
-    default: return 0; // the document's code page
+    case 77:
+        return 10000;
+    case 128:
+        return 932;
+    case 129:
+        return 949;
+    case 130:
+        return 1361;
+    case 134:
+        return 936;
+    case 136:
+        return 950;
+    case 161:
+        return 1253;
+    case 162:
+        return 1254;
+    case 163:
+        return 1258;
+    case 177:
+        return 1255;
+    case 178:
+        return 1256;
+    case 186:
+        return 1257;
+    case 204:
+        return 1251;
+    case 222:
+        return 874;
+    case 238:
+        return 1250;
+    case 255:
+        return 437;
+    default:
+        return 0; // the document's code page
     }
 }
 
 QString codePageName(int codePage)
 {
     switch (codePage) {
-    case 10000: return QStringLiteral("macintosh");
-    case 65001: return QStringLiteral("UTF-8");
-    case 437: return QStringLiteral("ibm-437");
-    case 850: return QStringLiteral("ibm-850");
-    case 1361: return QStringLiteral("ibm-1361");
-    default: return QStringLiteral("windows-%1").arg(codePage);
+    case 10000:
+        return QStringLiteral("macintosh");
+    case 65001:
+        return QStringLiteral("UTF-8");
+    case 437:
+        return QStringLiteral("ibm-437");
+    case 850:
+        return QStringLiteral("ibm-850");
+    case 1361:
+        return QStringLiteral("ibm-1361");
+    default:
+        return QStringLiteral("windows-%1").arg(codePage);
     }
 }
 
@@ -143,9 +198,9 @@ private:
     RichText::Paragraph m_paragraph;
     std::vector<GroupState> m_stack;
     qsizetype m_extraDepth = 0; // groups beyond the kept depth share the top state
-    bool m_groupStart = false;   // the last token opened a group
-    bool m_starred = false;      // "{\*" seen; the next control word names an optional destination
-    int m_fallbackLeft = 0;      // characters still to drop after a \uN
+    bool m_groupStart = false;  // the last token opened a group
+    bool m_starred = false;     // "{\*" seen; the next control word names an optional destination
+    int m_fallbackLeft = 0;     // characters still to drop after a \uN
     int m_ansiCodePage = 1252;
     int m_defaultFont = -1;
     int m_fontBeingDefined = -1;
@@ -309,7 +364,8 @@ void Parser::controlWord(const QByteArray &word, bool hasParameter, int paramete
         m_red = m_green = m_blue = -1;
         return;
     }
-    if (word == "ud" && groupStart && m_stack.size() >= 2 && m_stack[m_stack.size() - 2].destination == Destination::Upr) {
+    if (word == "ud" && groupStart && m_stack.size() >= 2 &&
+        m_stack[m_stack.size() - 2].destination == Destination::Upr) {
         s.destination = Destination::Text;
         return;
     }
@@ -349,8 +405,7 @@ void Parser::controlWord(const QByteArray &word, bool hasParameter, int paramete
     }
 
     const bool on = !hasParameter || parameter != 0;
-    if (word == "par" || word == "sect" || word == "page" || word == "line" || word == "row" ||
-        word == "nestrow") {
+    if (word == "par" || word == "sect" || word == "page" || word == "line" || word == "row" || word == "nestrow") {
         flushBytes();
         endParagraph();
     } else if (const auto symbol = symbolWords().constFind(word); symbol != symbolWords().constEnd()) {
@@ -460,7 +515,8 @@ void Parser::textByte(char byte)
         if (byte == ';') {
             const bool defined = m_red >= 0 || m_green >= 0 || m_blue >= 0;
             m_colours.emplace_back(defined, quint32(qMax(m_red, 0) & 0xff) << 16 |
-                                                quint32(qMax(m_green, 0) & 0xff) << 8 | quint32(qMax(m_blue, 0) & 0xff));
+                                                quint32(qMax(m_green, 0) & 0xff) << 8 |
+                                                quint32(qMax(m_blue, 0) & 0xff));
             m_red = m_green = m_blue = -1;
         }
         return;

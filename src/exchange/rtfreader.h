@@ -9,7 +9,7 @@
 /// pictures, document information, field instructions, every "\*" group we
 /// do not know), "\uN" escapes with their "\ucN" fallbacks, "\'hh" bytes in
 /// the code page that "\ansicpgN" or the current font's character set
-/// declares, paragraphs, tabs and the common special characters. Keeps bold,
+/// declares, paragraphs, tabs and the common typographic characters. Keeps bold,
 /// italic, underline, strike-through, font size, colour and alignment.
 ///
 /// Never fails: bytes that do not begin with "{\rtf" are taken as text in the

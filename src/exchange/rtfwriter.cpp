@@ -36,8 +36,7 @@ QByteArray RtfWriter::write(const RichText &text)
     std::vector<quint32> colours;
     for (const RichText::Paragraph &paragraph : text.paragraphs) {
         for (const RichText::Run &run : paragraph.runs) {
-            if (run.format.hasColour &&
-                std::find(colours.begin(), colours.end(), run.format.colour) == colours.end())
+            if (run.format.hasColour && std::find(colours.begin(), colours.end(), run.format.colour) == colours.end())
                 colours.push_back(run.format.colour);
         }
     }

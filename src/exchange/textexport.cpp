@@ -1,5 +1,6 @@
 #include "exchange/textexport.h"
 
+#include "exchange/linktargets.h"
 #include "exchange/notetext.h"
 #include "model/document.h"
 #include "model/item.h"
@@ -22,7 +23,8 @@ const char *const Separators[] = {":", "\\", "/", ",", "|", "-"};
 class TextWriter {
 public:
     TextWriter(const QString &path, const TextExport::Options &options)
-        : m_file(path), m_unicode(options.unicode), m_codePage(options.unicode ? CodePage::defaultName() : options.codePage)
+        : m_file(path), m_unicode(options.unicode),
+          m_codePage(options.unicode ? CodePage::defaultName() : options.codePage)
     {
         m_ok = m_codePage.isValid() && m_file.open(QIODevice::ReadWrite | QIODevice::Truncate);
         if (m_ok && m_unicode)
@@ -59,13 +61,6 @@ private:
     CodePage m_codePage;
     bool m_ok = false;
 };
-
-const TreeNode *topOf(const TreeNode *node)
-{
-    while (node->parent())
-        node = node->parent();
-    return node;
-}
 
 // The path lines of the notes and links exports. One growing text and the
 // length it had at each depth, so a deep tree costs no more than its lines.
@@ -120,7 +115,7 @@ QStringList TextExport::separators()
 QString TextExport::separator(int index)
 {
     return index >= 0 && index < int(std::size(Separators)) ? QLatin1StringView(Separators[index])
-                                                             : QLatin1StringView(Separators[0]);
+                                                            : QLatin1StringView(Separators[0]);
 }
 
 bool TextExport::exportOutline(const QString &path, const QString &rootName, const RowSource &rows,
@@ -211,7 +206,7 @@ bool TextExport::exportLinks(const QString &path, const TreeNode *root, const Op
 {
     TextWriter writer(path, options);
     PathLines paths(root, separator(options.separator));
-    const TreeNode *top = topOf(root);
+    const LinkTargets targets(root);
     TreeWalker walker(root);
     while (writer.ok()) {
         const Item *item = walker.next();
@@ -226,8 +221,7 @@ bool TextExport::exportLinks(const QString &path, const TreeNode *root, const Op
                 writer.line(link);
                 continue;
             }
-            const Item *target = Item::fromHandle(Item::handleOfLink(link));
-            if (target && topOf(target) == top)
+            if (const Item *target = targets.target(link))
                 writer.line(target->name());
         }
         writer.write(u"\r\n");

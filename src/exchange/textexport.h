@@ -15,7 +15,7 @@ class TreeNode;
 /// The file is either UTF-16LE after the bytes FF FE ("Unicode Files"), or
 /// the ANSI code page, where every piece of text (a line with its CR LF, a
 /// note's text) becomes exactly as many bytes as it has UTF-16 units, cut or
-/// padded with zeros, as these files have always been.
+/// padded with zeros: the export file format keeps one byte per unit.
 class TextExport {
 public:
     struct Options {

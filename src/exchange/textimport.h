@@ -52,8 +52,7 @@ public:
     /// outline, gives it the NoteType and the path beside the text file
     /// (documentPath()). The caller saves it; nothing is written here, so a
     /// failed import leaves no file behind.
-    static Result importDocument(const QString &textPath, quint16 noteType, const Options &options,
-                                 Document *document);
+    static Result importDocument(const QString &textPath, quint16 noteType, const Options &options, Document *document);
     /// The message of a failure; empty for Ok.
     static QString message(Result result);
 };

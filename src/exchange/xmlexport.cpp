@@ -1,5 +1,6 @@
 #include "exchange/xmlexport.h"
 
+#include "exchange/linktargets.h"
 #include "exchange/notetext.h"
 #include "model/item.h"
 #include "model/treewalker.h"
@@ -40,11 +41,7 @@ public:
         m_length += n;
     }
     void put(QStringView text) { put(reinterpret_cast<const char16_t *>(text.data()), size_t(text.size())); }
-    template<size_t N>
-    void put(const char16_t (&literal)[N])
-    {
-        put(literal, N - 1);
-    }
+    template <size_t N> void put(const char16_t (&literal)[N]) { put(literal, N - 1); }
     void put(char16_t c)
     {
         if (m_length == ChunkSize)
@@ -120,8 +117,7 @@ private:
 };
 
 // The escaping of attribute values and element text (see XmlExport::escape).
-template<typename Sink>
-void appendEscaped(Sink &out, QStringView text)
+template <typename Sink> void appendEscaped(Sink &out, QStringView text)
 {
     const auto *data = reinterpret_cast<const char16_t *>(text.data());
     const qsizetype size = text.size();
@@ -157,19 +153,8 @@ void appendEscaped(Sink &out, QStringView text)
 struct StringSink {
     QString text;
     void put(const char16_t *data, size_t n) { text.append(reinterpret_cast<const QChar *>(data), qsizetype(n)); }
-    template<size_t N>
-    void put(const char16_t (&literal)[N])
-    {
-        put(literal, N - 1);
-    }
+    template <size_t N> void put(const char16_t (&literal)[N]) { put(literal, N - 1); }
 };
-
-const TreeNode *topOf(const TreeNode *node)
-{
-    while (node->parent())
-        node = node->parent();
-    return node;
-}
 
 void putDate(Output &out, const SystemTime &time)
 {
@@ -181,7 +166,7 @@ void putDate(Output &out, const SystemTime &time)
 }
 
 // An element holding a number: "<NAME>%d</NAME>" and CR LF.
-template<size_t N, size_t M>
+template <size_t N, size_t M>
 void numberElement(Output &out, const char16_t (&open)[N], quint64 value, const char16_t (&close)[M])
 {
     out.put(open);
@@ -190,7 +175,7 @@ void numberElement(Output &out, const char16_t (&open)[N], quint64 value, const 
 }
 
 // An element holding escaped text, "<NAME />" when the text is absent.
-template<size_t N, size_t M, size_t K>
+template <size_t N, size_t M, size_t K>
 void textElement(Output &out, const char16_t (&open)[N], const QString &value, const char16_t (&close)[M],
                  const char16_t (&absent)[K], bool present)
 {
@@ -205,7 +190,7 @@ void textElement(Output &out, const char16_t (&open)[N], const QString &value, c
 
 // One Item's record up to its SUBITEMS, each line as the writer primitives
 // (open-start, attribute, end-of-start-tag, element, cdata) spell it.
-void writeItem(Output &out, const Item *item, const TreeNode *top, quint16 noteType)
+void writeItem(Output &out, const Item *item, const LinkTargets &targets, quint16 noteType)
 {
     out.put(u"<ITEM StdFlags=\"");
     out.putNumber(item->stdFlags());
@@ -268,8 +253,8 @@ void writeItem(Output &out, const Item *item, const TreeNode *top, quint16 noteT
         for (const QString &link : links) {
             if (Item::isItemLink(link)) {
                 // An item link names its target; a dead one leaves no trace.
-                const Item *target = Item::fromHandle(Item::handleOfLink(link));
-                if (!target || topOf(target) != top)
+                const Item *target = targets.target(link);
+                if (!target)
                     continue;
                 textElement(out, u"<LINK>", target->name(), u"</LINK>\r\n", u"<LINK />\r\n", !target->name().isNull());
             } else {
@@ -292,7 +277,7 @@ void writeItem(Output &out, const Item *item, const TreeNode *top, quint16 noteT
 void writeDocument(Output &out, const TreeNode *root, const XmlExport::Options &options)
 {
     out.put(u"<?xml version=\"1.0\" ");
-    if (options.encoding > 0) {
+    if (!XmlExport::encodingLabel(options.encoding).isEmpty() && options.encoding > 0) {
         out.put(u"encoding=\"");
         out.put(XmlExport::encodingLabel(options.encoding));
         out.put(u"\" ");
@@ -310,14 +295,14 @@ void writeDocument(Output &out, const TreeNode *root, const XmlExport::Options &
     appendEscaped(out, root->name());
     out.put(u"\">\r\n");
 
-    const TreeNode *top = topOf(root);
+    const LinkTargets targets(root);
     // Items whose SUBITEMS are open; a count, not recursion, so any depth is safe.
     qsizetype open = 0;
     TreeWalker walker(root);
     while (const Item *item = walker.next()) {
         for (; open >= walker.depth(); --open)
             out.put(u"</SUBITEMS>\r\n</ITEM>\r\n");
-        writeItem(out, item, top, options.noteType);
+        writeItem(out, item, targets, options.noteType);
         if (item->hasChildren()) {
             out.put(u"<SUBITEMS>\r\n");
             ++open;

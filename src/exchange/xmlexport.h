@@ -13,7 +13,8 @@ class TreeNode;
 /// Item with its elements in a fixed order, no indentation, CR LF after every
 /// line, a deliberate double escape of "<" and ">", and notes as CDATA that
 /// is never escaped (a note holding "]]>" therefore makes the file
-/// ill-formed, as it always has). The system never reads these files back.
+/// ill-formed; the section is not split). The system never reads these files
+/// back.
 class XmlExport {
 public:
     struct Options {
@@ -21,7 +22,8 @@ public:
         /// declaration; 1 "UTF-8", 2 "UTF-16", 3 "ISO-8859-1", 4 "Big-5",
         /// 5 "Shift-JIS", 6 "GB2312". Only 2 changes the bytes: FF FE and
         /// UTF-16LE. Every other choice writes the ANSI code page, one byte
-        /// per UTF-16 unit; its label is only a label.
+        /// per UTF-16 unit; its label is only a label. An index past the
+        /// list declares nothing.
         quint16 encoding = 0;
         /// The ANSI code page (setting AnsiCodePage).
         QString codePage = CodePage::defaultName();

@@ -40,9 +40,14 @@ void resortAncestors(Item *item)
 
 Statistics statistics(const TreeNode *node)
 {
+    return statistics(node->children());
+}
+
+Statistics statistics(const std::vector<Item *> &items)
+{
     Statistics stats;
-    for (const Item *child : node->children()) {
-        const quint16 p = child->progress();
+    for (const Item *item : items) {
+        const quint16 p = item->progress();
         if (p == 0)
             ++stats.notStarted;
         else if (p == 100)

@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 #include <array>
+#include <vector>
 
 class Item;
 class TreeNode;
@@ -37,5 +38,7 @@ struct Statistics {
     int completed = 0;
 };
 Statistics statistics(const TreeNode *node);
+/// The same counts over any list of items (a group heading's).
+Statistics statistics(const std::vector<Item *> &items);
 
 } // namespace Progress

@@ -37,6 +37,7 @@ NotePane::NotePane(QWidget *parent) : QWidget(parent)
 
     auto addFormat = [this](const QString &text, const QString &tip, auto apply) {
         QAction *action = m_format->addAction(text);
+        action->setObjectName(QStringLiteral("format") + text);
         action->setToolTip(tip);
         action->setCheckable(true);
         QFont f = font();
@@ -47,7 +48,7 @@ NotePane::NotePane(QWidget *parent) : QWidget(parent)
         if (text == QLatin1String("U"))
             f.setUnderline(true);
         action->setFont(f);
-        connect(action, &QAction::toggled, this, [this, apply](bool on) {
+        connect(action, &QAction::triggered, this, [this, apply](bool on) {
             QTextCharFormat format;
             apply(format, on);
             m_rich->mergeCurrentCharFormat(format);
@@ -66,6 +67,16 @@ NotePane::NotePane(QWidget *parent) : QWidget(parent)
         action->setEnabled(false);
     }
     m_recording->hide();
+
+    // The buttons follow the format at the cursor.
+    connect(m_rich, &QTextEdit::currentCharFormatChanged, this, [this](const QTextCharFormat &format) {
+        if (QAction *bold = m_format->findChild<QAction *>(QStringLiteral("formatB")))
+            bold->setChecked(format.fontWeight() >= QFont::Bold);
+        if (QAction *italic = m_format->findChild<QAction *>(QStringLiteral("formatI")))
+            italic->setChecked(format.fontItalic());
+        if (QAction *underline = m_format->findChild<QAction *>(QStringLiteral("formatU")))
+            underline->setChecked(format.fontUnderline());
+    });
 
     layout->addWidget(m_format);
     layout->addWidget(m_recording);
@@ -90,9 +101,11 @@ void NotePane::load(const QByteArray &note)
     m_original = note;
     if (m_noteType == 0) {
         NoteCodec::read(note, 0, m_plain->document());
+        m_plain->moveCursor(QTextCursor::Start);
         m_plain->document()->setModified(false);
     } else {
         NoteCodec::read(note, m_noteType, m_rich->document());
+        m_rich->moveCursor(QTextCursor::Start);
         m_rich->document()->setModified(false);
     }
 }

@@ -36,7 +36,7 @@ public:
     /// Text that needs more bytes than it has units (double-byte code pages)
     /// is cut; a surrogate pair, which becomes one "?", leaves a zero byte at
     /// the end of the piece. The file length so always equals the number of
-    /// UTF-16 units written, which readers of these files rely on.
+    /// UTF-16 units written, as the export file formats fix it.
     QByteArray exportBytes(QStringView text);
 
     /// Piecewise conversion of one long text: appending the pieces in order

@@ -8,21 +8,40 @@
 namespace {
 
 enum Shape {
-    Page, Folder, Star, Check, Bulb, Person, Phone, Mail, Globe,
-    Flag, Tag, Calendar, Pie, Clock, Heart, Warning, Pin, Book, Key, House,
+    Page,
+    Folder,
+    Star,
+    Check,
+    Bulb,
+    Person,
+    Phone,
+    Mail,
+    Globe,
+    Flag,
+    Tag,
+    Calendar,
+    Pie,
+    Clock,
+    Heart,
+    Warning,
+    Pin,
+    Book,
+    Key,
+    House,
     ShapeCount
 };
 
 constexpr std::array<const char *, ShapeCount> ShapeNames = {
-    "Note", "Folder", "Star", "Tick", "Idea", "Person", "Phone", "Mail", "Web", "Flag",
-    "Tag", "Calendar", "Progress", "Clock", "Heart", "Warning", "Pin", "Book", "Key", "Home",
+    "Note", "Folder",   "Star",     "Tick",  "Idea",  "Person",  "Phone", "Mail", "Web", "Flag",
+    "Tag",  "Calendar", "Progress", "Clock", "Heart", "Warning", "Pin",   "Book", "Key", "Home",
 };
 
 // Each shape has its natural colour for the first round of numbers; later
 // rounds shift the hue so neighbouring numbers stay distinguishable.
 constexpr std::array<QRgb, ShapeCount> BaseColours = {
-    0xff5b7fa6, 0xffd9a43a, 0xffe8b923, 0xff3d9a4a, 0xfff0c419, 0xff4f7cc2, 0xff5a6b7b, 0xff3a7dc9, 0xff2f8fb5, 0xffd2463c,
-    0xff8a5cc2, 0xffc0443a, 0xff2e9a78, 0xff4a6fa5, 0xffd94a6a, 0xffe0a020, 0xffc8403a, 0xff6b4aa5, 0xffb08a2a, 0xff3f8a5a,
+    0xff5b7fa6, 0xffd9a43a, 0xffe8b923, 0xff3d9a4a, 0xfff0c419, 0xff4f7cc2, 0xff5a6b7b,
+    0xff3a7dc9, 0xff2f8fb5, 0xffd2463c, 0xff8a5cc2, 0xffc0443a, 0xff2e9a78, 0xff4a6fa5,
+    0xffd94a6a, 0xffe0a020, 0xffc8403a, 0xff6b4aa5, 0xffb08a2a, 0xff3f8a5a,
 };
 constexpr int ColourRounds = 8;
 
@@ -217,8 +236,8 @@ void drawShape(QPainter &p, int shape, const QColor &fill, qreal s)
         break;
     }
     case House: {
-        p.drawPolygon(QPolygonF() << pt(8, 1.5) << pt(15, 8) << pt(13, 8) << pt(13, 14.5) << pt(3, 14.5)
-                                  << pt(3, 8) << pt(1, 8));
+        p.drawPolygon(QPolygonF() << pt(8, 1.5) << pt(15, 8) << pt(13, 8) << pt(13, 14.5) << pt(3, 14.5) << pt(3, 8)
+                                  << pt(1, 8));
         p.setBrush(Qt::white);
         p.drawRect(r(6.5, 9.5, 3, 5));
         break;

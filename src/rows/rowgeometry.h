@@ -20,10 +20,10 @@ public:
 
     /// What the layout of one row depends on.
     struct Input {
-        QRect rect;            ///< the row's rectangle in the list's viewport
-        int level = 1;         ///< depth of the node: 1 for a child of the root
-        int baseLevel = 0;     ///< depth of the list's top
-        bool flat = false;     ///< no indentation and no glyph (the column stays)
+        QRect rect;        ///< the row's rectangle in the list's viewport
+        int level = 1;     ///< depth of the node: 1 for a child of the root
+        int baseLevel = 0; ///< depth of the list's top
+        bool flat = false; ///< no indentation and no glyph (the column stays)
         bool dateColumn = false;
         int dateWidth = 0;
         int columnWidth = 16;

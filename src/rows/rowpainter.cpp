@@ -141,7 +141,7 @@ void RowPainter::paintProgressBar(QPainter *p, int x, int y, const Item *item) c
     const int w = m_columnWidth;
     const int left = x;
     const int top = y + qRound(4 * m_scaleA);
-    const int right = x + w;                   // exclusive
+    const int right = x + w;                      // exclusive
     const int bottom = y + qRound(12 * m_scaleB); // exclusive
     p->save();
     p->setRenderHint(QPainter::Antialiasing, false);
@@ -224,8 +224,7 @@ void RowPainter::paintGlyph(QPainter *painter, const QRect &cell, Glyph glyph) c
     painter->drawPixmap(cell.left(), cell.top() + (cell.height() - w) / 2, glyphPixmap(glyph));
 }
 
-void RowPainter::paintItem(QPainter *p, const QRect &rect, const Item *item, int level, int baseLevel,
-                           int state) const
+void RowPainter::paintItem(QPainter *p, const QRect &rect, const Item *item, int level, int baseLevel, int state) const
 {
     const RowGeometry g = itemGeometry(rect, item, level, baseLevel, state);
     const int w = m_columnWidth;

@@ -75,8 +75,7 @@ public:
     /// The columns of a title row (root, group heading): glyph and icon.
     RowGeometry titleGeometry(const QRect &rect, int level, int baseLevel) const;
 
-    void paintItem(QPainter *painter, const QRect &rect, const Item *item, int level, int baseLevel,
-                   int state) const;
+    void paintItem(QPainter *painter, const QRect &rect, const Item *item, int level, int baseLevel, int state) const;
     /// A title row: the document root or a group heading with its icon.
     void paintTitle(QPainter *painter, const QRect &rect, const QString &text, quint16 image, bool expandable,
                     bool expanded, int level, int baseLevel, int state) const;

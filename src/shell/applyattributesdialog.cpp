@@ -37,7 +37,8 @@ QCheckBox *ApplyAttributesDialog::box(const QString &text, const char *name)
     return check;
 }
 
-ApplyAttributesDialog::ApplyAttributesDialog(const QStringList &categories, Prompts *prompts, QWidget *parent)
+ApplyAttributesDialog::ApplyAttributesDialog(const QStringList &categories, const QList<quint16> &favouriteIcons,
+                                             Prompts *prompts, QWidget *parent)
     : QDialog(parent)
 {
     setObjectName(QStringLiteral("applyAttributes"));
@@ -79,6 +80,7 @@ ApplyAttributesDialog::ApplyAttributesDialog(const QStringList &categories, Prom
     m_setIcon = box(QStringLiteral("Set &icon:"), "setIcon");
     m_icon = new IconButton(prompts, this);
     m_icon->setObjectName(QStringLiteral("icon"));
+    m_icon->setFavourites(favouriteIcons);
     auto *iconRow = new QWidget(this);
     auto *iconLayout = new QHBoxLayout(iconRow);
     iconLayout->setContentsMargins(0, 0, 0, 0);

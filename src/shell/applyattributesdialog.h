@@ -18,7 +18,8 @@ class QSpinBox;
 class ApplyAttributesDialog : public QDialog {
     Q_OBJECT
 public:
-    ApplyAttributesDialog(const QStringList &categories, Prompts *prompts, QWidget *parent = nullptr);
+    ApplyAttributesDialog(const QStringList &categories, const QList<quint16> &favouriteIcons, Prompts *prompts,
+                          QWidget *parent = nullptr);
 
     /// The attributes as chosen: only those whose box is ticked are in flags.
     AttributeSet attributes() const;

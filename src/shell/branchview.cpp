@@ -198,7 +198,9 @@ bool BranchView::runCommand(int id)
             m_tree->startRename();
             break;
         case ChangeIcon:
-            if (const int icon = m_prompts->chooseIcon(this, item->image()); icon >= 0) {
+            if (const int icon = m_prompts->chooseIcon(this, item->image(), m_settings ? m_settings->favIcons
+                                                                                     : QList<quint16>());
+                icon >= 0) {
                 item->setImage(quint16(icon));
                 m_tree->viewport()->update();
             }

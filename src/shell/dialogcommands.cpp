@@ -212,6 +212,7 @@ ItemPropertiesDialog::Context DialogCommands::propertiesContext()
     context.prompts = prompts();
     context.documentsFolder = m_window->documentsFolder();
     context.categories = categories();
+    context.favouriteIcons = settings().favIcons;
     // Templates of the document's note type can fill a new item or an edited
     // one.
     for (const TemplateFile::MenuEntry &entry : templates().menu(context.document->noteType))
@@ -378,7 +379,7 @@ void DialogCommands::applyAttributes()
     Document *document = m_view->document();
     if (!node || !node->hasChildren() || document->viewMode != Document::DefaultView)
         return;
-    ApplyAttributesDialog dialog(categories(), prompts(), m_view);
+    ApplyAttributesDialog dialog(categories(), settings().favIcons, prompts(), m_view);
     if (prompts()->runDialog(&dialog) != QDialog::Accepted)
         return;
     AttributeSet set = dialog.attributes();
@@ -588,23 +589,23 @@ void DialogCommands::exportItems()
                        ItemExport::message(result));
 }
 
-void DialogCommands::importText()
+bool DialogCommands::importText()
 {
     const QString path = prompts()->openFileName(
         m_window, QStringLiteral("Import"), m_window->documentsFolder(),
         Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)).join(QStringLiteral(";;")));
     if (path.isEmpty())
-        return;
+        return false;
     const QString target = TextImport::documentPath(path);
     const int noteType = prompts()->askNoteType(m_window, TextImport::noteTypeOf(settings().textImport));
     if (noteType < 0)
-        return;
+        return false;
     // An existing document of that name is replaced only when the person
     // says so.
     if (QFileInfo::exists(target) &&
         !prompts()->askWarningYesNo(m_window, QString::fromLatin1(Messages::AskReplaceDocument)
                                                   .arg(QDir::toNativeSeparators(target))))
-        return;
+        return false;
     Document document;
     TextImport::Options options;
     options.icon = TextImport::iconOf(settings().textImport);
@@ -619,14 +620,14 @@ void DialogCommands::importText()
     }
     if (result != TextImport::Result::Ok) {
         prompts()->message(m_window, Prompts::Icon::Stop, TextImport::message(result));
-        return;
+        return false;
     }
     if (!saved) {
         prompts()->message(m_window, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
-        return;
+        return false;
     }
     m_window->refreshDocumentList();
-    m_window->openDocument(document.path);
+    return m_window->openDocument(document.path);
 }
 
 // ---- help

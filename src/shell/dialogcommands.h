@@ -38,8 +38,8 @@ public:
     void install(DocumentView *view);
 
     /// The frame's "Import...": a text outline becomes a new document beside
-    /// it, which is then opened.
-    void importText();
+    /// it, which is then opened. False when nothing was opened.
+    bool importText();
     /// Opens the help page at its table of contents.
     void showHelp();
     /// The help page: next to the program, or in the source tree it was

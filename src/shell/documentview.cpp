@@ -30,8 +30,7 @@ constexpr int MinSplit = 35;
 constexpr int MaxSplit = 85;
 } // namespace
 
-DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts,
-                           QWidget *parent)
+DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts, QWidget *parent)
     : QWidget(parent), m_document(std::move(document)), m_settings(settings), m_prompts(prompts)
 {
     setObjectName(QStringLiteral("documentView"));
@@ -50,7 +49,9 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     m_splitter->setStretchFactor(0, 1);
     m_splitter->setStretchFactor(1, 1);
     m_quick = new QuickEntryBar(this);
-    m_quick->setIconChooser([this](quint16 current) { return m_prompts->chooseIcon(this, current); });
+    m_quick->setIconChooser([this](quint16 current) {
+        return m_prompts->chooseIcon(this, current, m_settings ? m_settings->favIcons : QList<quint16>());
+    });
     layout->addWidget(m_splitter, 1);
     layout->addWidget(m_quick);
 
@@ -68,6 +69,7 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     connect(m_tree, &TreePane::dropRequested, this, &DocumentView::onDrop);
     connect(m_tree, &TreePane::renameCommitted, this, &DocumentView::onRename);
     connect(m_tree, &TreePane::deleteRequested, this, [this] { runCommand(CommandId::DeleteItem); });
+    connect(m_tree, &TreePane::renameRequested, this, [this] { runCommand(CommandId::Rename); });
     connect(m_tree, &TreePane::expansionChanged, this, &DocumentView::stateChanged);
     connect(m_splitter, &QSplitter::splitterMoved, this, &DocumentView::onSplitterMoved);
     connect(m_quick, &QuickEntryBar::addRequested, this, &DocumentView::onQuickAdd);
@@ -287,6 +289,11 @@ bool DocumentView::isCommandEnabled(int id) const
         return defaultView && d.root()->hasChildren();
     case ImportFile:
         return defaultView;
+    case Rename: {
+        // An item, or the root's title in the default view.
+        const TreeNode *node = currentNode();
+        return node && (node->isItem() || defaultView);
+    }
     default:
         return true;
     }
@@ -381,9 +388,9 @@ void DocumentView::registerCommands()
         Q_EMIT stateChanged();
     });
     const std::pair<int, VisibilityFilter::Toggle> toggles[] = {
-        {HideCompleted, VisibilityFilter::HideCompleted},   {HideNoStatus, VisibilityFilter::HideNoStatus},
-        {HideCheckBox, VisibilityFilter::HideCheckBox},     {HideProgressBar, VisibilityFilter::HideProgressBar},
-        {ShowDueDate, VisibilityFilter::ShowDueDate},       {ShowStatistics, VisibilityFilter::ShowStatistics},
+        {HideCompleted, VisibilityFilter::HideCompleted}, {HideNoStatus, VisibilityFilter::HideNoStatus},
+        {HideCheckBox, VisibilityFilter::HideCheckBox},   {HideProgressBar, VisibilityFilter::HideProgressBar},
+        {ShowDueDate, VisibilityFilter::ShowDueDate},     {ShowStatistics, VisibilityFilter::ShowStatistics},
     };
     for (auto [id, toggle] : toggles)
         setCommand(id, [this, toggle = toggle] { toggleFilter(toggle); });
@@ -417,7 +424,8 @@ void DocumentView::registerCommands()
                    }));
     }
     setCommand(ChangeIcon, onItem([this](Item *item) {
-                   const int icon = m_prompts->chooseIcon(this, item->image());
+                   const int icon =
+                       m_prompts->chooseIcon(this, item->image(), m_settings ? m_settings->favIcons : QList<quint16>());
                    if (icon >= 0) {
                        item->setImage(quint16(icon));
                        m_tree->viewport()->update();
@@ -487,7 +495,8 @@ void DocumentView::showItemMenu(int row, const QPoint &globalPos)
         // An entry whose operation is not available here stays greyed.
         if (!hasCommand(id))
             action->setEnabled(false);
-        connect(action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
+        connect(
+            action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
     }
     m_prompts->popupMenu(menu, globalPos);
     menu->deleteLater();

@@ -24,8 +24,7 @@ class ViewRows;
 class DocumentView : public QWidget {
     Q_OBJECT
 public:
-    DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts,
-                 QWidget *parent = nullptr);
+    DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts, QWidget *parent = nullptr);
     ~DocumentView() override;
 
     Document *document() const { return m_document.get(); }
@@ -60,8 +59,8 @@ public:
 
     void setQuickEntryVisible(bool visible);
     bool isQuickEntryVisible() const;
-    /// Takes up changed settings (the list font, completed-item style and
-    /// progress colour).
+    /// Shows the rows again after the settings changed (font, colours,
+    /// compact mode).
     void applySettings() { applyRowStyle(); }
     /// Opens the item menu for a row at a global position.
     void showItemMenu(int row, const QPoint &globalPos);

@@ -10,7 +10,7 @@ IconButton::IconButton(Prompts *prompts, QWidget *parent) : QToolButton(parent),
     setText(QStringLiteral("Change..."));
     setImage(0);
     connect(this, &QToolButton::clicked, this, [this] {
-        const int chosen = m_prompts->chooseIcon(this, m_image);
+        const int chosen = m_prompts->chooseIcon(this, m_image, m_favourites);
         if (chosen < 0)
             return;
         setImage(quint16(chosen));

@@ -12,6 +12,8 @@ public:
 
     quint16 image() const { return m_image; }
     void setImage(quint16 image);
+    /// The icons the chooser offers first.
+    void setFavourites(const QList<quint16> &favourites) { m_favourites = favourites; }
 
 Q_SIGNALS:
     /// The person chose an icon (not sent by setImage).
@@ -20,4 +22,5 @@ Q_SIGNALS:
 private:
     Prompts *m_prompts;
     quint16 m_image = 0;
+    QList<quint16> m_favourites;
 };

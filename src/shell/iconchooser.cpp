@@ -7,7 +7,7 @@
 #include <QListWidget>
 #include <QVBoxLayout>
 
-IconChooser::IconChooser(quint16 current, QWidget *parent) : QDialog(parent)
+IconChooser::IconChooser(quint16 current, const QList<quint16> &favourites, QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("iconChooser"));
     setWindowTitle(QString::fromLatin1(Messages::Caption));
@@ -19,14 +19,19 @@ IconChooser::IconChooser(quint16 current, QWidget *parent) : QDialog(parent)
     m_list->setResizeMode(QListView::Adjust);
     m_list->setMovement(QListView::Static);
     m_list->setUniformItemSizes(true);
-    const int count = IconSet::distinctCount();
-    for (int i = 0; i < count; ++i) {
-        auto *entry = new QListWidgetItem(QIcon(IconSet::instance().icon(quint16(i), 24, devicePixelRatioF())), QString());
-        entry->setToolTip(IconSet::name(quint16(i)));
-        entry->setData(Qt::UserRole, i);
-        m_list->addItem(entry);
+    QList<quint16> numbers = favourites;
+    for (int i = 0; i < IconSet::distinctCount(); ++i) {
+        if (!favourites.contains(quint16(i)))
+            numbers.append(quint16(i));
     }
-    m_list->setCurrentRow(current % count);
+    for (quint16 number : numbers) {
+        auto *entry = new QListWidgetItem(QIcon(IconSet::instance().icon(number, 24, devicePixelRatioF())), QString());
+        entry->setToolTip(IconSet::name(number));
+        entry->setData(Qt::UserRole, int(number));
+        m_list->addItem(entry);
+        if (number == current)
+            m_list->setCurrentItem(entry);
+    }
     layout->addWidget(m_list);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

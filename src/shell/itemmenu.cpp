@@ -135,8 +135,8 @@ QMenu *ItemMenu::build(const State &s, QWidget *parent)
              it && it->statusType() == t);
 
     menu->addSeparator();
-    addCommand(menu, QStringLiteral("Apply Attributes..."),
-               ApplyAttributes, (item && defaultView && hasChildren) || (title && defaultView));
+    addCommand(menu, QStringLiteral("Apply Attributes..."), ApplyAttributes,
+               (item && defaultView && hasChildren) || (title && defaultView));
 
     // A group heading orders the whole view: its entries show the view's
     // key and direction, and only the direction can be changed there.

@@ -151,6 +151,7 @@ QWidget *ItemPropertiesDialog::buildGeneral(bool isNew)
     auto *looks = new QHBoxLayout;
     m_icon = new IconButton(m_context.prompts, page);
     m_icon->setObjectName(QStringLiteral("icon"));
+    m_icon->setFavourites(m_context.favouriteIcons);
     m_colour = new ColourCombo(false, page);
     m_colour->setObjectName(QStringLiteral("colour"));
     looks->addWidget(m_icon);

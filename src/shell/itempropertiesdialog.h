@@ -61,6 +61,8 @@ public:
         bool forTemplate = false;
         /// The note type of the note page; -1 for the document's.
         int noteType = -1;
+        /// The icons the icon chooser offers first.
+        QList<quint16> favouriteIcons;
     };
 
     /// Edits item. With isNew the item is not yet in the tree: the dialog

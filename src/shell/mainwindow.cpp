@@ -1,5 +1,6 @@
 #include "shell/mainwindow.h"
 
+#include "exchange/textimport.h"
 #include "model/document.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
@@ -37,7 +38,6 @@ namespace {
 
 // The shell's own value in the settings store: whether the quick entry bar
 // is shown.
-constexpr char QuickEntryKey[] = "QuickEntryBar";
 
 QIcon themeIcon(const char *name, QStyle::StandardPixmap fallback, const QStyle *style)
 {
@@ -82,8 +82,8 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
         m_prompts = m_ownPrompts.get();
     }
     if (environment.settingsFile.isEmpty())
-        m_store = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                              QStringLiteral("Quillbox"), QStringLiteral("Quillbox"));
+        m_store = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillbox"),
+                                              QStringLiteral("Quillbox"));
     else
         m_store = std::make_unique<QSettings>(environment.settingsFile, QSettings::IniFormat);
 
@@ -148,9 +148,9 @@ QString MainWindow::documentsFolder() const
 
 void MainWindow::saveSettings()
 {
-    m_quickEntryVisible = m_view ? m_view->isQuickEntryVisible() : m_quickEntryVisible;
+    if (m_view)
+        m_settings.setFlag(Settings::QuickEntryBar, m_view->isQuickEntryVisible());
     m_settings.save(*m_store);
-    m_store->setValue(QString::fromLatin1(QuickEntryKey), m_quickEntryVisible ? 1 : 0);
     m_store->sync();
 }
 
@@ -158,7 +158,6 @@ void MainWindow::start(const QString &commandLinePath)
 {
     WaitCursor wait;
     m_settings.load(*m_store);
-    m_quickEntryVisible = m_store->value(QString::fromLatin1(QuickEntryKey), 1).toInt() != 0;
     refreshDocumentList();
     updateTitle();
     if (!commandLinePath.isEmpty())
@@ -213,7 +212,9 @@ void MainWindow::buildActions()
         action->setCheckable(true);
         viewGroup->addAction(action);
     }
-    auto checkable = [this](int id, const char *text) { makeAction(id, QString::fromLatin1(text))->setCheckable(true); };
+    auto checkable = [this](int id, const char *text) {
+        makeAction(id, QString::fromLatin1(text))->setCheckable(true);
+    };
     checkable(HideCompleted, "Hide Completed Items");
     checkable(HideNoStatus, "No Status");
     checkable(HideCheckBox, "Check Box");
@@ -223,8 +224,10 @@ void MainWindow::buildActions()
     checkable(NoteWindow, "Note Window");
     checkable(CommandId::QuickEntryBar, "Quick Entry Bar");
     checkable(RecordingToolbar, "Recording Toolbar");
-    makeAction(ExpandAll, QStringLiteral("Expand All"))->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
-    makeAction(CollapseAll, QStringLiteral("Collapse All"))->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
+    makeAction(ExpandAll, QStringLiteral("Expand All"))
+        ->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
+    makeAction(CollapseAll, QStringLiteral("Collapse All"))
+        ->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
 
     makeAction(FindItem, QStringLiteral("Find Item..."))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     makeAction(FindResult, QStringLiteral("Find Result..."));
@@ -245,12 +248,25 @@ void MainWindow::buildActions()
     makeAction(ItemTemplates, QStringLiteral("Item Templates..."));
 }
 
+void MainWindow::clearMenus()
+{
+    menuBar()->clear();
+    // The old menus may be running the command that changed the state: they
+    // go later, nameless so that nothing finds them meanwhile.
+    const auto menus = menuBar()->findChildren<QMenu *>(Qt::FindDirectChildrenOnly);
+    for (QMenu *menu : menus) {
+        menu->setObjectName(QString());
+        menu->deleteLater();
+    }
+}
+
 void MainWindow::buildListMenus()
 {
     using namespace CommandId;
-    menuBar()->clear();
+    clearMenus();
     menuBar()->addAction(m_actions[New]);
-    QMenu *tools = menuBar()->addMenu(QStringLiteral("Tools"));
+    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
+    menuBar()->addMenu(tools);
     tools->setObjectName(QStringLiteral("menuTools"));
     tools->addAction(m_actions[Refresh]);
     tools->addSeparator();
@@ -282,10 +298,11 @@ QMenu *MainWindow::buildMoveMenu(QWidget *parent)
 void MainWindow::buildViewMenus()
 {
     using namespace CommandId;
-    menuBar()->clear();
+    clearMenus();
     menuBar()->addAction(m_actions[New]);
 
-    QMenu *view = menuBar()->addMenu(QStringLiteral("View"));
+    auto *view = new QMenu(QStringLiteral("View"), menuBar());
+    menuBar()->addMenu(view);
     view->setObjectName(QStringLiteral("menuView"));
     for (int m = 0; m < 4; ++m)
         view->addAction(m_actions[DefaultView + m]);
@@ -307,7 +324,8 @@ void MainWindow::buildViewMenus()
     view->addAction(m_actions[ExpandAll]);
     view->addAction(m_actions[CollapseAll]);
 
-    QMenu *tools = menuBar()->addMenu(QStringLiteral("Tools"));
+    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
+    menuBar()->addMenu(tools);
     tools->setObjectName(QStringLiteral("menuTools"));
     tools->addAction(m_actions[FindItem]);
     tools->addAction(m_actions[FindResult]);
@@ -414,7 +432,7 @@ void MainWindow::runCommand(int id)
         return;
     case ImportText:
         if (!m_view)
-            m_dialogs->importText();
+            importTextDocument();
         return;
     case New:
         if (!m_view) {
@@ -439,8 +457,8 @@ void MainWindow::refreshDocumentList()
     if (auto *heading = m_listPage->findChild<QLabel *>(QStringLiteral("documentListHeading")))
         heading->setText(QStringLiteral("Documents in %1").arg(QDir::toNativeSeparators(folder)));
     m_list->clear();
-    const QFileInfoList files =
-        QDir(folder).entryInfoList({QStringLiteral("*.qbx")}, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
+    const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("*.qbx")}, QDir::Files | QDir::Readable,
+                                                           QDir::Name | QDir::IgnoreCase);
     const QIcon icon = windowIcon();
     const QLocale locale;
     for (const QFileInfo &info : files) {
@@ -473,9 +491,10 @@ void MainWindow::showView(DocumentView *view)
     m_dialogs->install(view);
     m_stack->addWidget(view);
     m_stack->setCurrentWidget(view);
-    view->setQuickEntryVisible(m_quickEntryVisible);
+    view->setQuickEntryVisible(m_settings.testFlag(Settings::QuickEntryBar));
     connect(view, &DocumentView::stateChanged, this, &MainWindow::updateActions);
     connect(view, &DocumentView::settingsChanged, this, &MainWindow::saveSettings);
+    Q_EMIT viewOpened(view);
     buildViewMenus();
     updateActions();
     updateTitle();
@@ -484,8 +503,11 @@ void MainWindow::showView(DocumentView *view)
 
 bool MainWindow::openDocument(const QString &path)
 {
-    if (m_view)
+    if (m_view) {
         closeDocument();
+        if (m_view) // it could not be saved: it stays open
+            return false;
+    }
     auto document = std::make_unique<Document>();
     DocumentFile::LoadResult result = DocumentFile::Damaged;
     {
@@ -536,6 +558,11 @@ bool MainWindow::createDocument()
     return true;
 }
 
+bool MainWindow::importTextDocument()
+{
+    return m_dialogs->importText();
+}
+
 void MainWindow::closeDocument()
 {
     if (!m_view)
@@ -544,7 +571,7 @@ void MainWindow::closeDocument()
     if (!m_view->save())
         return;
     const QString path = m_view->document()->path;
-    m_quickEntryVisible = m_view->isQuickEntryVisible();
+    m_settings.setFlag(Settings::QuickEntryBar, m_view->isQuickEntryVisible());
     DocumentView *view = m_view;
     m_view = nullptr;
     m_stack->setCurrentWidget(m_listPage);
@@ -567,10 +594,8 @@ void MainWindow::closeDocument()
 
 void MainWindow::handOver(const QString &path)
 {
-    if (m_view) {
-        m_view->save();
-        closeDocument();
-    }
+    // Closing saves the open document first; a document that cannot be
+    // saved stays open and the other path is not opened.
     openDocument(path);
     bringForward();
 }

@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 
 class DialogCommands;
@@ -47,6 +48,9 @@ public:
     bool openDocument(const QString &path);
     /// Asks for a path and a note type and opens an empty document there.
     bool createDocument();
+    /// Asks for a text outline and a note type, and opens the document made
+    /// from it beside the text file.
+    bool importTextDocument();
     /// Saves and closes the open document, back to the list; DefFile empties.
     void closeDocument();
     /// A second start handed over a path: save and close, then open it.
@@ -70,6 +74,11 @@ public:
     void updateActions();
     void refreshDocumentList();
 
+Q_SIGNALS:
+    /// A document view was made, before its menus: the place to register
+    /// the handlers of further commands on it.
+    void viewOpened(DocumentView *view);
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -78,6 +87,7 @@ protected:
 private:
     QAction *makeAction(int id, const QString &text);
     void buildActions();
+    void clearMenus();
     void buildListMenus();
     void buildViewMenus();
     QMenu *buildMoveMenu(QWidget *parent);
@@ -90,7 +100,6 @@ private:
     Prompts *m_prompts = nullptr;
     std::unique_ptr<QSettings> m_store;
     Settings m_settings;
-    bool m_quickEntryVisible = true;
     QStackedWidget *m_stack = nullptr;
     QTreeWidget *m_list = nullptr;
     QWidget *m_listPage = nullptr;

@@ -243,6 +243,7 @@ QWidget *OptionsDialog::buildExchange()
     auto *importForm = new QFormLayout(importBox);
     m_importIcon = new IconButton(m_prompts, importBox);
     m_importIcon->setObjectName(QStringLiteral("importIcon"));
+    m_importIcon->setFavourites(m_settings.favIcons);
     m_importIcon->setImage(quint16(m_settings.textImport & 0xffff));
     auto *iconRow = new QHBoxLayout;
     iconRow->addWidget(m_importIcon);

@@ -57,8 +57,7 @@ void DialogPrompts::message(QWidget *parent, Icon icon, const QString &text)
     box.exec();
 }
 
-QString DialogPrompts::openFileName(QWidget *parent, const QString &title, const QString &folder,
-                                    const QString &filter)
+QString DialogPrompts::openFileName(QWidget *parent, const QString &title, const QString &folder, const QString &filter)
 {
     return QFileDialog::getOpenFileName(parent, title.isEmpty() ? caption() : title, folder, filter);
 }
@@ -131,9 +130,9 @@ void DialogPrompts::about(QWidget *parent)
     box.exec();
 }
 
-int DialogPrompts::chooseIcon(QWidget *parent, quint16 current)
+int DialogPrompts::chooseIcon(QWidget *parent, quint16 current, const QList<quint16> &favourites)
 {
-    IconChooser chooser(current, parent);
+    IconChooser chooser(current, favourites, parent);
     return chooser.exec() == QDialog::Accepted ? chooser.chosen() : -1;
 }
 

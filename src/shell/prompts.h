@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QPoint>
 #include <QString>
 #include <QStringList>
@@ -42,8 +43,9 @@ public:
     /// when the menu was dismissed.
     virtual QAction *popupMenu(QMenu *menu, const QPoint &globalPos) = 0;
     virtual void about(QWidget *parent) = 0;
-    /// An icon number from the icon chooser, or -1 when cancelled.
-    virtual int chooseIcon(QWidget *parent, quint16 current) = 0;
+    /// An icon number from the icon chooser, the favourite icons first, or
+    /// -1 when cancelled.
+    virtual int chooseIcon(QWidget *parent, quint16 current, const QList<quint16> &favourites) = 0;
 
     /// Runs one of our dialogs modally and returns its result code
     /// (QDialog::Accepted or QDialog::Rejected).
@@ -86,7 +88,7 @@ public:
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;
-    int chooseIcon(QWidget *parent, quint16 current) override;
+    int chooseIcon(QWidget *parent, quint16 current, const QList<quint16> &favourites) override;
     int runDialog(QDialog *dialog) override;
     bool askText(QWidget *parent, const QString &prompt, QString *text, int maxLength,
                  const std::function<bool(const QString &)> &accept) override;

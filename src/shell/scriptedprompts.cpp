@@ -82,7 +82,7 @@ void ScriptedPrompts::about(QWidget *)
     ++aboutShown;
 }
 
-int ScriptedPrompts::chooseIcon(QWidget *, quint16)
+int ScriptedPrompts::chooseIcon(QWidget *, quint16, const QList<quint16> &)
 {
     return icons.isEmpty() ? -1 : icons.dequeue();
 }

@@ -77,7 +77,7 @@ public:
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
     void about(QWidget *parent) override;
-    int chooseIcon(QWidget *parent, quint16 current) override;
+    int chooseIcon(QWidget *parent, quint16 current, const QList<quint16> &favourites) override;
     int runDialog(QDialog *dialog) override;
     bool askText(QWidget *parent, const QString &prompt, QString *text, int maxLength,
                  const std::function<bool(const QString &)> &accept) override;

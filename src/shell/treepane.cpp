@@ -199,6 +199,10 @@ void TreePane::paintEvent(QPaintEvent *)
     }
     if (y < viewport()->height())
         p.fillRect(QRect(0, y, viewport()->width(), viewport()->height() - y), base);
+    if (m_dragging && !m_dragImage.isNull()) {
+        p.setOpacity(0.6);
+        p.drawPixmap(m_lastMovePos + QPoint(8, 4), m_dragImage);
+    }
 }
 
 void TreePane::resizeEvent(QResizeEvent *event)
@@ -237,7 +241,6 @@ void TreePane::mousePressEvent(QMouseEvent *event)
     const int row = rowAt(pos);
     m_pressRow = row;
     m_pressPos = pos;
-    m_longPressFired = false;
     if (row < 0)
         return;
     if (event->button() == Qt::RightButton) {
@@ -269,7 +272,6 @@ void TreePane::onLongPress()
 {
     if (!m_pressed || m_dragging || m_pressRow < 0)
         return;
-    m_longPressFired = true;
     m_pressed = false;
     Q_EMIT contextMenuRequested(m_pressRow, viewport()->mapToGlobal(m_pressPos));
 }
@@ -297,6 +299,7 @@ void TreePane::mouseMoveEvent(QMouseEvent *event)
             return;
         m_longPress.stop();
         m_dragging = true;
+        m_dragImage = viewport()->grab(rowRect(m_pressRow));
         viewport()->setCursor(Qt::DragMoveCursor);
         m_scrollTimer.start();
     }
@@ -328,6 +331,7 @@ void TreePane::mouseReleaseEvent(QMouseEvent *event)
     if (!wasDragging)
         return;
     m_dragging = false;
+    m_dragImage = QPixmap();
     m_scrollTimer.stop();
     viewport()->unsetCursor();
     m_dropRow = -1;
@@ -414,7 +418,7 @@ void TreePane::keyPressEvent(QKeyEvent *event)
             Q_EMIT statusTapped(item, viewport()->mapToGlobal(rowGeometry(row).statusRect().bottomLeft()));
         break;
     case Qt::Key_F2:
-        startRename();
+        Q_EMIT renameRequested();
         break;
     case Qt::Key_Delete:
         Q_EMIT deleteRequested();

@@ -4,6 +4,7 @@
 #include "rows/rowpainter.h"
 
 #include <QAbstractScrollArea>
+#include <QPixmap>
 #include <QPointer>
 #include <QTimer>
 #include <memory>
@@ -71,6 +72,7 @@ Q_SIGNALS:
     void dropRequested(Item *dragged, TreeNode *target);
     void renameCommitted(TreeNode *node, const QString &name);
     void deleteRequested();
+    void renameRequested();
     void expansionChanged();
 
 protected:
@@ -108,9 +110,9 @@ private:
     QPoint m_pressPos;
     bool m_pressed = false;
     bool m_dragging = false;
-    bool m_longPressFired = false;
     int m_dropRow = -1;
     QPoint m_lastMovePos;
+    QPixmap m_dragImage; // the dragged row, drawn under the pointer
     QTimer m_longPress;
     QTimer m_scrollTimer;
 

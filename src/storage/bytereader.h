@@ -36,7 +36,8 @@ public:
     {
         if (!need(4))
             return 0;
-        const quint32 v = quint32(m_pos[0]) | quint32(m_pos[1]) << 8 | quint32(m_pos[2]) << 16 | quint32(m_pos[3]) << 24;
+        const quint32 v =
+            quint32(m_pos[0]) | quint32(m_pos[1]) << 8 | quint32(m_pos[2]) << 16 | quint32(m_pos[3]) << 24;
         m_pos += 4;
         return v;
     }

@@ -1,5 +1,6 @@
 #include "storage/documentfile.h"
 
+#include "exchange/noteconverter.h"
 #include "model/document.h"
 #include "platform/messages.h"
 #include "storage/bytereader.h"
@@ -122,8 +123,8 @@ public:
         if (m_withItemLinks.empty() && currentNumber < 1)
             return nullptr;
 
-        // Only the numbers that something refers to are looked up, so a
-        // million plain Items need no map at all.
+        // Only the numbers that something refers to go into the map, so it
+        // stays small however many Items there are.
         QHash<quint32, Item *> wanted;
         for (const Item *item : m_withItemLinks) {
             for (const QString &link : item->links()) {
@@ -228,10 +229,10 @@ bool readEntries(ByteReader &in, quint32 version, Document *categoryOwner, TreeB
         const qint32 linkCount = qint32(in.u32());
         QStringList links;
         if (linkCount > 0) {
-            // Every link takes at least its 4-byte count.
+            // Every link takes at least its 4-byte count. The list is not
+            // reserved ahead: it grows only with links actually read.
             if (qint64(linkCount) * 4 > in.bytesLeft())
                 return false;
-            links.reserve(linkCount);
             for (qint32 i = 0; i < linkCount && in.ok(); ++i)
                 links.append(in.string());
         }
@@ -351,7 +352,6 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
         if (linkCount > 0) {
             if (qint64(linkCount) * LegacyLinkUnits * 2 > in.bytesLeft())
                 return DocumentFile::Damaged;
-            links.reserve(linkCount);
             for (qint32 i = 0; i < linkCount && in.ok(); ++i)
                 links.append(legacyLink(in.fixedString(LegacyLinkUnits)));
         }
@@ -573,7 +573,7 @@ DocumentFile::LoadResult openForReading(const QString &path, QFile *file)
     file->setFileName(path);
     if (!file->open(QIODevice::ReadOnly))
         return file->error() == QFileDevice::OpenError && !QFile::exists(path) ? DocumentFile::NotFound
-                                                                              : DocumentFile::Damaged;
+                                                                               : DocumentFile::Damaged;
     return DocumentFile::Loaded;
 }
 
@@ -674,8 +674,12 @@ DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *
 
     if (!hash.isEmpty() && (!askPassword || !askPassword(hash)))
         return Cancelled;
-    if (noteType != document->noteType && convertNotes)
-        convertNotes(&importedRoot, noteType, document->noteType);
+    if (noteType != document->noteType) {
+        if (convertNotes)
+            convertNotes(&importedRoot, noteType, document->noteType);
+        else if (!::NoteConverter().convertAllNotes(&importedRoot, noteType, document->noteType))
+            return Damaged; // notes of a type we do not know
+    }
     for (qsizetype i = document->categories.size(); i < scratch.categories.size(); ++i)
         document->collectCategory(scratch.categories.at(i));
     const std::vector<Item *> imported = importedRoot.children();

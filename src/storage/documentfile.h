@@ -58,8 +58,9 @@ public:
     /// file's header values are ignored; its categories join the document's.
     /// Returns Loaded, Damaged (nothing added), UnsupportedVersion or
     /// Cancelled (password prompt cancelled, nothing added). When the file's
-    /// NoteType differs from the document's, convertNotes runs over the
-    /// imported tree first (when given).
+    /// NoteType differs from the document's, the imported notes are converted
+    /// first: by convertNotes when given, else by NoteConverter (a note type
+    /// it does not know makes the file Damaged).
     static LoadResult importInto(Document *document, TreeNode *target, const QString &path,
                                  const PasswordPrompt &askPassword, const NoteConverter &convertNotes = {});
 

@@ -1,6 +1,7 @@
 #include "storage/documentgenerator.h"
 
 #include "exchange/notetext.h"
+#include "exchange/richink.h"
 #include "model/document.h"
 #include "model/progress.h"
 
@@ -13,22 +14,19 @@ namespace {
 
 constexpr int FanOut = 8;
 
-const std::array<const char16_t *, 24> Words = {
-    u"Plan",    u"Review", u"Café",    u"Budget", u"Übersicht", u"Call",   u"Résumé", u"Meeting",
-    u"Draft",   u"Zürich", u"Ångström", u"Señal", u"Report",    u"Garden", u"Order",  u"Kitchen",
-    u"Invoice", u"Trip",   u"Crème",   u"Ideas",  u"Notes",     u"Naïve",  u"Fix",    u"Test"};
+const std::array<const char16_t *, 24> Words = {u"Plan",   u"Review",  u"Café",  u"Budget",  u"Übersicht", u"Call",
+                                                u"Résumé", u"Meeting", u"Draft", u"Zürich",  u"Ångström",  u"Señal",
+                                                u"Report", u"Garden",  u"Order", u"Kitchen", u"Invoice",   u"Trip",
+                                                u"Crème",  u"Ideas",   u"Notes", u"Naïve",   u"Fix",       u"Test"};
 
-const std::array<const char16_t *, 10> Categories = {u"Business", u"Personal",  u"Holiday",  u"Errands",
-                                                     u"Ideas",    u"Travel",    u"Waiting",  u"Projects",
+const std::array<const char16_t *, 10> Categories = {u"Business",    u"Personal",     u"Holiday", u"Errands",
+                                                     u"Ideas",       u"Travel",       u"Waiting", u"Projects",
                                                      u"Phone calls", u"Miscellaneous"};
 
 const std::array<const char16_t *, 6> Sentences = {
-    u"Check the figures with the team before Friday. ",
-    u"Bring the signed copies and the receipts. ",
-    u"Ask about delivery times; the café opens at nine. ",
-    u"Keep the old version until the new one is approved. ",
-    u"Prices changed in März, so compare both lists. ",
-    u"Call back if nobody answers the first time. "};
+    u"Check the figures with the team before Friday. ",    u"Bring the signed copies and the receipts. ",
+    u"Ask about delivery times; the café opens at nine. ", u"Keep the old version until the new one is approved. ",
+    u"Prices changed in März, so compare both lists. ",    u"Call back if nobody answers the first time. "};
 
 /// Deterministic on every platform (std::uniform_int_distribution is not).
 class Random {
@@ -73,6 +71,8 @@ QByteArray noteBytes(const QString &text, quint16 noteType)
 {
     if (noteType == Document::RichText)
         return rtfNote(text).toLatin1();
+    if (noteType == Document::RichInk)
+        return RichInk::fromRtf(rtfNote(text).toLatin1()).toNote();
     return NoteText::toPlainNote(text);
 }
 
@@ -132,7 +132,7 @@ void DocumentGenerator::generate(Document *document, const Options &options)
             item->setColour(quint16(random.below(36)));
         if (random.oneIn(60))
             item->setTaskTime(QString::number(random.below(90) + 1));
-        if (options.noteType != Document::RichInk && random.oneIn(5)) {
+        if (random.oneIn(5)) {
             QString text;
             while (text.size() < 200)
                 text += QString::fromUtf16(Sentences[random.below(quint32(Sentences.size()))]);

@@ -17,8 +17,7 @@ public:
         /// Every item nested under the previous one (one chain items deep);
         /// otherwise a tree with a fan-out of about 8.
         bool chain = false;
-        /// 0 plain text, 1 rich ink, 2 rich text. Rich ink documents get no
-        /// notes, since only the note editor writes that container.
+        /// 0 plain text, 1 rich ink, 2 rich text: the format of every note.
         quint16 noteType = 0;
     };
 

@@ -110,7 +110,8 @@ bool SafeSave::write(const QString &path, const Writer &writer, QString *error)
         ok = writer(file);
     if (ok)
         ok = file.flush() && file.error() == QFileDevice::NoError;
-    QString failure = ok ? QString() : (file.errorString().isEmpty() ? QStringLiteral("write failed") : file.errorString());
+    QString failure =
+        ok ? QString() : (file.errorString().isEmpty() ? QStringLiteral("write failed") : file.errorString());
     file.close();
     if (ok && ::fsync(fd) != 0) {
         ok = false;

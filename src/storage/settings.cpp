@@ -42,6 +42,7 @@ quint32 readDword(const QSettings &store, const QString &name, quint32 fallback)
     return ok ? quint32(unsignedNumber) : fallback;
 }
 
+// Strings are kept whole, however long: desktop paths can pass 260 units.
 bool readString(const QSettings &store, const QString &name, QString *text)
 {
     const QVariant value = store.value(name);
@@ -59,9 +60,12 @@ quint32 convertOldFlags(quint32 old)
         quint32 to;
     };
     static constexpr Move moves[] = {
-        {0x80000, Settings::CaseInsensitiveFind}, {0x100000, Settings::KeepExportedItems},
-        {0x20, Settings::ReservedBit2},           {0x40000, Settings::LongTapEdit},
-        {0x80, Settings::CalendarCategories},     {0x2000, Settings::NormalFontForCompleted},
+        {0x80000, Settings::CaseInsensitiveFind},
+        {0x100000, Settings::KeepExportedItems},
+        {0x20, Settings::QuickEntryBar},
+        {0x40000, Settings::LongTapEdit},
+        {0x80, Settings::CalendarCategories},
+        {0x2000, Settings::NormalFontForCompleted},
         {0x100, Settings::BoldFont},
     };
     quint32 flags = 0;

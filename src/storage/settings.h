@@ -24,8 +24,9 @@ public:
         /// Set means exported items are kept: the options page shows the
         /// inverse ("Delete items after export" cleared).
         KeepExportedItems = 1u << 1,
-        /// Kept as read; nothing sets it.
-        ReservedBit2 = 1u << 2,
+        /// The quick entry bar is shown; set by its menu command, which the
+        /// options dialog has no control for.
+        QuickEntryBar = 1u << 2,
         LongTapEdit = 1u << 3,
         /// The category list comes from the calendar store.
         CalendarCategories = 1u << 4,

@@ -41,15 +41,5 @@ quint16 GroupHeading::progress() const
 
 Progress::Statistics GroupHeading::statistics() const
 {
-    Progress::Statistics stats;
-    for (const Item *item : m_items) {
-        const quint16 p = item->progress();
-        if (p == 0)
-            ++stats.notStarted;
-        else if (p == 100)
-            ++stats.completed;
-        else if (p < 100)
-            ++stats.started;
-    }
-    return stats;
+    return Progress::statistics(m_items);
 }

@@ -93,9 +93,12 @@ void TestItemExport::choices_data()
                                     << "R(A(A1(A1x),A2),C)";
     QTest::newRow("completed with hierarchy") << 1 << "" << QStringList() << 6 << "R(A(A1,A2(A2a)),B(B1))"
                                               << "R(A(A1(A1x),A2),C)";
-    QTest::newRow("current branch") << 2 << "A" << QStringList() << 5 << "A(A1(A1x),A2(A2a))" << "R(B(B1),C)";
-    QTest::newRow("root current") << 2 << "" << QStringList() << 8 << "R(A(A1(A1x),A2(A2a)),B(B1),C)" << "R";
-    QTest::newRow("leaf current") << 2 << "A1x" << QStringList() << 1 << "A1x" << "R(A(A1,A2(A2a)),B(B1),C)";
+    QTest::newRow("current branch") << 2 << "A" << QStringList() << 5 << "A(A1(A1x),A2(A2a))"
+                                    << "R(B(B1),C)";
+    QTest::newRow("root current") << 2 << "" << QStringList() << 8 << "R(A(A1(A1x),A2(A2a)),B(B1),C)"
+                                  << "R";
+    QTest::newRow("leaf current") << 2 << "A1x" << QStringList() << 1 << "A1x"
+                                  << "R(A(A1,A2(A2a)),B(B1),C)";
     QTest::newRow("selected items") << 3 << "" << QStringList{"A2a", "C", "A2"} << 3 << "R(A2(A2a),C)"
                                     << "R(A(A1(A1x)),B(B1))";
     QTest::newRow("selected parent without its child") << 3 << "" << QStringList{"A1"} << 1 << "R(A1)"

@@ -2,6 +2,7 @@
 #include "exchange/notetext.h"
 #include "exchange/richink.h"
 #include "model/document.h"
+#include "views/finder.h"
 
 #include <QTest>
 
@@ -62,6 +63,8 @@ private Q_SLOTS:
     void failureChangesNothing();
     void plainTextOfEveryType_data();
     void plainTextOfEveryType();
+    void findReadsEveryType_data();
+    void findReadsEveryType();
 };
 
 void TestNoteConversion::convertsOneNote_data()
@@ -77,17 +80,16 @@ void TestNoteConversion::convertsOneNote_data()
     QTest::newRow("plain to rich text") << quint16(0) << quint16(2) << le(u"Hi\r\ny\u00f6u") << twoLines;
     QTest::newRow("plain to rich ink") << quint16(0) << quint16(1) << le(u"Hi\r\ny\u00f6u")
                                        << Magic + chunk("RTF ", twoLines);
-    QTest::newRow("plain without terminator") << quint16(0) << quint16(2) << le(u"Hi", false)
-                                              << Header + "\\pard Hi\\par\r\n}";
+    QTest::newRow("plain without terminator")
+        << quint16(0) << quint16(2) << le(u"Hi", false) << Header + "\\pard Hi\\par\r\n}";
     QTest::newRow("rich text to plain") << quint16(2) << quint16(0) << formatted << le(u"Bold text\r\nsecond");
-    QTest::newRow("rich text to rich ink keeps the rtf") << quint16(2) << quint16(1) << formatted + '\0'
-                                                         << Magic + chunk("RTF ", formatted);
-    QTest::newRow("rich ink to plain")
-        << quint16(1) << quint16(0) << Magic + chunk("INKS", "\x01\x02\x03") + chunk("RTF ", formatted)
-        << le(u"Bold text\r\nsecond");
+    QTest::newRow("rich text to rich ink keeps the rtf")
+        << quint16(2) << quint16(1) << formatted + '\0' << Magic + chunk("RTF ", formatted);
+    QTest::newRow("rich ink to plain") << quint16(1) << quint16(0)
+                                       << Magic + chunk("INKS", "\x01\x02\x03") + chunk("RTF ", formatted)
+                                       << le(u"Bold text\r\nsecond");
     QTest::newRow("rich ink to rich text keeps the rtf")
-        << quint16(1) << quint16(2) << Magic + chunk("RTF ", formatted) + chunk("VOIC", "RIFF....WAVE")
-        << formatted;
+        << quint16(1) << quint16(2) << Magic + chunk("RTF ", formatted) + chunk("VOIC", "RIFF....WAVE") << formatted;
     QTest::newRow("drawing only to plain is no note")
         << quint16(1) << quint16(0) << Magic + chunk("INKS", QByteArray(40, '\x07')) << QByteArray();
     QTest::newRow("drawing only to rich text is no note")
@@ -98,11 +100,13 @@ void TestNoteConversion::convertsOneNote_data()
                                QByteArray("\x00\x00\x9c\x01\x9d\x01\x9e\x01", 8) + le(u"milk", false) +
                                QByteArray("\x01\x00", 2);
     QTest::newRow("foreign ink to plain") << quint16(1) << quint16(0) << foreign << le(u"Shopping list\r\nmilk");
-    QTest::newRow("foreign ink to rich text") << quint16(1) << quint16(2) << foreign
-                                              << Header + "\\pard Shopping list\\par\r\n\\pard milk\\par\r\n}";
+    QTest::newRow("foreign ink to rich text")
+        << quint16(1) << quint16(2) << foreign << Header + "\\pard Shopping list\\par\r\n\\pard milk\\par\r\n}";
     QTest::newRow("foreign ink holding rtf")
         << quint16(1) << quint16(0) << QByteArray("\x05\x00\x00\x00", 4) + formatted << le(u"Bold text\r\nsecond");
 
+    QTest::newRow("bare rtf as rich ink keeps its formatting")
+        << quint16(1) << quint16(2) << formatted + QByteArray(2, '\0') << formatted;
     QTest::newRow("same type is unchanged") << quint16(1) << quint16(1) << foreign << foreign;
     QTest::newRow("empty plain is no note") << quint16(0) << quint16(2) << QByteArray(2, '\0') << QByteArray();
 }
@@ -188,8 +192,7 @@ void TestNoteConversion::plainTextOfEveryType_data()
     QTest::newRow("rich text") << quint16(2) << QByteArray("{\\rtf1 x\\par y}") << "x\r\ny";
     QTest::newRow("rich ink") << quint16(1) << Magic + chunk("RTF ", "{\\rtf1 ink text}") << "ink text";
     QTest::newRow("damaged rich ink keeps the chunks before")
-        << quint16(1) << Magic + chunk("RTF ", "{\\rtf1 kept}") + QByteArray("INKS\xff\xff\x00\x00short", 13)
-        << "kept";
+        << quint16(1) << Magic + chunk("RTF ", "{\\rtf1 kept}") + QByteArray("INKS\xff\xff\x00\x00short", 13) << "kept";
     QTest::newRow("unknown type") << quint16(5) << le(u"abc") << QString();
 }
 
@@ -199,6 +202,33 @@ void TestNoteConversion::plainTextOfEveryType()
     QFETCH(QByteArray, note);
     QFETCH(QString, text);
     QCOMPARE(NoteText::plainText(note, type), text);
+}
+
+void TestNoteConversion::findReadsEveryType_data()
+{
+    QTest::addColumn<quint16>("type");
+    QTest::addColumn<QByteArray>("note");
+    QTest::newRow("plain") << quint16(0) << le(u"Call the Plumber today");
+    QTest::newRow("rich text") << quint16(2)
+                               << QByteArray("{\\rtf1{\\fonttbl{\\f0 Arial;}}Call the {\\b Plum}ber today}");
+    QTest::newRow("rich ink") << quint16(1)
+                              << Magic + chunk("RTF ", "{\\rtf1 Call the \\i Plumber\\i0  today}") +
+                                     chunk("INKS", "\x01\x02");
+}
+
+void TestNoteConversion::findReadsEveryType()
+{
+    QFETCH(quint16, type);
+    QFETCH(QByteArray, note);
+    Item item(QStringLiteral("x"));
+    item.setNote(note);
+    FindCriteria criteria;
+    criteria.flags = FindCriteria::NotePhrase;
+    criteria.notePhrase = QStringLiteral("plumber");
+    criteria.caseInsensitive = true;
+    QVERIFY(Finder(criteria, type).matches(&item));
+    criteria.notePhrase = QStringLiteral("rtf");
+    QVERIFY(!Finder(criteria, type).matches(&item));
 }
 
 QTEST_GUILESS_MAIN(TestNoteConversion)

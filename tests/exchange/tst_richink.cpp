@@ -47,10 +47,15 @@ void TestRichInk::damagedContainer_data()
     QTest::addColumn<QByteArray>("note");
     QTest::addColumn<int>("chunksKept");
 
-    QTest::newRow("length past the end") << QByteArray("QBINK\r\n\x1a" "RTF \x04\x00\x00\x00{\\rt"
-                                                       "INKS\xff\xff\xff\x7f\x01", 8 + 12 + 9)
+    QTest::newRow("length past the end") << QByteArray("QBINK\r\n\x1a"
+                                                       "RTF \x04\x00\x00\x00{\\rt"
+                                                       "INKS\xff\xff\xff\x7f\x01",
+                                                       8 + 12 + 9)
                                          << 1;
-    QTest::newRow("cut inside a chunk header") << QByteArray("QBINK\r\n\x1a" "RTF \x04\x00", 14) << 0;
+    QTest::newRow("cut inside a chunk header") << QByteArray("QBINK\r\n\x1a"
+                                                             "RTF \x04\x00",
+                                                             14)
+                                               << 0;
 }
 
 void TestRichInk::damagedContainer()
@@ -65,13 +70,24 @@ void TestRichInk::damagedContainer()
 
 void TestRichInk::foreignNoteKeepsItsBytes()
 {
-    QByteArray foreign("\x02\x00\x00\x00" "A\x00g\x00" "e\x00n\x00" "d\x00" "a\x00\x00\x00\xff", 19);
+    QByteArray foreign("\x02\x00\x00\x00"
+                       "A\x00g\x00"
+                       "e\x00n\x00"
+                       "d\x00"
+                       "a\x00\x00\x00\xff",
+                       19);
     const RichInk ink = RichInk::fromNote(foreign);
     QVERIFY(!ink.isOurs());
     QCOMPARE(ink.toNote(), foreign);
     QCOMPARE(ink.plainText(), QStringLiteral("Agenda"));
     // Too short a run, or one without letters, is not text.
-    QCOMPARE(RichInk::extractText(QByteArray("x\x00y\x00z\x00\x00\x00" "1\x00" "2\x00" "3\x00" "4\x00" "5\x00", 18)),
+    QCOMPARE(RichInk::extractText(QByteArray("x\x00y\x00z\x00\x00\x00"
+                                             "1\x00"
+                                             "2\x00"
+                                             "3\x00"
+                                             "4\x00"
+                                             "5\x00",
+                                             18)),
              QString());
 }
 

@@ -80,15 +80,16 @@ void TestRtf::readsText_data()
                       "Calibri;}{\\f1\\fnil\\fcharset2 Symbol;}}\r\n{\\colortbl ;\\red0\\green0\\blue255;}\r\n"
                       "{\\stylesheet{ Normal;}{\\s1 heading 1;}}{\\info{\\title Secret}{\\author Someone}}\r\n"
                       "{\\*\\generator Riched20 10.0.19041}\\viewkind4\\uc1 \r\n\\pard\\sa200\\sl276\\slmult1\\f0"
-                      "\\fs22\\lang9 First line\\par\r\nSecond line\\par\r\n}\r\n") + QByteArray(1, '\0')
+                      "\\fs22\\lang9 First line\\par\r\nSecond line\\par\r\n}\r\n") +
+               QByteArray(1, '\0')
         << "First line\r\nSecond line";
     QTest::newRow("unicode escape with fallback") << QByteArray("{\\rtf1\\uc1 caf\\u233e au lait}") << "café au lait";
     QTest::newRow("two-byte fallback") << QByteArray("{\\rtf1\\uc2\\u26085\\'93\\'fa x}") << QString::fromUtf8("日 x");
     QTest::newRow("no fallback") << QByteArray("{\\rtf1\\uc0\\u26085 x}") << QString::fromUtf8("日x");
     QTest::newRow("fallback count is per group")
         << QByteArray("{\\rtf1{\\uc0\\u26085}\\u26412?!}") << QString::fromUtf8("日本!");
-    QTest::newRow("negative escapes form a pair") << QByteArray("{\\rtf1 a\\u-10179?\\u-8704?b}")
-                                                  << QString::fromUtf8("a😀b");
+    QTest::newRow("negative escapes form a pair")
+        << QByteArray("{\\rtf1 a\\u-10179?\\u-8704?b}") << QString::fromUtf8("a😀b");
     QTest::newRow("declared code page") << QByteArray("{\\rtf1\\ansi\\ansicpg1251 \\'c4\\'ee\\'ec}")
                                         << QString::fromUtf8("Дом");
     QTest::newRow("font character set")
@@ -104,7 +105,7 @@ void TestRtf::readsText_data()
     QTest::newRow("file line breaks are not text") << QByteArray("{\\rtf1 a\r\nb\nc}") << "abc";
     QTest::newRow("tabs and cells") << QByteArray("{\\rtf1 a\\tab b\tc\\cell d\\row}") << "a\tb\tc\td";
     QTest::newRow("escaped characters") << QByteArray("{\\rtf1 \\{x\\} \\\\ y}") << "{x} \\ y";
-    QTest::newRow("special characters")
+    QTest::newRow("typographic characters")
         << QByteArray("{\\rtf1 \\lquote a\\rquote \\ldblquote b\\rdblquote \\emdash\\endash\\bullet x\\~y\\-z\\_w}")
         << QString::fromUtf8("‘a’“b”—–•x\u00a0yz\u2011w");
     QTest::newRow("unknown starred destination") << QByteArray("{\\rtf1 a{\\*\\unknownthing b{c}}d}") << "ad";
@@ -120,7 +121,8 @@ void TestRtf::readsText_data()
     QTest::newRow("what follows the last brace") << QByteArray("{\\rtf1 a}junk") << "a";
     QTest::newRow("unclosed groups") << QByteArray("{\\rtf1 abc{\\b def") << "abcdef";
     QTest::newRow("truncated escape") << QByteArray("{\\rtf1 ab\\'4") << "ab";
-    QTest::newRow("not rtf at all") << QByteArray("plain caf\xe9\r\nline 2") << QString::fromUtf8("plain café\r\nline 2");
+    QTest::newRow("not rtf at all") << QByteArray("plain caf\xe9\r\nline 2")
+                                    << QString::fromUtf8("plain café\r\nline 2");
     QTest::newRow("empty") << QByteArray() << QString();
 }
 
@@ -142,17 +144,16 @@ void TestRtf::readsFormatting()
                          "\\pard\\qr\\fs32\\cf1 big red\\cf2  green\\plain  plain\\par\r\n"
                          "\\pard\\qj{\\b\\i both}\\par}");
     RichText expected;
-    expected.paragraphs.push_back(paragraph(RichText::Alignment::Centre,
-                                            {{"Bold", format(true, false, false, false)},
-                                             {" italic", format(false, true, false, false)}}));
-    expected.paragraphs.push_back(paragraph(RichText::Alignment::Left,
-                                            {{"under", format(false, false, true, false)},
-                                             {" ", format(false, false, false, false)},
-                                             {"gone", format(false, false, false, true)}}));
-    expected.paragraphs.push_back(paragraph(RichText::Alignment::Right,
-                                            {{"big red", format(false, false, false, false, 32, 0xff0000)},
-                                             {" green", format(false, false, false, false, 32, 0x008000)},
-                                             {" plain", format(false, false, false, false)}}));
+    expected.paragraphs.push_back(
+        paragraph(RichText::Alignment::Centre,
+                  {{"Bold", format(true, false, false, false)}, {" italic", format(false, true, false, false)}}));
+    expected.paragraphs.push_back(paragraph(RichText::Alignment::Left, {{"under", format(false, false, true, false)},
+                                                                        {" ", format(false, false, false, false)},
+                                                                        {"gone", format(false, false, false, true)}}));
+    expected.paragraphs.push_back(
+        paragraph(RichText::Alignment::Right, {{"big red", format(false, false, false, false, 32, 0xff0000)},
+                                               {" green", format(false, false, false, false, 32, 0x008000)},
+                                               {" plain", format(false, false, false, false)}}));
     expected.paragraphs.push_back(
         paragraph(RichText::Alignment::Justify, {{"both", format(true, true, false, false)}}));
     QCOMPARE(describe(RtfReader::read(rtf)), describe(expected));
@@ -161,19 +162,20 @@ void TestRtf::readsFormatting()
 void TestRtf::writesExactBytes()
 {
     RichText text;
-    text.paragraphs.push_back(paragraph(RichText::Alignment::Centre,
-                                        {{"Title {1}", format(true, false, false, false, 28)},
-                                         {QString::fromUtf8(" ünï"), format(false, false, false, false)}}));
+    text.paragraphs.push_back(
+        paragraph(RichText::Alignment::Centre, {{"Title {1}", format(true, false, false, false, 28)},
+                                                {QString::fromUtf8(" ünï"), format(false, false, false, false)}}));
     text.paragraphs.push_back(paragraph(RichText::Alignment::Left,
                                         {{QString::fromUtf8("a\\b\t😀"), format(false, true, true, true, 0, 0x0000ff)},
                                          {"x", format(false, false, false, false, 0, 0xff8000)}}));
     text.paragraphs.push_back(paragraph(RichText::Alignment::Right, {}));
-    const QByteArray expected("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}"
-                              "{\\colortbl ;\\red0\\green0\\blue255;\\red255\\green128\\blue0;}\r\n"
-                              "\\pard\\qc\\b\\fs28 Title \\{1\\}\\plain  \\u252?n\\u239?\\par\r\n"
-                              "\\pard\\i\\ul\\strike\\cf1 a\\\\b\\tab \\u-10179?\\u-8704?\\i0\\ulnone\\strike0\\cf2 x\\par\r\n"
-                              "\\pard\\qr\\par\r\n"
-                              "}");
+    const QByteArray expected(
+        "{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}"
+        "{\\colortbl ;\\red0\\green0\\blue255;\\red255\\green128\\blue0;}\r\n"
+        "\\pard\\qc\\b\\fs28 Title \\{1\\}\\plain  \\u252?n\\u239?\\par\r\n"
+        "\\pard\\i\\ul\\strike\\cf1 a\\\\b\\tab \\u-10179?\\u-8704?\\i0\\ulnone\\strike0\\cf2 x\\par\r\n"
+        "\\pard\\qr\\par\r\n"
+        "}");
     QCOMPARE(RtfWriter::write(text), expected);
 }
 
@@ -189,22 +191,23 @@ void TestRtf::roundTrip_data()
     QTest::newRow("one empty paragraph") << oneEmpty;
 
     RichText mixed;
-    mixed.paragraphs.push_back(paragraph(RichText::Alignment::Justify,
-                                         {{"plain ", format(false, false, false, false)},
-                                          {"bold", format(true, false, false, false)},
-                                          {" sized", format(false, false, false, false, 40)},
-                                          {" back", format(false, false, false, false)}}));
-    mixed.paragraphs.push_back(paragraph(RichText::Alignment::Centre,
-                                         {{QString::fromUtf8("€ 日本 😀 {}\\"), format(true, true, true, true, 18, 0x123456)}}));
+    mixed.paragraphs.push_back(
+        paragraph(RichText::Alignment::Justify, {{"plain ", format(false, false, false, false)},
+                                                 {"bold", format(true, false, false, false)},
+                                                 {" sized", format(false, false, false, false, 40)},
+                                                 {" back", format(false, false, false, false)}}));
+    mixed.paragraphs.push_back(
+        paragraph(RichText::Alignment::Centre,
+                  {{QString::fromUtf8("€ 日本 😀 {}\\"), format(true, true, true, true, 18, 0x123456)}}));
     mixed.paragraphs.push_back(paragraph(RichText::Alignment::Left, {}));
     QTest::newRow("formatting, unicode and an empty last paragraph") << mixed;
 
     RichText colours;
-    colours.paragraphs.push_back(paragraph(RichText::Alignment::Right,
-                                           {{"red", format(false, false, false, false, 0, 0xff0000)},
-                                            {"none", format(false, false, false, false)},
-                                            {"red again", format(false, false, false, false, 20, 0xff0000)},
-                                            {"black", format(false, false, false, false, 20, 0x000000)}}));
+    colours.paragraphs.push_back(
+        paragraph(RichText::Alignment::Right, {{"red", format(false, false, false, false, 0, 0xff0000)},
+                                               {"none", format(false, false, false, false)},
+                                               {"red again", format(false, false, false, false, 20, 0xff0000)},
+                                               {"black", format(false, false, false, false, 20, 0x000000)}}));
     QTest::newRow("colours come and go") << colours;
 }
 
@@ -220,11 +223,16 @@ void TestRtf::plainTextRoundTrip_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("back");
 
-    QTest::newRow("one line") << "Hello" << "Hello";
-    QTest::newRow("lines") << "a\r\nb\r\n\r\nc" << "a\r\nb\r\n\r\nc";
-    QTest::newRow("other line ends") << "a\nb\rc" << "a\r\nb\r\nc";
-    QTest::newRow("line end at the end") << "a\r\n" << "a\r\n";
-    QTest::newRow("empty") << "" << "";
+    QTest::newRow("one line") << "Hello"
+                              << "Hello";
+    QTest::newRow("lines") << "a\r\nb\r\n\r\nc"
+                           << "a\r\nb\r\n\r\nc";
+    QTest::newRow("other line ends") << "a\nb\rc"
+                                     << "a\r\nb\r\nc";
+    QTest::newRow("line end at the end") << "a\r\n"
+                                         << "a\r\n";
+    QTest::newRow("empty") << ""
+                           << "";
     QTest::newRow("tab, braces, unicode") << QString::fromUtf8("\t{x}\\ Ω😀") << QString::fromUtf8("\t{x}\\ Ω😀");
 }
 

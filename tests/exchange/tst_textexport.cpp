@@ -75,7 +75,6 @@ private Q_SLOTS:
     void notesOfRichDocuments();
     void links_data();
     void links();
-    void labels();
     void failures();
 };
 
@@ -138,9 +137,11 @@ void TestTextExport::viewCodePageOneBytePerUnit()
 void TestTextExport::outlineOfAnyView()
 {
     // A grouped view hands its rows over: headings at depth 1, items at 2.
-    const std::vector<std::pair<int, QString>> rows = {
-        {1, QStringLiteral("[No Category]")}, {2, QStringLiteral("a")}, {1, QStringLiteral("Work")},
-        {2, QStringLiteral("b")}, {2, QStringLiteral("c")}};
+    const std::vector<std::pair<int, QString>> rows = {{1, QStringLiteral("[No Category]")},
+                                                       {2, QStringLiteral("a")},
+                                                       {1, QStringLiteral("Work")},
+                                                       {2, QStringLiteral("b")},
+                                                       {2, QStringLiteral("c")}};
     size_t next = 0;
     QTemporaryDir dir;
     TextExport::Options options;
@@ -206,18 +207,14 @@ void TestTextExport::notes_data()
     // A note is written without a line break of its own: the empty line
     // that follows ends it. The pair in the last note leaves a zero.
     QTest::newRow("colon") << 0 << false
-                           << QByteArray("R:Alpha\r\nhello\r\nR:Alpha:Beta\r\n\r\nR:Alpha:Beta:Gamma\r\ntwo\r\nlines\r\n"
-                                         "R:\xc7\xe9\r\nx?y") + Zero + "\r\n";
-    QTest::newRow("backslash") << 1 << false
-                               << QByteArray("R\\Alpha\r\nhello\r\nR\\Alpha\\Beta\r\n\r\nR\\Alpha\\Beta\\Gamma\r\ntwo"
-                                             "\r\nlines\r\nR\\\xc7\xe9\r\nx?y") + Zero + "\r\n";
+                           << QByteArray(
+                                  "R:Alpha\r\nhello\r\nR:Alpha:Beta\r\n\r\nR:Alpha:Beta:Gamma\r\ntwo\r\nlines\r\n"
+                                  "R:\xc7\xe9\r\nx?y") +
+                                  Zero + "\r\n";
     QTest::newRow("bar, unicode") << 4 << true
                                   << QByteArray("\xff\xfe") +
                                          le(u"R|Alpha\r\nhello\r\nR|Alpha|Beta\r\n\r\nR|Alpha|Beta|Gamma\r\ntwo\r\n"
                                             u"lines\r\nR|\u00c7\u00e9\r\nx\xd83d\xde00y\r\n");
-    QTest::newRow("dash") << 5 << false
-                          << QByteArray("R-Alpha\r\nhello\r\nR-Alpha-Beta\r\n\r\nR-Alpha-Beta-Gamma\r\ntwo\r\nlines\r\n"
-                                        "R-\xc7\xe9\r\nx?y") + Zero + "\r\n";
 }
 
 void TestTextExport::notes()
@@ -255,11 +252,9 @@ void TestTextExport::links_data()
     QTest::addColumn<QByteArray>("bytes");
     // A dead item link leaves no line at all.
     QTest::newRow("colon") << 0
-                           << QByteArray("R:Alpha\r\nhttp://example.com\r\n\xc7\xe9\r\n\r\nR:Alpha:Beta\r\n(None)\r\n\r\n"
-                                         "R:Alpha:Beta:Gamma\r\n(None)\r\n\r\nR:\xc7\xe9\r\n/home/me/file.txt\r\n\r\n");
-    QTest::newRow("comma") << 3
-                           << QByteArray("R,Alpha\r\nhttp://example.com\r\n\xc7\xe9\r\n\r\nR,Alpha,Beta\r\n(None)\r\n\r\n"
-                                         "R,Alpha,Beta,Gamma\r\n(None)\r\n\r\nR,\xc7\xe9\r\n/home/me/file.txt\r\n\r\n");
+                           << QByteArray(
+                                  "R:Alpha\r\nhttp://example.com\r\n\xc7\xe9\r\n\r\nR:Alpha:Beta\r\n(None)\r\n\r\n"
+                                  "R:Alpha:Beta:Gamma\r\n(None)\r\n\r\nR:\xc7\xe9\r\n/home/me/file.txt\r\n\r\n");
 }
 
 void TestTextExport::links()
@@ -272,13 +267,6 @@ void TestTextExport::links()
     options.separator = quint16(separator);
     QVERIFY(TextExport::exportLinks(tempPath(dir), sample.document.root(), options));
     QCOMPARE(readFile(tempPath(dir)), bytes);
-}
-
-void TestTextExport::labels()
-{
-    QCOMPARE(TextExport::indentLabels(),
-             (QStringList{"(None)", "Tab", "1 Space", "2 Spaces", "3 Spaces", "4 Spaces", "5 Spaces"}));
-    QCOMPARE(TextExport::separators(), (QStringList{":", "\\", "/", ",", "|", "-"}));
 }
 
 void TestTextExport::failures()

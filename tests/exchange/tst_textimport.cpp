@@ -65,14 +65,13 @@ void TestTextImport::outline_data()
                             << "Groceries(Fruit(Apples),Bread)";
     QTest::newRow("tabs") << QByteArray("Groceries\n\tFruit\n\t\tApples\n\tBread") << ok
                           << "Groceries(Fruit(Apples),Bread)";
-    QTest::newRow("a tab and a space are one level each") << QByteArray("R\r\n\ta\r\n \tb\r\n\t c\r\n  d\r\n") << ok
-                                                         << "R(a(b,c,d))";
+    QTest::newRow("a tab and a space are one level each")
+        << QByteArray("R\r\n\ta\r\n \tb\r\n\t c\r\n  d\r\n") << ok << "R(a(b,c,d))";
     QTest::newRow("blank lines and every line end")
         << QByteArray("R\r\n\r\n a\r\r\r  b\n\n\r\n c\r") << ok << "R(a(b),c)";
-    QTest::newRow("several levels up at once") << QByteArray("R\n a\n  b\n   c\n    d\n e\n") << ok
-                                               << "R(a(b(c(d))),e)";
-    QTest::newRow("white space only is an empty name")
-        << QByteArray("R\n a\n  \n   x\n") << ok << "R(a((x)))";
+    QTest::newRow("several levels up at once")
+        << QByteArray("R\n a\n  b\n   c\n    d\n e\n") << ok << "R(a(b(c(d))),e)";
+    QTest::newRow("white space only is an empty name") << QByteArray("R\n a\n  \n   x\n") << ok << "R(a((x)))";
     QTest::newRow("root alone") << QByteArray("Just a title\r\n") << ok << "Just a title";
     QTest::newRow("code page text") << QByteArray("Caf\xe9\r\n \x80 5\r\n") << ok << QString::fromUtf8("Café(€ 5)");
     QTest::newRow("unicode text") << le(u"\u65e5\u672c\r\n\u3000\u6771\u4eac\r\n\t\t\u5927\u962a") << ok
@@ -127,11 +126,16 @@ void TestTextImport::documentPath_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("document");
-    QTest::newRow("extension") << "/home/me/list.txt" << "/home/me/list.qbx";
-    QTest::newRow("last extension only") << "/home/me/list.tar.txt" << "/home/me/list.tar.qbx";
-    QTest::newRow("no extension") << "/home/me/list" << "/home/me/list.qbx";
-    QTest::newRow("dot in a folder") << "/home/me.old/list" << "/home/me.old/list.qbx";
-    QTest::newRow("windows folders") << "C:\\my.docs\\list" << "C:\\my.docs\\list.qbx";
+    QTest::newRow("extension") << "/home/me/list.txt"
+                               << "/home/me/list.qbx";
+    QTest::newRow("last extension only") << "/home/me/list.tar.txt"
+                                         << "/home/me/list.tar.qbx";
+    QTest::newRow("no extension") << "/home/me/list"
+                                  << "/home/me/list.qbx";
+    QTest::newRow("dot in a folder") << "/home/me.old/list"
+                                     << "/home/me.old/list.qbx";
+    QTest::newRow("windows folders") << "C:\\my.docs\\list"
+                                     << "C:\\my.docs\\list.qbx";
 }
 
 void TestTextImport::documentPath()

@@ -88,74 +88,73 @@ struct Sample {
     }
 };
 
-const char *const SampleXml =
-    "<?xml version=\"1.0\" ?>\r\n"
-    "<ROOT Flags=\"3\" Image=\"5\" Sort=\"0\" Name=\"My &amp;lt;List&amp;gt;\">\r\n"
-    "<ITEM StdFlags=\"3\" Flags=\"5\" Image=\"812\" Sort=\"15\">\r\n"
-    "<NAME>a&amp;lt;b&amp;c</NAME>\r\n"
-    "<TASKTIME Type=\"2\">\r\n"
-    "2h</TASKTIME>\r\n"
-    "<COLOUR>3</COLOUR>\r\n"
-    "<DUEDATE>2024-03-05</DUEDATE>\r\n"
-    "<PROGRESS>50</PROGRESS>\r\n"
-    "<STATUSTYPE>2</STATUSTYPE>\r\n"
-    "<PRIORITY>3</PRIORITY>\r\n"
-    "<CATEGORY>Work &quot;x&quot;</CATEGORY>\r\n"
-    "<CREATED>2023-12-31T23:59:58</CREATED>\r\n"
-    "<LINKS>\r\n"
-    "<LINK>file:///tmp/x&apos;s</LINK>\r\n"
-    "<LINK>Target &amp; Co</LINK>\r\n"
-    "</LINKS>\r\n"
-    "<NOTE>\r\n"
-    "<![CDATA[\r\n"
-    "line1\r\n"
-    "line2 <b>&amp;</b>\r\n"
-    "]]>\r\n"
-    "</NOTE>\r\n"
-    "<SUBITEMS>\r\n"
-    "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
-    "<NAME></NAME>\r\n"
-    "<TASKTIME />\r\n"
-    "<COLOUR>0</COLOUR>\r\n"
-    "<DUEDATE />\r\n"
-    "<PROGRESS>0</PROGRESS>\r\n"
-    "<STATUSTYPE>1</STATUSTYPE>\r\n"
-    "<PRIORITY>10</PRIORITY>\r\n"
-    "<CATEGORY />\r\n"
-    "<CREATED>2024-01-02T03:04:05</CREATED>\r\n"
-    "<LINKS />\r\n"
-    "<NOTE />\r\n"
-    "</ITEM>\r\n"
-    "</SUBITEMS>\r\n"
-    "</ITEM>\r\n"
-    "<ITEM StdFlags=\"2\" Flags=\"2\" Image=\"3\" Sort=\"15\">\r\n"
-    "<NAME>Target &amp; Co</NAME>\r\n"
-    "<TASKTIME />\r\n"
-    "<COLOUR>0</COLOUR>\r\n"
-    "<DUEDATE />\r\n"
-    "<PROGRESS>100</PROGRESS>\r\n"
-    "<STATUSTYPE>0</STATUSTYPE>\r\n"
-    "<PRIORITY>10</PRIORITY>\r\n"
-    "<CATEGORY />\r\n"
-    "<CREATED>2000-02-29T00:00:00</CREATED>\r\n"
-    "<LINKS>\r\n"
-    "</LINKS>\r\n"
-    "<NOTE />\r\n"
-    "</ITEM>\r\n"
-    "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
-    "<NAME />\r\n"
-    "<TASKTIME />\r\n"
-    "<COLOUR>0</COLOUR>\r\n"
-    "<DUEDATE />\r\n"
-    "<PROGRESS>0</PROGRESS>\r\n"
-    "<STATUSTYPE>1</STATUSTYPE>\r\n"
-    "<PRIORITY>10</PRIORITY>\r\n"
-    "<CATEGORY />\r\n"
-    "<CREATED>1999-01-01T12:00:01</CREATED>\r\n"
-    "<LINKS />\r\n"
-    "<NOTE />\r\n"
-    "</ITEM>\r\n"
-    "</ROOT>\r\n";
+const char *const SampleXml = "<?xml version=\"1.0\" ?>\r\n"
+                              "<ROOT Flags=\"3\" Image=\"5\" Sort=\"0\" Name=\"My &amp;lt;List&amp;gt;\">\r\n"
+                              "<ITEM StdFlags=\"3\" Flags=\"5\" Image=\"812\" Sort=\"15\">\r\n"
+                              "<NAME>a&amp;lt;b&amp;c</NAME>\r\n"
+                              "<TASKTIME Type=\"2\">\r\n"
+                              "2h</TASKTIME>\r\n"
+                              "<COLOUR>3</COLOUR>\r\n"
+                              "<DUEDATE>2024-03-05</DUEDATE>\r\n"
+                              "<PROGRESS>50</PROGRESS>\r\n"
+                              "<STATUSTYPE>2</STATUSTYPE>\r\n"
+                              "<PRIORITY>3</PRIORITY>\r\n"
+                              "<CATEGORY>Work &quot;x&quot;</CATEGORY>\r\n"
+                              "<CREATED>2023-12-31T23:59:58</CREATED>\r\n"
+                              "<LINKS>\r\n"
+                              "<LINK>file:///tmp/x&apos;s</LINK>\r\n"
+                              "<LINK>Target &amp; Co</LINK>\r\n"
+                              "</LINKS>\r\n"
+                              "<NOTE>\r\n"
+                              "<![CDATA[\r\n"
+                              "line1\r\n"
+                              "line2 <b>&amp;</b>\r\n"
+                              "]]>\r\n"
+                              "</NOTE>\r\n"
+                              "<SUBITEMS>\r\n"
+                              "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
+                              "<NAME></NAME>\r\n"
+                              "<TASKTIME />\r\n"
+                              "<COLOUR>0</COLOUR>\r\n"
+                              "<DUEDATE />\r\n"
+                              "<PROGRESS>0</PROGRESS>\r\n"
+                              "<STATUSTYPE>1</STATUSTYPE>\r\n"
+                              "<PRIORITY>10</PRIORITY>\r\n"
+                              "<CATEGORY />\r\n"
+                              "<CREATED>2024-01-02T03:04:05</CREATED>\r\n"
+                              "<LINKS />\r\n"
+                              "<NOTE />\r\n"
+                              "</ITEM>\r\n"
+                              "</SUBITEMS>\r\n"
+                              "</ITEM>\r\n"
+                              "<ITEM StdFlags=\"2\" Flags=\"2\" Image=\"3\" Sort=\"15\">\r\n"
+                              "<NAME>Target &amp; Co</NAME>\r\n"
+                              "<TASKTIME />\r\n"
+                              "<COLOUR>0</COLOUR>\r\n"
+                              "<DUEDATE />\r\n"
+                              "<PROGRESS>100</PROGRESS>\r\n"
+                              "<STATUSTYPE>0</STATUSTYPE>\r\n"
+                              "<PRIORITY>10</PRIORITY>\r\n"
+                              "<CATEGORY />\r\n"
+                              "<CREATED>2000-02-29T00:00:00</CREATED>\r\n"
+                              "<LINKS>\r\n"
+                              "</LINKS>\r\n"
+                              "<NOTE />\r\n"
+                              "</ITEM>\r\n"
+                              "<ITEM StdFlags=\"2\" Flags=\"1\" Image=\"0\" Sort=\"15\">\r\n"
+                              "<NAME />\r\n"
+                              "<TASKTIME />\r\n"
+                              "<COLOUR>0</COLOUR>\r\n"
+                              "<DUEDATE />\r\n"
+                              "<PROGRESS>0</PROGRESS>\r\n"
+                              "<STATUSTYPE>1</STATUSTYPE>\r\n"
+                              "<PRIORITY>10</PRIORITY>\r\n"
+                              "<CATEGORY />\r\n"
+                              "<CREATED>1999-01-01T12:00:01</CREATED>\r\n"
+                              "<LINKS />\r\n"
+                              "<NOTE />\r\n"
+                              "</ITEM>\r\n"
+                              "</ROOT>\r\n";
 
 // The record of an Item with default fields, created 2024-01-01 00:00:00.
 QByteArray plainItem(const QByteArray &name, const QByteArray &note = QByteArray(), bool children = false)
@@ -199,7 +198,6 @@ private Q_SLOTS:
     void richNotesAsPlainText();
     void fileBytes_data();
     void fileBytes();
-    void encodingLabels();
     void failures();
     void deepChain();
     void xmllintReadsIt_data();
@@ -224,13 +222,20 @@ void TestXmlExport::escape_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("escaped");
-    QTest::newRow("nothing to do") << "plain text" << "plain text";
-    QTest::newRow("less than twice escaped") << "a<b&c" << "a&amp;lt;b&amp;c";
-    QTest::newRow("greater than twice escaped") << "x>y" << "x&amp;gt;y";
-    QTest::newRow("quotes") << "\"it's\"" << "&quot;it&apos;s&quot;";
-    QTest::newRow("an entity in the text") << "&lt;" << "&amp;lt;";
-    QTest::newRow("all at the edges") << "<>&\"'" << "&amp;lt;&amp;gt;&amp;&quot;&apos;";
-    QTest::newRow("empty") << "" << "";
+    QTest::newRow("nothing to do") << "plain text"
+                                   << "plain text";
+    QTest::newRow("less than twice escaped") << "a<b&c"
+                                             << "a&amp;lt;b&amp;c";
+    QTest::newRow("greater than twice escaped") << "x>y"
+                                                << "x&amp;gt;y";
+    QTest::newRow("quotes") << "\"it's\""
+                            << "&quot;it&apos;s&quot;";
+    QTest::newRow("an entity in the text") << "&lt;"
+                                           << "&amp;lt;";
+    QTest::newRow("all at the edges") << "<>&\"'"
+                                      << "&amp;lt;&amp;gt;&amp;&quot;&apos;";
+    QTest::newRow("empty") << ""
+                           << "";
 }
 
 void TestXmlExport::escape()
@@ -246,8 +251,9 @@ void TestXmlExport::noteWithCdataEndIsWrittenAsItIs()
     Item *item = plain(QStringLiteral("n"));
     item->setNote(le(u"a ]]> b & <c>"));
     root.appendChild(item);
-    const QByteArray expected = "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n" +
-                                plainItem("n", "a ]]> b & <c>") + "</ROOT>\r\n";
+    const QByteArray expected =
+        "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n" +
+        plainItem("n", "a ]]> b & <c>") + "</ROOT>\r\n";
     QCOMPARE(XmlExport::text(&root, {}), QString::fromLatin1(expected));
 }
 
@@ -259,10 +265,14 @@ void TestXmlExport::richNotesAsPlainText_data()
     QTest::newRow("rich text") << quint16(2) << QByteArray("{\\rtf1 {\\b Bold}\\par x\\u233?}")
                                << QByteArray("Bold\r\nx\xe9");
     QTest::newRow("rich ink") << quint16(1)
-                              << QByteArray("QBINK\r\n\x1a" "RTF \x0d\x00\x00\x00{\\rtf1 ink}", 8 + 8 + 13)
+                              << QByteArray("QBINK\r\n\x1a"
+                                            "RTF \x0b\x00\x00\x00{\\rtf1 ink}",
+                                            8 + 8 + 11)
                               << QByteArray("ink");
     QTest::newRow("rich ink with drawing only") << quint16(1)
-                                                << QByteArray("QBINK\r\n\x1a" "INKS\x01\x00\x00\x00\x05", 17)
+                                                << QByteArray("QBINK\r\n\x1a"
+                                                              "INKS\x01\x00\x00\x00\x05",
+                                                              17)
                                                 << QByteArray("");
 }
 
@@ -277,8 +287,9 @@ void TestXmlExport::richNotesAsPlainText()
     root.appendChild(item);
     XmlExport::Options options;
     options.noteType = noteType;
-    const QByteArray expected = "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n" +
-                                plainItem("n", text) + "</ROOT>\r\n";
+    const QByteArray expected =
+        "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n" + plainItem("n", text) +
+        "</ROOT>\r\n";
     QCOMPARE(XmlExport::text(&root, options), QString::fromLatin1(expected));
 }
 
@@ -294,6 +305,10 @@ void TestXmlExport::fileBytes_data()
         << 0 << "windows-1252" << QString::fromUtf8("Café")
         << QByteArray("<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n"
                       "</ROOT>\r\n");
+    QTest::newRow("index past the list declares nothing")
+        << 9 << "windows-1252" << QStringLiteral("R")
+        << QByteArray(
+               "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\n</ROOT>\r\n");
     // The declaration says UTF-8, the bytes are the code page's, one per
     // UTF-16 unit: the pair became one "?", which leaves a zero at the end.
     QTest::newRow("UTF-8 is only a label")
@@ -306,8 +321,9 @@ void TestXmlExport::fileBytes_data()
                                    le(u"<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" "
                                       u"Sort=\"15\" Name=\"Caf\u00e9\xd83d\xde00\">\r\n</ROOT>\r\n");
     QTest::newRow("ISO-8859-1 label") << 3 << "windows-1252" << QString::fromUtf8("€")
-                                      << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\" ?>\r\n<ROOT "
-                                                    "Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"\x80\">\r\n</ROOT>\r\n");
+                                      << QByteArray(
+                                             "<?xml version=\"1.0\" encoding=\"ISO-8859-1\" ?>\r\n<ROOT "
+                                             "Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"\x80\">\r\n</ROOT>\r\n");
     // Two bytes per character in a double-byte code page: the text is cut at
     // its number of UTF-16 units, in the middle of the closing tag.
     QTest::newRow("Shift-JIS is cut") << 5 << "windows-932" << QString::fromUtf8("日本")
@@ -337,13 +353,6 @@ void TestXmlExport::fileBytes()
     QCOMPARE(readFile(path), bytes);
 }
 
-void TestXmlExport::encodingLabels()
-{
-    QCOMPARE(XmlExport::encodingLabels(), (QStringList{"(Default)", "UTF-8", "UTF-16", "ISO-8859-1", "Big-5",
-                                                      "Shift-JIS", "GB2312"}));
-    QCOMPARE(XmlExport::encodingLabel(7), QString());
-}
-
 void TestXmlExport::failures()
 {
     QTemporaryDir dir;
@@ -371,8 +380,8 @@ void TestXmlExport::deepChain()
     const QString text = XmlExport::text(&root, {});
     QCOMPARE(text.count(QLatin1String("<SUBITEMS>\r\n")), Depth - 1);
     QCOMPARE(text.count(QLatin1String("</SUBITEMS>\r\n</ITEM>\r\n")), Depth - 1);
-    QVERIFY(text.endsWith(QString::fromLatin1(plainItem("x") + QByteArray("</SUBITEMS>\r\n</ITEM>\r\n").repeated(Depth - 1) +
-                                              "</ROOT>\r\n")));
+    QVERIFY(text.endsWith(QString::fromLatin1(
+        plainItem("x") + QByteArray("</SUBITEMS>\r\n</ITEM>\r\n").repeated(Depth - 1) + "</ROOT>\r\n")));
 }
 
 void TestXmlExport::xmllintReadsIt_data()
@@ -394,7 +403,8 @@ void TestXmlExport::xmllintReadsIt()
 
     Sample sample;
     TreeNode *root = sample.document.root();
-    Item *extra = plain(unicodeNames ? QString::fromUtf8("Größe & «Maß» <é>") : QStringLiteral("\"quoted\" & 'single'"));
+    Item *extra =
+        plain(unicodeNames ? QString::fromUtf8("Größe & «Maß» <é>") : QStringLiteral("\"quoted\" & 'single'"));
     extra->setNote(le(u"<note> with & and \"quotes\""));
     extra->setLinks({QStringLiteral("http://example.com/?a=1&b=<2>")});
     root->child(0)->child(0)->appendChild(extra);

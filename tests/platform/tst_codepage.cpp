@@ -31,9 +31,13 @@ void TestCodePage::fromUnicode_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QByteArray>("bytes");
 
-    QTest::newRow("ascii") << "windows-1252" << "Plain, text!" << QByteArray("Plain, text!");
-    QTest::newRow("western letters and euro") << "windows-1252" << QString::fromUtf8("Café 5€") << QByteArray("Caf\xe9 5\x80");
-    QTest::newRow("letter missing from the page") << "windows-1252" << QString::fromUtf8("Łódź") << QByteArray("?\xf3" "d?");
+    QTest::newRow("ascii") << "windows-1252"
+                           << "Plain, text!" << QByteArray("Plain, text!");
+    QTest::newRow("western letters and euro")
+        << "windows-1252" << QString::fromUtf8("Café 5€") << QByteArray("Caf\xe9 5\x80");
+    QTest::newRow("letter missing from the page") << "windows-1252" << QString::fromUtf8("Łódź")
+                                                  << QByteArray("?\xf3"
+                                                                "d?");
     QTest::newRow("pair is one character") << "windows-1252" << QString::fromUtf8("a😀b") << QByteArray("a?b");
     QTest::newRow("lone first half") << "windows-1252" << units({u'a', 0xd800, u'b'}) << QByteArray("a?b");
     QTest::newRow("lone second half") << "windows-1252" << units({u'a', 0xdc00, u'b'}) << QByteArray("a?b");
@@ -62,9 +66,11 @@ void TestCodePage::exportBytes_data()
     QTest::addColumn<QByteArray>("bytes");
 
     QTest::newRow("one byte per unit") << "windows-1252" << QString::fromUtf8("Ünïcödé\r\n")
-                                       << QByteArray("\xdcn\xef" "c\xf6" "d\xe9\r\n");
-    QTest::newRow("pair leaves a zero at the end") << "windows-1252" << QString::fromUtf8("A😀B")
-                                                   << QByteArray("A?B\0", 4);
+                                       << QByteArray("\xdcn\xef"
+                                                     "c\xf6"
+                                                     "d\xe9\r\n");
+    QTest::newRow("pair leaves a zero at the end")
+        << "windows-1252" << QString::fromUtf8("A😀B") << QByteArray("A?B\0", 4);
     QTest::newRow("double bytes are cut") << "windows-932" << QString::fromUtf8("日本") << QByteArray("\x93\xfa");
     QTest::newRow("cut inside a character") << "windows-932" << QString::fromUtf8("a日") << QByteArray("a\x93");
     QTest::newRow("empty") << "windows-1252" << QString() << QByteArray();

@@ -35,7 +35,7 @@ void TestApplyAttributesDialog::changingAValueTicksItsBox()
 {
     ScriptedPrompts prompts;
     prompts.icons.enqueue(12);
-    ApplyAttributesDialog dialog({QStringLiteral("Home"), QStringLiteral("Away")}, &prompts);
+    ApplyAttributesDialog dialog({QStringLiteral("Home"), QStringLiteral("Away")}, {}, &prompts);
     dialog.show();
     QCOMPARE(dialog.attributes().flags, 0u);
 

@@ -1,8 +1,8 @@
+#include "exchange/notetext.h"
 #include "model/document.h"
 #include "model/item.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
-#include "exchange/notetext.h"
 #include "shell/commandids.h"
 #include "shell/documentview.h"
 #include "shell/quickentrybar.h"
@@ -62,12 +62,14 @@ private Q_SLOTS:
     void glyphExpandsAndCollapses();
     void quickEntryBar();
     void renameInPlace();
+    void itemMenuAttributes();
     void pasteThroughTheMenu();
     void dropRefusals();
     void deleteAsks();
     void menuOpensOnRightClickAndLongPress();
     void menuEnablingDefaultView_data();
     void menuEnablingDefaultView();
+    void groupedViewThroughTheMenu();
     void moveMenuEnabling();
     void filtersCollapse();
     void noteStoredOnSelectionChange();
@@ -156,8 +158,8 @@ void TestDocumentView::drag(const QString &from, const QPoint &to)
     QMouseEvent move(QEvent::MouseMove, QPointF(start + QPoint(0, 6)), viewport->mapToGlobal(QPointF(start)),
                      Qt::NoButton, Qt::LeftButton, {});
     QCoreApplication::sendEvent(viewport, &move);
-    QMouseEvent move2(QEvent::MouseMove, QPointF(to), viewport->mapToGlobal(QPointF(to)), Qt::NoButton,
-                      Qt::LeftButton, {});
+    QMouseEvent move2(QEvent::MouseMove, QPointF(to), viewport->mapToGlobal(QPointF(to)), Qt::NoButton, Qt::LeftButton,
+                      {});
     QCoreApplication::sendEvent(viewport, &move2);
     QVERIFY(m_view->treePane()->isDragging());
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
@@ -193,9 +195,9 @@ void TestDocumentView::progressBarPresets()
     QWidget *viewport = m_view->treePane()->viewport();
     m_prompts->menuChoices.enqueue(QStringLiteral("preset75"));
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
-    QCOMPARE(m_prompts->lastMenuTexts, QStringList({QStringLiteral("0%"), QStringLiteral("10%"), QStringLiteral("25%"),
-                                                    QStringLiteral("50%"), QStringLiteral("75%"),
-                                                    QStringLiteral("90%"), QStringLiteral("100%")}));
+    QCOMPARE(m_prompts->lastMenuTexts,
+             QStringList({QStringLiteral("0%"), QStringLiteral("10%"), QStringLiteral("25%"), QStringLiteral("50%"),
+                          QStringLiteral("75%"), QStringLiteral("90%"), QStringLiteral("100%")}));
     QCOMPARE(b->progress(), quint16(75));
     // Dismissing the menu changes nothing.
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Status));
@@ -305,6 +307,52 @@ void TestDocumentView::renameInPlace()
     QTest::keyClick(editor, Qt::Key_Return);
     QCOMPARE(childNames(m_view->document()->root()),
              QStringList({QStringLiteral("Banana"), QStringLiteral("C"), QStringLiteral("Zebra")}));
+}
+
+void TestDocumentView::itemMenuAttributes()
+{
+    Item *b = item(QStringLiteral("B"));
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action20105"));
+    QCOMPARE(b->priority(), quint16(6));
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action20212"));
+    QCOMPARE(b->colour(), quint16(12));
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3040"));
+    QVERIFY(!b->showIcon());
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3041"));
+    QVERIFY(b->isItalic());
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3044"));
+    QCOMPARE(b->statusType(), quint16(Item::ProgressBar));
+    m_prompts->icons.enqueue(42);
+    openMenuOn(QStringLiteral("B"), QStringLiteral("action3003"));
+    QCOMPARE(b->image(), quint16(42));
+    // The menu shows what was set.
+    openMenuOn(QStringLiteral("B"));
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action20105")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action20212")).checked);
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3040")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3041")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3044")).checked);
+
+    // Create > Copy puts a duplicate right after the item, current.
+    openMenuOn(QStringLiteral("A"), QStringLiteral("action3030"));
+    QCOMPARE(childNames(m_view->document()->root()),
+             QStringList({QStringLiteral("A"), QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
+    Item *copy = m_view->document()->root()->child(1);
+    QCOMPARE(m_view->treePane()->currentNode(), copy);
+    QVERIFY(!copy->hasChildren());
+    QVERIFY(copy->autoProgress());
+
+    // Order Children By on the root, then back to manual order keeps the order.
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3121")); // greyed under manual order
+    QCOMPARE(m_view->document()->root()->isAscending(), true);
+    b->setName(QStringLiteral("0 first"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3100"));
+    QCOMPARE(childNames(m_view->document()->root()).first(), QStringLiteral("0 first"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3121"));
+    QCOMPARE(childNames(m_view->document()->root()).last(), QStringLiteral("0 first"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3115"));
+    QCOMPARE(m_view->document()->root()->sort(), quint16(TreeNode::SortManual));
+    QCOMPARE(childNames(m_view->document()->root()).last(), QStringLiteral("0 first"));
 }
 
 void TestDocumentView::pasteThroughTheMenu()
@@ -423,26 +471,27 @@ void TestDocumentView::menuEnablingDefaultView_data()
     QTest::addColumn<QStringList>("greyed");
     QTest::addColumn<QStringList>("checked");
     // Item with children (A: sorted by priority, descending, priority 4, colour 9, italic, progress bar).
-    QTest::newRow("item with children")
-        << QStringLiteral("A")
-        << QStringList{"action3001", "action20103", "action3003", "action20209", "action3040", "action3041",
-                       "action3044", "action3006", "action3100", "action3115", "action3120", "action3121",
-                       "action3030", "action3031", "action3032", "action3009", "action3010", "action3012"}
-        << QStringList{"action3011"}
-        << QStringList{"action20103", "action20209", "action3040", "action3041", "action3044", "action3101",
-                       "action3121"};
+    QTest::newRow("item with children") << QStringLiteral("A")
+                                        << QStringList{"action3001", "action20103", "action3003", "action20209",
+                                                       "action3040", "action3041",  "action3044", "action3006",
+                                                       "action3100", "action3115",  "action3120", "action3121",
+                                                       "action3030", "action3031",  "action3032", "action3009",
+                                                       "action3010", "action3012"}
+                                        << QStringList{"action3011"}
+                                        << QStringList{"action20103", "action20209", "action3040", "action3041",
+                                                       "action3044",  "action3101",  "action3121"};
     // A leaf: no ordering of children and nothing to apply attributes to.
     QTest::newRow("leaf") << QStringLiteral("B")
                           << QStringList{"action3001", "action20109", "action3043", "action3030", "action3012"}
-                          << QStringList{"action3006", "action3100", "action3115", "action3120", "action3121",
-                                         "action3011"}
+                          << QStringList{"action3006", "action3100", "action3115",
+                                         "action3120", "action3121", "action3011"}
                           << QStringList{"action20109", "action20200", "action3040", "action3043", "action3115"};
     // The root's title row: only rename, apply attributes and ordering.
     QTest::newRow("root") << QStringLiteral("Root")
                           << QStringList{"action3001", "action3006", "action3100", "action3115"}
-                          << QStringList{"action20109", "action3003", "action20200", "action3040", "action3042",
-                                         "action3030", "action3009", "action3010", "action3011", "action3012",
-                                         "action3120", "action3121"}
+                          << QStringList{"action20109", "action3003", "action20200", "action3040",
+                                         "action3042",  "action3030", "action3009",  "action3010",
+                                         "action3011",  "action3012", "action3120",  "action3121"}
                           << QStringList{"action3115"};
 }
 
@@ -479,6 +528,47 @@ void TestDocumentView::menuEnablingDefaultView()
     for (const QString &name : checked)
         QVERIFY2(menu.value(name).checked, qPrintable(name));
     QCOMPARE(menu.value(QStringLiteral("action20110")).text, QStringLiteral("11"));
+}
+
+void TestDocumentView::groupedViewThroughTheMenu()
+{
+    item(QStringLiteral("B"))->setCategory(QStringLiteral("Work"));
+    select(QStringLiteral("B"));
+    QVERIFY(m_view->runCommand(CommandId::ByCategory));
+    QVERIFY(m_view->isCommandChecked(CommandId::ByCategory));
+    ViewRows *rows = m_view->rows();
+    QVERIFY(rows->isGrouped());
+    // The current item stays current, under its opened heading.
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
+    const int heading = rows->parentIndex(m_view->treePane()->currentRow());
+    QCOMPARE(rows->row(heading).kind, ViewRows::Kind::Heading);
+    QCOMPARE(rows->text(heading), QStringLiteral("Work"));
+
+    openMenuOn(QStringLiteral("B"));
+    for (const char *greyed : {"action3006", "action3100", "action3120", "action3009", "action3010", "action3011"})
+        QVERIFY2(!m_prompts->lastMenu.value(QString::fromLatin1(greyed)).enabled, greyed);
+    for (const char *enabled : {"action3001", "action20100", "action3043", "action3030", "action3012"})
+        QVERIFY2(m_prompts->lastMenu.value(QString::fromLatin1(enabled)).enabled, enabled);
+
+    // A heading orders the whole view: only the direction can be chosen.
+    m_prompts->menuChoices.enqueue(QStringLiteral("action3121"));
+    m_view->showItemMenu(heading, QPoint());
+    QCoreApplication::processEvents();
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3100")).enabled);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3100")).checked);
+    QVERIFY(m_prompts->lastMenu.value(QStringLiteral("action3120")).checked);
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3001")).enabled);
+    QVERIFY(!m_view->document()->viewAscending);
+
+    // Drops are ignored in a grouped view.
+    const QStringList before = childNames(m_view->document()->root());
+    drag(QStringLiteral("B"), partOf(QStringLiteral("C"), RowGeometry::Text));
+    QCOMPARE(childNames(m_view->document()->root()), before);
+
+    // Back to the default view with the item still current.
+    QVERIFY(m_view->runCommand(CommandId::DefaultView));
+    QVERIFY(!m_view->rows()->isGrouped());
+    QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
 }
 
 void TestDocumentView::moveMenuEnabling()
@@ -559,7 +649,7 @@ void TestDocumentView::noteStoredOnSelectionChange()
     QTest::keyClicks(editor, QStringLiteral("!"));
     m_view->commitEdits();
     QCOMPARE(m_view->document()->current(), item(QStringLiteral("B")));
-    QCOMPARE(NoteText::fromPlainNote(item(QStringLiteral("B"))->note()), QStringLiteral("Buy milk!"));
+    QCOMPARE(NoteText::fromPlainNote(item(QStringLiteral("B"))->note()), QStringLiteral("!Buy milk"));
 }
 
 void TestDocumentView::recordingToolbarOnlyForRichInk()

@@ -17,6 +17,8 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QSettings>
@@ -63,14 +65,17 @@ private Q_SLOTS:
     void cleanup();
     void startOpensDefFileOrTheCommandLinePath();
     void exitAndCloseKeepDefFile();
+    void quickEntryBarChoiceIsSavedAtOnce();
     void loadFailuresShowTheirMessage_data();
     void loadFailuresShowTheirMessage();
     void protectedDocumentAsksForThePassword();
     void createAndSaveAs();
+    void importATextOutline();
     void saveFailureKeepsTheDocumentOpen();
     void saveOnDeactivation();
     void handOverFromASecondInstance();
     void secondProcessHandsOverAndExits();
+    void menuBarWords();
     void menusFollowTheState();
     void ctrlAOpensTheAboutBox();
 
@@ -164,13 +169,29 @@ void TestMainWindow::exitAndCloseKeepDefFile()
     QCOMPARE(settings.defFile, QString());
 }
 
+void TestMainWindow::quickEntryBarChoiceIsSavedAtOnce()
+{
+    // A first start has Flags bits 0 and 1 only: the bar is hidden.
+    MainWindow *w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    QVERIFY(!w->view()->isQuickEntryVisible());
+    w->view()->runCommand(CommandId::QuickEntryBar);
+    QVERIFY(w->view()->isQuickEntryVisible());
+    QSettings store(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    QCOMPARE(store.value(QStringLiteral("Flags")).toUInt(), 7u);
+
+    // The next start shows it again.
+    w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    QVERIFY(w->view()->isQuickEntryVisible());
+}
+
 void TestMainWindow::loadFailuresShowTheirMessage_data()
 {
     QTest::addColumn<QByteArray>("bytes"); // empty: no file at all
     QTest::addColumn<QString>("message");
     QTest::newRow("missing") << QByteArray() << QStringLiteral("File '%1' does not exist.");
-    QTest::newRow("damaged") << QByteArray("\x27\x02\x00\x00garbage", 11)
-                             << QString::fromLatin1(Messages::LoadDamaged);
+    QTest::newRow("damaged") << QByteArray("\x27\x02\x00\x00garbage", 11) << QString::fromLatin1(Messages::LoadDamaged);
     QTest::newRow("newer version") << QByteArray("\x58\x02\x00\x00", 4)
                                    << QString::fromLatin1(Messages::LoadUnsupportedVersion);
 }
@@ -257,6 +278,43 @@ void TestMainWindow::createAndSaveAs()
     QCOMPARE(reread.noteType, quint16(Document::RichText));
 }
 
+void TestMainWindow::importATextOutline()
+{
+    const QString text = docPath(QStringLiteral("Shopping.txt"));
+    {
+        QFile file(text);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("Shopping\r\n\tMilk\r\n\tEggs\r\n\t\tbrown\r\n");
+    }
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    QVERIFY(w->commandAction(CommandId::ImportText)->isEnabled());
+    m_prompts->fileNames.enqueue(text);
+    m_prompts->noteTypes.enqueue(Document::PlainText);
+    w->runCommand(CommandId::ImportText);
+    QVERIFY(w->view());
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Shopping.qbx")));
+    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Shopping.qbx"))),
+             QStringList({QStringLiteral("Milk"), QStringLiteral("Eggs"), QStringLiteral("brown")}));
+    QVERIFY(!w->commandAction(CommandId::ImportText)->isEnabled());
+
+    // A line two levels deeper than the one before: refused, nothing written.
+    w->closeDocument();
+    const QString bad = docPath(QStringLiteral("Bad.txt"));
+    {
+        QFile file(bad);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("Top\r\n\t\t\tToo deep\r\n");
+    }
+    m_prompts->fileNames.enqueue(bad);
+    m_prompts->noteTypes.enqueue(Document::PlainText);
+    w->runCommand(CommandId::ImportText);
+    QVERIFY(!w->view());
+    QCOMPARE(m_prompts->shown.last().icon, Prompts::Icon::Stop);
+    QCOMPARE(m_prompts->shown.last().text, QString::fromLatin1(Messages::ImportFormatInvalid));
+    QVERIFY(!QFile::exists(docPath(QStringLiteral("Bad.qbx"))));
+}
+
 void TestMainWindow::saveFailureKeepsTheDocumentOpen()
 {
     MainWindow *w = makeWindow();
@@ -299,8 +357,8 @@ void TestMainWindow::saveOnDeactivation()
     QApplication::setActiveWindow(nullptr);
     QTRY_VERIFY(!w->isActiveWindow());
     QByteArray note;
-    QCOMPARE(namesOnDisk(path, &note), QStringList({QStringLiteral("one"), QStringLiteral("two"),
-                                                    QStringLiteral("three")}));
+    QCOMPARE(namesOnDisk(path, &note),
+             QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
     QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("a note"));
     Document reread;
     QCOMPARE(DocumentFile::load(path, &reread), DocumentFile::Loaded);
@@ -382,6 +440,62 @@ void TestMainWindow::secondProcessHandsOverAndExits()
     QCOMPARE(received.first().first().toString(), docPath(QStringLiteral("Beta.qbx")));
 }
 
+namespace {
+// The entries of a menu as the person reads them: "-" for a separator,
+// submenus as "title > [entries]".
+QStringList words(const QMenu *menu)
+{
+    QStringList out;
+    for (QAction *action : menu->actions()) {
+        if (action->isSeparator())
+            out.append(QStringLiteral("-"));
+        else if (action->menu())
+            out.append(action->text() + QStringLiteral(" > [") + words(action->menu()).join(QStringLiteral(", ")) +
+                       QStringLiteral("]"));
+        else
+            out.append(action->text());
+    }
+    return out;
+}
+} // namespace
+
+void TestMainWindow::menuBarWords()
+{
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    QMenuBar *bar = w->menuBar();
+    QCOMPARE(bar->actions().size(), 2);
+    QCOMPARE(bar->actions().at(0)->text(), QStringLiteral("New"));
+    QCOMPARE(words(bar->actions().at(1)->menu()), QStringList({"Refresh", "-", "Import...", "-", "About..."}));
+
+    QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
+    QCOMPARE(bar->actions().size(), 4);
+    QCOMPARE(bar->actions().at(0)->text(), QStringLiteral("New"));
+    QCOMPARE(words(bar->actions().at(1)->menu()),
+             QStringList({"Default View", "By Category", "By Task/Due Date", "By Priority", "-", "Hide Completed Items",
+                          "Hide By Status > [No Status, Check Box, Progress Bar]",
+                          "Item Display Options > [Show Due Date, Show Statistics]", "-",
+                          "Windows && Toolbars > [Note Window, Quick Entry Bar, Recording Toolbar]", "-", "Expand All",
+                          "Collapse All"}));
+    QCOMPARE(words(bar->actions().at(2)->menu()),
+             QStringList({"Find Item...", "Find Result...", "-", "Set Password...", "Save",
+                          "File > [File Properties..., Convert Notes..., -, Save As...]", "-",
+                          "Import/Export > [Import File..., -, View..., XML..., Links..., All Notes..., -, Items...]",
+                          "-", "Options...", "Item Templates...", "About..."}));
+    QCOMPARE(words(bar->actions().at(3)->menu()),
+             QStringList({"Move Up", "Move Down", "-", "Up a Level", "Down a Level"}));
+    QVERIFY(!bar->actions().at(3)->menu()->icon().isNull());
+    QCOMPARE(bar->actions().at(3)->text(), QString());
+    // Each command reached by its number.
+    QCOMPARE(w->commandAction(CommandId::HideProgressBar)->objectName(), QStringLiteral("action40090"));
+    QCOMPARE(w->commandAction(CommandId::ByPriority)->data().toInt(), 42003);
+    QCOMPARE(w->commandAction(CommandId::Save)->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
+    QCOMPARE(w->commandAction(CommandId::New)->shortcuts(),
+             QList<QKeySequence>({QKeySequence(QStringLiteral("Ctrl+N")), QKeySequence(QStringLiteral("Ctrl+I"))}));
+    QCOMPARE(w->commandAction(CommandId::Exit)->shortcut(), QKeySequence(QStringLiteral("Ctrl+Q")));
+    QCOMPARE(w->commandAction(CommandId::FindItem)->shortcut(), QKeySequence(QStringLiteral("Ctrl+F")));
+}
+
 void TestMainWindow::menusFollowTheState()
 {
     MainWindow *w = makeWindow();
@@ -432,7 +546,8 @@ void TestMainWindow::ctrlAOpensTheAboutBox()
     QCOMPARE(m_prompts->aboutShown, 1);
     QVERIFY(!editor->textCursor().hasSelection());
     QTest::keyClick(w->view()->treePane(), Qt::Key_S, Qt::ControlModifier);
-    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))),
+             QStringList({QStringLiteral("one"), QStringLiteral("two")}));
     QByteArray note;
     namesOnDisk(docPath(QStringLiteral("Alpha.qbx")), &note);
     QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("text"));

@@ -54,7 +54,7 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
 
     const QString target = work.filePath(QStringLiteral("document.qbx"));
     const QStringList arguments{QStringLiteral("generate"), QStringLiteral("--items"), QString::number(newItems),
-                                QStringLiteral("--seed"), QStringLiteral("2"), target};
+                                QStringLiteral("--seed"),   QStringLiteral("2"),       target};
     // How long a whole run takes, so the kills spread over all of it.
     QVERIFY(QFile::copy(oldPath, target));
     QElapsedTimer timer;

@@ -89,23 +89,24 @@ private Q_SLOTS:
     void fileResults();
     void branchFile();
     void importIntoNode();
+    void importConvertsNotesByDefault();
     void importRefusals();
 };
 
 void TestDocumentFile::emptyDocumentIsHeaderAndRootOnly()
 {
     Document doc;
-    const QByteArray expected = QByteArray::fromHex("27020000"           // Version 551
-                                                    "0000"               // HashLength 0
-                                                    "82000000"           // ShowNoteWindow, ViewAscending
-                                                    "0000" "0000" "0000" // NoteType, ViewMode, ViewOrder
-                                                    "00000000"           // HideByStatus
-                                                    "00000000"           // CurrentNumber: the root
-                                                    "0000"               // Image
-                                                    "04000000" "52006f006f007400" // "Root"
-                                                    "00000000"           // ExtraWord
-                                                    "02000000"           // Ascending, not expanded
-                                                    "0f00");             // manual order
+    const QByteArray expected = QByteArray::fromHex("27020000"                 // Version 551
+                                                    "0000"                     // HashLength 0
+                                                    "82000000"                 // ShowNoteWindow, ViewAscending
+                                                    "000000000000"             // NoteType, ViewMode, ViewOrder
+                                                    "00000000"                 // HideByStatus
+                                                    "00000000"                 // CurrentNumber: the root
+                                                    "0000"                     // Image
+                                                    "0400000052006f006f007400" // "Root"
+                                                    "00000000"                 // ExtraWord
+                                                    "02000000"                 // Ascending, not expanded
+                                                    "0f00");                   // manual order
     QCOMPARE(expected.size(), 24 + 16 + 2 * 4);
     keepForCorpus("empty-551", expected);
     QCOMPARE(DocumentFile::toBytes(doc), expected);
@@ -179,7 +180,8 @@ void TestDocumentFile::version551EveryFieldUnusual()
     QVERIFY(!a->hasDueDate());
     QCOMPARE(a->reminderTime(), st(0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF));
     QCOMPARE(a->note(), QByteArray::fromHex("0102030405"));
-    QCOMPARE(a->links(), QStringList({b->linkText(), QStringLiteral("!0"), QStringLiteral("\\\\server\\share\\x.txt")}));
+    QCOMPARE(a->links(),
+             QStringList({b->linkText(), QStringLiteral("!0"), QStringLiteral("\\\\server\\share\\x.txt")}));
 
     QCOMPARE(b->image(), quint16(12));
     QVERIFY(!b->isExpanded());
@@ -615,8 +617,8 @@ void TestDocumentFile::writerNumbersCurrentAndLinkTargetsFirst()
 void TestDocumentFile::categoriesAreCollectedCaseSensitively()
 {
     FB f = header551();
-    const QStringList categories{QStringLiteral("Work"), QStringLiteral("work"), QString(), QStringLiteral("Work"),
-                                 QStringLiteral("WORK"), QStringLiteral("Home")};
+    const QStringList categories{QStringLiteral("Work"), QStringLiteral("work"), QString(),
+                                 QStringLiteral("Work"), QStringLiteral("WORK"), QStringLiteral("Home")};
     quint32 number = 1;
     for (const QString &category : categories) {
         f.u32(1).u32(number++).u16(0).str(QStringLiteral("x")).u32(0).u32(2).u16(15).str(QString()).u16(0);
@@ -624,8 +626,8 @@ void TestDocumentFile::categoriesAreCollectedCaseSensitively()
     }
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
-    QCOMPARE(doc.categories,
-             QStringList({QStringLiteral("Work"), QStringLiteral("work"), QStringLiteral("WORK"), QStringLiteral("Home")}));
+    QCOMPARE(doc.categories, QStringList({QStringLiteral("Work"), QStringLiteral("work"), QStringLiteral("WORK"),
+                                          QStringLiteral("Home")}));
     const QList<Item *> items = preOrder(doc.root());
     QCOMPARE(items[3]->category(), QStringLiteral("Work"));
     // Equal texts share one copy: a million Items of a few categories keep a few strings.
@@ -711,7 +713,8 @@ void TestDocumentFile::chainOfAMillionLevels()
     QCOMPARE(DocumentFile::loadFromBytes(bytes, &loaded), DocumentFile::Loaded);
     QCOMPARE(loaded.root()->childCount(), 2);
     int depth = 0;
-    for (const TreeNode *node = loaded.root()->child(0); node; node = node->hasChildren() ? node->children()[0] : nullptr)
+    for (const TreeNode *node = loaded.root()->child(0); node;
+         node = node->hasChildren() ? node->children()[0] : nullptr)
         ++depth;
     QCOMPARE(depth, 1000000);
     QCOMPARE(DocumentFile::toBytes(loaded).size(), bytes.size());
@@ -839,6 +842,30 @@ void TestDocumentFile::importIntoNode()
     QCOMPARE(DocumentFile::importInto(&doc, doc.root(), path, prompt, convert), DocumentFile::Loaded);
     QCOMPARE(conversions.size(), 1);
     QCOMPARE(doc.root()->childCount(), 3);
+}
+
+void TestDocumentFile::importConvertsNotesByDefault()
+{
+    QTemporaryDir dir;
+    auto fileWithNote = [&dir](quint16 noteType, const QByteArray &note) {
+        FB f;
+        f.u32(551).u16(0).u32(0x82).u16(noteType).u16(0).u16(0).u32(0).u32(0);
+        f.u16(0).str(QStringLiteral("R")).u32(0).u32(2).u16(15);
+        f.u32(1).u32(1).u16(0).str(QStringLiteral("n")).u32(0).u32(2).u16(15).str(QString()).u16(0).zeroTime();
+        f.u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().zeroTime().u32(quint32(note.size())).bytes(note);
+        f.u32(0);
+        QFile file(dir.filePath(QStringLiteral("n%1.qbx").arg(noteType)));
+        if (file.open(QIODevice::WriteOnly))
+            file.write(f);
+        return file.fileName();
+    };
+    Document doc; // plain text notes
+    QCOMPARE(DocumentFile::importInto(&doc, doc.root(), fileWithNote(2, "{\\rtf1\\ansi Hi}"), {}),
+             DocumentFile::Loaded);
+    QCOMPARE(doc.root()->child(0)->note(), QByteArray::fromHex("480069000000"));
+    // A note type nobody knows cannot be converted: nothing is added.
+    QCOMPARE(DocumentFile::importInto(&doc, doc.root(), fileWithNote(9, "??"), {}), DocumentFile::Damaged);
+    QCOMPARE(doc.root()->childCount(), 1);
 }
 
 void TestDocumentFile::importRefusals()

@@ -60,20 +60,20 @@ void TestPassword::change_data()
     QTest::newRow("set on an open document") << QString() << QString() << abc << abc << accepted << abc;
     QTest::newRow("the current box is ignored without a password")
         << QString() << QStringLiteral("junk") << abc << abc << accepted << abc;
-    QTest::newRow("confirmation differs in case") << QString() << QString() << abc << QStringLiteral("ABC") << mismatch
-                                                  << QString();
+    QTest::newRow("confirmation differs in case")
+        << QString() << QString() << abc << QStringLiteral("ABC") << mismatch << QString();
     QTest::newRow("fifteen characters") << QString() << QString() << fifteen << fifteen << accepted << fifteen;
     QTest::newRow("sixteen characters") << QString() << QString() << sixteen << sixteen << tooLong << QString();
-    QTest::newRow("change with the right current") << abc << abc << QStringLiteral("new") << QStringLiteral("new")
-                                                   << accepted << QStringLiteral("new");
+    QTest::newRow("change with the right current")
+        << abc << abc << QStringLiteral("new") << QStringLiteral("new") << accepted << QStringLiteral("new");
     QTest::newRow("wrong current is refused before the new one is looked at")
         << abc << QStringLiteral("ABC") << QStringLiteral("x") << QStringLiteral("y") << notCorrect << abc;
-    QTest::newRow("right current, mismatch") << abc << abc << QStringLiteral("x") << QStringLiteral("y") << mismatch
-                                             << abc;
-    QTest::newRow("both new boxes empty removes the password") << abc << abc << QString() << QString() << removed
-                                                               << QString();
-    QTest::newRow("removing needs the right current") << abc << QString() << QString() << QString() << notCorrect
-                                                      << abc;
+    QTest::newRow("right current, mismatch")
+        << abc << abc << QStringLiteral("x") << QStringLiteral("y") << mismatch << abc;
+    QTest::newRow("both new boxes empty removes the password")
+        << abc << abc << QString() << QString() << removed << QString();
+    QTest::newRow("removing needs the right current")
+        << abc << QString() << QString() << QString() << notCorrect << abc;
 }
 
 void TestPassword::change()

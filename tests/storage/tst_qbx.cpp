@@ -157,14 +157,13 @@ void TestQbx::dumpPrintsEveryField()
                          {"HideByStatus", 48},
                          {"Current", 1},
                          {"Categories", QJsonArray{QStringLiteral("Büro")}},
-                         {"Root",
-                          QJsonObject{{"Image", 826},
-                                      {"Sort", 0},
-                                      {"Name", "Wurzel"},
-                                      {"ExtraWord", 9},
-                                      {"Expanded", true},
-                                      {"Ascending", true},
-                                      {"Children", QJsonArray{first}}}}};
+                         {"Root", QJsonObject{{"Image", 826},
+                                              {"Sort", 0},
+                                              {"Name", "Wurzel"},
+                                              {"ExtraWord", 9},
+                                              {"Expanded", true},
+                                              {"Ascending", true},
+                                              {"Children", QJsonArray{first}}}}};
     QCOMPARE(dump, expected);
 
     const Run check = qbx({QStringLiteral("check"), path});
@@ -184,7 +183,8 @@ void TestQbx::loadFailuresGiveMessageAndStatus_data()
     for (const char *command : {"dump", "check", "resave", "password"}) {
         QTest::addRow("%s damaged", command) << command << QByteArray::fromHex("2702000000") << 1 << damaged;
         QTest::addRow("%s version 600", command) << command << QByteArray::fromHex("58020000") << 2 << unsupported;
-        QTest::addRow("%s absent", command) << command << QByteArray() << 4 << QStringLiteral("File '%1' does not exist.\n");
+        QTest::addRow("%s absent", command)
+            << command << QByteArray() << 4 << QStringLiteral("File '%1' does not exist.\n");
     }
 }
 
@@ -232,9 +232,13 @@ void TestQbx::passwordCommand()
     const QString path = m_dir.filePath(QStringLiteral("pw.qbx"));
     QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("3"), path}).status, 0);
     const auto hash = [&path]() {
-        return QJsonDocument::fromJson(qbx({QStringLiteral("dump"), path}).out).object().value("PasswordHash").toString();
+        return QJsonDocument::fromJson(qbx({QStringLiteral("dump"), path}).out)
+            .object()
+            .value("PasswordHash")
+            .toString();
     };
-    const QString notCorrect = QStringLiteral("The password is not correct. Please enter the password and try again.\n");
+    const QString notCorrect =
+        QStringLiteral("The password is not correct. Please enter the password and try again.\n");
     const QString mismatch = QStringLiteral("The new password and confirmation do not match. Please try again.\n");
 
     Run run = qbx({QStringLiteral("password"), path}, "\nabc\nABC\n");
@@ -269,11 +273,12 @@ void TestQbx::generateIsRepeatable()
     QCOMPARE(qbx(common + QStringList{QStringLiteral("--seed"), QStringLiteral("6"), c}).status, 0);
     QCOMPARE(readAll(a), readAll(b));
     QVERIFY(readAll(a) != readAll(c));
-    QCOMPARE(qbx({QStringLiteral("check"), a}).out, (a + QStringLiteral(": loaded, version 551, 200 items\n")).toUtf8());
+    QCOMPARE(qbx({QStringLiteral("check"), a}).out,
+             (a + QStringLiteral(": loaded, version 551, 200 items\n")).toUtf8());
 
     const QString chain = m_dir.filePath(QStringLiteral("chain.qbx"));
-    QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("50"), QStringLiteral("--chain"),
-                  QStringLiteral("--note-type"), QStringLiteral("2"), chain})
+    QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("50"),
+                  QStringLiteral("--chain"), QStringLiteral("--note-type"), QStringLiteral("2"), chain})
                  .status,
              0);
     const QJsonObject dump = QJsonDocument::fromJson(qbx({QStringLiteral("dump"), chain}).out).object();
@@ -286,6 +291,16 @@ void TestQbx::generateIsRepeatable()
         children = children.at(0).toObject().value("Children").toArray();
     }
     QCOMPARE(depth, 50);
+
+    // Rich ink notes are in our ink container.
+    const QString ink = m_dir.filePath(QStringLiteral("ink.qbx"));
+    QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("30"),
+                  QStringLiteral("--note-type"), QStringLiteral("1"), ink})
+                 .status,
+             0);
+    const QByteArray inkDump = qbx({QStringLiteral("dump"), ink}).out;
+    QVERIFY(inkDump.contains("\"NoteType\":1"));
+    QVERIFY(inkDump.contains(QByteArray("QBINK\r\n\x1a").toBase64().left(8)));
 
     QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("-3"), c}).status, 2);
     QCOMPARE(qbx({QStringLiteral("generate"), QStringLiteral("--items"), QStringLiteral("3"),

@@ -55,8 +55,8 @@ void TestSettings::loadEdgeCases_data()
     QTest::newRow("font height 10") << QByteArray("[General]\nVersion=700\nFontSize=10\n") << 3u << 10 << 60 << 60
                                     << 100 << "Alarm1";
     // 0x00560022: high word 86 is out of range, low word 34 is not read.
-    QTest::newRow("split 86 out of range") << QByteArray("[General]\nVersion=700\nSplitPct7=5636130\n") << 3u << 80
-                                           << 60 << 60 << 100 << "Alarm1";
+    QTest::newRow("split 86 out of range")
+        << QByteArray("[General]\nVersion=700\nSplitPct7=5636130\n") << 3u << 80 << 60 << 60 << 100 << "Alarm1";
     // 0x00500028: high word 80 is used, low word 40 is not.
     QTest::newRow("split 80") << QByteArray("[General]\nVersion=700\nSplitPct7=5242920\n") << 3u << 80 << 60 << 80
                               << 100 << "Alarm1";
@@ -70,8 +70,8 @@ void TestSettings::loadEdgeCases_data()
                                   << "Alarm1";
     QTest::newRow("flags 0 new layout") << QByteArray("[General]\nVersion=700\nFlags=0\n") << 3u << 80 << 60 << 60
                                         << 100 << "Alarm1";
-    QTest::newRow("flags kept new layout") << QByteArray("[General]\nVersion=700\nFlags=528\n") << 528u << 80 << 60
-                                           << 60 << 100 << "Alarm1";
+    QTest::newRow("flags kept new layout")
+        << QByteArray("[General]\nVersion=700\nFlags=528\n") << 528u << 80 << 60 << 60 << 100 << "Alarm1";
     QTest::newRow("flags 0 old layout") << QByteArray("[General]\nFlags=0\n") << 0u << 80 << 60 << 60 << 100
                                         << "Alarm1";
     QTest::newRow("values present") << QByteArray("[General]\nVersion=700\nNoteZoom=150\nSound=Chime\n") << 3u << 80
@@ -150,8 +150,8 @@ void TestSettings::oldFlagsMoveToNewBits_data()
     QTest::newRow("display mode 2 is not compact") << QByteArray("[General]\nFlags=0\nDispMode=2\n") << 0x000u;
     QTest::newRow("new layout ignores old values")
         << QByteArray("[General]\nVersion=700\nFlags=1\nDispMode=1\nWordDirect=1\n") << 0x001u;
-    QTest::newRow("all old bits")
-        << QByteArray("[General]\nVersion=610\nFlags=1843616\nDispMode=1\nWordDirect=1\n") << 0x37Fu;
+    QTest::newRow("all old bits") << QByteArray("[General]\nVersion=610\nFlags=1843616\nDispMode=1\nWordDirect=1\n")
+                                  << 0x37Fu;
 }
 
 void TestSettings::oldFlagsMoveToNewBits()

@@ -38,31 +38,31 @@ private:
     static QByteArray sampleRecord()
     {
         return QByteArray("\x01\x00\x00\x00"
-                          "T\x00"                             // TemplateName "T"
-                          "\x00\x00"                          // TemplateNoteType 0
-                          "\x3a\x03"                          // Image 826
+                          "T\x00"    // TemplateName "T"
+                          "\x00\x00" // TemplateNoteType 0
+                          "\x3a\x03" // Image 826
                           "\x02\x00\x00\x00"
                           "A\x00"
-                          "b\x00"                             // Name "Ab"
-                          "\x00\x00\x00\x00"                  // ExtraWord
-                          "\x02\x00\x00\x00"                  // StdFlags: ascending
-                          "\x0f\x00"                          // Sort 15
-                          "\x00\x00\x00\x00"                  // TaskTime ""
-                          "\x03\x00"                          // Colour 3
-                          "\xe8\x07\x03\x00\x02\x00\x05\x00"  // Created 2024-03-05, Tuesday
-                          "\x0a\x00\x1e\x00\x00\x00\x00\x00"  //   10:30:00.000
-                          "\x32\x00"                          // Progress 50
-                          "\x02\x00"                          // StatusType 2
-                          "\x05\x00\x00\x00"                  // Flags: show icon, italic
+                          "b\x00"                            // Name "Ab"
+                          "\x00\x00\x00\x00"                 // ExtraWord
+                          "\x02\x00\x00\x00"                 // StdFlags: ascending
+                          "\x0f\x00"                         // Sort 15
+                          "\x00\x00\x00\x00"                 // TaskTime ""
+                          "\x03\x00"                         // Colour 3
+                          "\xe8\x07\x03\x00\x02\x00\x05\x00" // Created 2024-03-05, Tuesday
+                          "\x0a\x00\x1e\x00\x00\x00\x00\x00" //   10:30:00.000
+                          "\x32\x00"                         // Progress 50
+                          "\x02\x00"                         // StatusType 2
+                          "\x05\x00\x00\x00"                 // Flags: show icon, italic
                           "\x01\x00\x00\x00"
-                          "C\x00"                             // Category "C"
-                          "\x07\x00"                          // Priority 7
-                          "\xe9\x07\x01\x00\x00\x00\x02\x00"  // DueDate 2025-01-02
+                          "C\x00"                            // Category "C"
+                          "\x07\x00"                         // Priority 7
+                          "\xe9\x07\x01\x00\x00\x00\x02\x00" // DueDate 2025-01-02
                           "\x00\x00\x00\x00\x00\x00\x00\x00"
-                          "\x00\x00\x00\x00\x00\x00\x00\x00"  // ReminderTime none
+                          "\x00\x00\x00\x00\x00\x00\x00\x00" // ReminderTime none
                           "\x00\x00\x00\x00\x00\x00\x00\x00"
-                          "\x06\x00\x00\x00"                  // NoteSize 6
-                          "h\x00i\x00\x00\x00",               // Note "hi"
+                          "\x06\x00\x00\x00"    // NoteSize 6
+                          "h\x00i\x00\x00\x00", // Note "hi"
                           108);
     }
 
@@ -159,10 +159,10 @@ void TestTemplateFile::olderVersionsAndOddValues()
     // 0xFFFF is 826 and a Colour of 0xFFFF is 0; a negative note size means
     // no note.
     QByteArray record = sampleRecord();
-    record.remove(82, 16);                             // no ReminderTime
-    record.replace(8, 2, QByteArray("\xff\xff", 2));   // Image
-    record.replace(26, 2, QByteArray("\x05\x00", 2));  // Sort 5
-    record.replace(32, 2, QByteArray("\xff\xff", 2));  // Colour
+    record.remove(82, 16);                                     // no ReminderTime
+    record.replace(8, 2, QByteArray("\xff\xff", 2));           // Image
+    record.replace(26, 2, QByteArray("\x05\x00", 2));          // Sort 5
+    record.replace(32, 2, QByteArray("\xff\xff", 2));          // Colour
     record.replace(82, 10, QByteArray("\xff\xff\xff\xff", 4)); // NoteSize -1, no note bytes
     const QString file = path("old.qbt");
     writeFile(file, QByteArray("\xf4\x01\x00\x00\x01\x00\x00\x00", 8) + record);

@@ -15,16 +15,20 @@ namespace RandomTree {
 
 inline const QStringList &categories()
 {
-    static const QStringList list = {QString(), QStringLiteral("Work"), QStringLiteral("work"),
-                                     QStringLiteral("Home"), QStringLiteral("Économie"), QStringLiteral("Zoo")};
+    static const QStringList list = {QString(),
+                                     QStringLiteral("Work"),
+                                     QStringLiteral("work"),
+                                     QStringLiteral("Home"),
+                                     QStringLiteral("Économie"),
+                                     QStringLiteral("Zoo")};
     return list;
 }
 
 inline const QStringList &words()
 {
-    static const QStringList list = {QStringLiteral("alpha"), QStringLiteral("Beta"), QStringLiteral("GAMMA"),
+    static const QStringList list = {QStringLiteral("alpha"), QStringLiteral("Beta"),    QStringLiteral("GAMMA"),
                                      QStringLiteral("délta"), QStringLiteral("Ünïcode"), QStringLiteral("abc"),
-                                     QStringLiteral("ABC"), QStringLiteral("x")};
+                                     QStringLiteral("ABC"),   QStringLiteral("x")};
     return list;
 }
 

@@ -82,12 +82,10 @@ void TestApplyAttributes::childrenOnlyOrWholeBranch_data()
 
     const QString untouched = QStringLiteral(" pri=10 cat= img=0 col=0 st=1 icon=1 it=0 prog=0 auto=0");
     const QString set = QStringLiteral(" pri=4 cat=Errands img=7 col=3 st=2 icon=0 it=1 prog=0 auto=0");
-    QTest::newRow("children only") << false
-                                   << QStringList{"P" + untouched, "c1" + set, "g1" + untouched,
-                                                  "gg" + untouched, "c2" + set, "other" + untouched};
-    QTest::newRow("all sub-items") << true
-                                   << QStringList{"P" + untouched, "c1" + set, "g1" + set, "gg" + set, "c2" + set,
-                                                  "other" + untouched};
+    QTest::newRow("children only") << false << QStringList{"P" + untouched,  "c1" + set, "g1" + untouched,
+                                                           "gg" + untouched, "c2" + set, "other" + untouched};
+    QTest::newRow("all sub-items") << true << QStringList{"P" + untouched, "c1" + set, "g1" + set,
+                                                          "gg" + set,      "c2" + set, "other" + untouched};
 }
 
 void TestApplyAttributes::childrenOnlyOrWholeBranch()
@@ -113,7 +111,7 @@ other
     set.statusType = 2;
     set.showIcon = false;
     set.italic = true;
-    set.progress = 90;   // not ticked: not applied
+    set.progress = 90;    // not ticked: not applied
     set.automatic = true; // nor this
     set.allSubItems = allSubItems;
     ApplyAttributes::apply(Outline::find(document.root(), QStringLiteral("P")), set);
@@ -231,15 +229,13 @@ Q | sort=3
     set.allSubItems = false;
     ApplyAttributes::apply(y, set);
     QCOMPARE(y->progress(), 0);
-    QCOMPARE(Outline::names(Outline::find(document.root(), QStringLiteral("Q"))->children()),
-             (QStringList{"x", "y"}));
+    QCOMPARE(Outline::names(Outline::find(document.root(), QStringLiteral("Q"))->children()), (QStringList{"x", "y"}));
     Item *x = Outline::find(document.root(), QStringLiteral("x"));
     x->appendChild(new Item(QStringLiteral("x1")));
     x->setAutoProgress(true);
     set.progress = 80;
     ApplyAttributes::apply(x, set);
-    QCOMPARE(Outline::names(Outline::find(document.root(), QStringLiteral("Q"))->children()),
-             (QStringList{"y", "x"}));
+    QCOMPARE(Outline::names(Outline::find(document.root(), QStringLiteral("Q"))->children()), (QStringList{"y", "x"}));
 }
 
 void TestApplyAttributes::availability()

@@ -176,15 +176,31 @@ void TestFilters::nearestShownRow_data()
     QTest::addColumn<QString>("expected");
 
     // Rows: Root, a, b, b1, b2, c, d
-    QTest::newRow("the row below") << 0 << "c" << "c" << "d";
-    QTest::newRow("the last row gives the row above") << 0 << "d" << "d" << "c";
-    QTest::newRow("the row above is nearer than the next sibling") << 0 << "b" << "b" << "a";
-    QTest::newRow("equally near: the row below wins") << 0 << "b1" << "b" << "c";
-    QTest::newRow("still shown stays") << 0 << "c" << "d" << "c";
+    QTest::newRow("the row below") << 0 << "c"
+                                   << "c"
+                                   << "d";
+    QTest::newRow("the last row gives the row above") << 0 << "d"
+                                                      << "d"
+                                                      << "c";
+    QTest::newRow("the row above is nearer than the next sibling") << 0 << "b"
+                                                                   << "b"
+                                                                   << "a";
+    QTest::newRow("equally near: the row below wins") << 0 << "b1"
+                                                      << "b"
+                                                      << "c";
+    QTest::newRow("still shown stays") << 0 << "c"
+                                       << "d"
+                                       << "c";
     // Grouped by priority, expanded: Root, Priority 1, a, c, Priority 2, b, b1, b2, d
-    QTest::newRow("grouped: next in the group") << 3 << "a" << "a" << "c";
-    QTest::newRow("grouped: next heading") << 3 << "c" << "c" << "Priority 2";
-    QTest::newRow("grouped: branch goes") << 3 << "b1" << "b" << "d";
+    QTest::newRow("grouped: next in the group") << 3 << "a"
+                                                << "a"
+                                                << "c";
+    QTest::newRow("grouped: next heading") << 3 << "c"
+                                           << "c"
+                                           << "Priority 2";
+    QTest::newRow("grouped: branch goes") << 3 << "b1"
+                                          << "b"
+                                          << "d";
 }
 
 void TestFilters::nearestShownRow()

@@ -84,43 +84,113 @@ void TestFind::matchingRules_data()
     QTest::addColumn<QString>("criteria");
     QTest::addColumn<bool>("matches");
 
-    QTest::newRow("no criteria") << "anything" << "" << "" << true;
-    QTest::newRow("name without case") << "xabcx" << "" << "name=ABC ci" << true;
-    QTest::newRow("name with case") << "xabcx" << "" << "name=ABC" << false;
-    QTest::newRow("name with case, same case") << "xabcx" << "" << "name=abc" << true;
-    QTest::newRow("name lowered too") << "xABCx" << "" << "name=abc ci" << true;
-    QTest::newRow("name non-ASCII without case") << "Ünïcode" << "" << "name=üNÏ ci" << true;
-    QTest::newRow("name non-ASCII with case") << "Ünïcode" << "" << "name=üNÏ" << false;
-    QTest::newRow("name not inside") << "abc" << "" << "name=abcd" << false;
-    QTest::newRow("priority equal") << "x" << "pri=3" << "pri=3" << true;
-    QTest::newRow("priority differs") << "x" << "pri=3" << "pri=4" << false;
-    QTest::newRow("category equal") << "x" << "cat=Work" << "cat=Work" << true;
-    QTest::newRow("category keeps case") << "x" << "cat=Work" << "cat=work ci" << false;
-    QTest::newRow("category is no substring") << "x" << "cat=Work" << "cat=Wor" << false;
-    QTest::newRow("category none") << "x" << "" << "cat=Work" << false;
-    QTest::newRow("due equal any time of day") << "x" << "due=2024-03-05T23:59" << "due=2024-03-05" << true;
-    QTest::newRow("due less") << "x" << "due=2024-03-05T23:59" << "due<2024-03-06" << true;
-    QTest::newRow("due not less on the day") << "x" << "due=2024-03-05T23:59" << "due<2024-03-05" << false;
-    QTest::newRow("due greater") << "x" << "due=2024-03-05T00:01" << "due>2024-03-04" << true;
-    QTest::newRow("due not greater on the day") << "x" << "due=2024-03-05T23:59" << "due>2024-03-05" << false;
-    QTest::newRow("no due, less") << "x" << "" << "due<2099-01-01" << false;
-    QTest::newRow("no due, greater") << "x" << "" << "due>1900-01-01" << false;
-    QTest::newRow("completed") << "x" << "prog=100" << "done" << true;
-    QTest::newRow("not completed") << "x" << "prog=99" << "done" << false;
-    QTest::newRow("cleared finds not started") << "x" << "prog=0" << "notstarted" << true;
-    QTest::newRow("cleared skips started") << "x" << "prog=50" << "notstarted" << false;
-    QTest::newRow("note phrase without case") << "x" << "note=Buy_Milk_today" << "note=y_milk ci" << true;
-    QTest::newRow("note phrase with case") << "x" << "note=Buy_Milk_today" << "note=y_milk" << false;
-    QTest::newRow("no note never matches") << "x" << "" << "note=milk" << false;
-    QTest::newRow("colour") << "x" << "col=2" << "col=2" << true;
-    QTest::newRow("colour differs") << "x" << "col=2" << "col=0" << false;
-    QTest::newRow("italic") << "x" << "italic" << "italic=1" << true;
-    QTest::newRow("not italic") << "x" << "" << "italic=1" << false;
-    QTest::newRow("icon hidden") << "x" << "noicon" << "icon=0" << true;
-    QTest::newRow("icon shown") << "x" << "" << "icon=0" << false;
-    QTest::newRow("all hold") << "Task one" << "pri=2 cat=A prog=100 due=2024-01-02 col=1 note=z"
+    QTest::newRow("no criteria") << "anything"
+                                 << ""
+                                 << "" << true;
+    QTest::newRow("name without case") << "xabcx"
+                                       << ""
+                                       << "name=ABC ci" << true;
+    QTest::newRow("name with case") << "xabcx"
+                                    << ""
+                                    << "name=ABC" << false;
+    QTest::newRow("name with case, same case") << "xabcx"
+                                               << ""
+                                               << "name=abc" << true;
+    QTest::newRow("name lowered too") << "xABCx"
+                                      << ""
+                                      << "name=abc ci" << true;
+    QTest::newRow("name non-ASCII without case") << "Ünïcode"
+                                                 << ""
+                                                 << "name=üNÏ ci" << true;
+    QTest::newRow("name non-ASCII with case") << "Ünïcode"
+                                              << ""
+                                              << "name=üNÏ" << false;
+    QTest::newRow("name not inside") << "abc"
+                                     << ""
+                                     << "name=abcd" << false;
+    QTest::newRow("priority equal") << "x"
+                                    << "pri=3"
+                                    << "pri=3" << true;
+    QTest::newRow("priority differs") << "x"
+                                      << "pri=3"
+                                      << "pri=4" << false;
+    QTest::newRow("category equal") << "x"
+                                    << "cat=Work"
+                                    << "cat=Work" << true;
+    QTest::newRow("category keeps case") << "x"
+                                         << "cat=Work"
+                                         << "cat=work ci" << false;
+    QTest::newRow("category is no substring") << "x"
+                                              << "cat=Work"
+                                              << "cat=Wor" << false;
+    QTest::newRow("category none") << "x"
+                                   << ""
+                                   << "cat=Work" << false;
+    QTest::newRow("due equal any time of day") << "x"
+                                               << "due=2024-03-05T23:59"
+                                               << "due=2024-03-05" << true;
+    QTest::newRow("due less") << "x"
+                              << "due=2024-03-05T23:59"
+                              << "due<2024-03-06" << true;
+    QTest::newRow("due not less on the day") << "x"
+                                             << "due=2024-03-05T23:59"
+                                             << "due<2024-03-05" << false;
+    QTest::newRow("due greater") << "x"
+                                 << "due=2024-03-05T00:01"
+                                 << "due>2024-03-04" << true;
+    QTest::newRow("due not greater on the day") << "x"
+                                                << "due=2024-03-05T23:59"
+                                                << "due>2024-03-05" << false;
+    QTest::newRow("no due, less") << "x"
+                                  << ""
+                                  << "due<2099-01-01" << false;
+    QTest::newRow("no due, greater") << "x"
+                                     << ""
+                                     << "due>1900-01-01" << false;
+    QTest::newRow("completed") << "x"
+                               << "prog=100"
+                               << "done" << true;
+    QTest::newRow("not completed") << "x"
+                                   << "prog=99"
+                                   << "done" << false;
+    QTest::newRow("cleared finds not started") << "x"
+                                               << "prog=0"
+                                               << "notstarted" << true;
+    QTest::newRow("cleared skips started") << "x"
+                                           << "prog=50"
+                                           << "notstarted" << false;
+    QTest::newRow("note phrase without case") << "x"
+                                              << "note=Buy_Milk_today"
+                                              << "note=y_milk ci" << true;
+    QTest::newRow("note phrase with case") << "x"
+                                           << "note=Buy_Milk_today"
+                                           << "note=y_milk" << false;
+    QTest::newRow("no note never matches") << "x"
+                                           << ""
+                                           << "note=milk" << false;
+    QTest::newRow("colour") << "x"
+                            << "col=2"
+                            << "col=2" << true;
+    QTest::newRow("colour differs") << "x"
+                                    << "col=2"
+                                    << "col=0" << false;
+    QTest::newRow("italic") << "x"
+                            << "italic"
+                            << "italic=1" << true;
+    QTest::newRow("not italic") << "x"
+                                << ""
+                                << "italic=1" << false;
+    QTest::newRow("icon hidden") << "x"
+                                 << "noicon"
+                                 << "icon=0" << true;
+    QTest::newRow("icon shown") << "x"
+                                << ""
+                                << "icon=0" << false;
+    QTest::newRow("all hold") << "Task one"
+                              << "pri=2 cat=A prog=100 due=2024-01-02 col=1 note=z"
                               << "name=task ci pri=2 cat=A done due=2024-01-02 col=1 note=z icon=1 italic=0" << true;
-    QTest::newRow("one fails") << "Task one" << "pri=2 cat=A prog=100 due=2024-01-02 col=1 note=z"
+    QTest::newRow("one fails") << "Task one"
+                               << "pri=2 cat=A prog=100 due=2024-01-02 col=1 note=z"
                                << "name=task ci pri=2 cat=A done due=2024-01-02 col=1 note=z icon=0" << false;
 }
 
@@ -154,7 +224,8 @@ task 6 | st=2
     QCOMPARE(Outline::names(Finder::search(document, c)),
              (QStringList{"task 1", "task 2", "task 3", "task 4", "task 5", "task 6", "task 7"}));
     document.hideCompleted = true;
-    QCOMPARE(Outline::names(Finder::search(document, c)), (QStringList{"task 1", "task 2", "task 5", "task 6", "task 7"}));
+    QCOMPARE(Outline::names(Finder::search(document, c)),
+             (QStringList{"task 1", "task 2", "task 5", "task 6", "task 7"}));
     document.hideByStatus = Document::HideProgressBar;
     QCOMPARE(Outline::names(Finder::search(document, c)), (QStringList{"task 1", "task 2", "task 5"}));
     // Matched but hidden: nothing left to list.

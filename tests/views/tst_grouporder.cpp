@@ -26,8 +26,8 @@ void TestGroupOrder::sameAsChildOrder_data()
     for (int key : {0, 1, 2, 3, 4, 5, 9}) {
         for (bool ascending : {true, false}) {
             for (int count : {2, 7, 33, 3000}) {
-                const QByteArray tag = QByteArray::number(key) + (ascending ? "/asc/" : "/desc/") +
-                                       QByteArray::number(count);
+                const QByteArray tag =
+                    QByteArray::number(key) + (ascending ? "/asc/" : "/desc/") + QByteArray::number(count);
                 QTest::newRow(tag.constData()) << key << ascending << count;
             }
         }
@@ -56,7 +56,8 @@ void TestGroupOrder::sameAsChildOrder()
             due = {2024, 2, 0, 30, 0, 0, 0, 0}; // a date the calendar cannot hold
             break;
         default:
-            due = {2024, quint16(1 + rng.bounded(2u)), 0, quint16(1 + rng.bounded(2u)), quint16(rng.bounded(2u)), 0, 0, 0};
+            due = {2024, quint16(1 + rng.bounded(2u)), 0, quint16(1 + rng.bounded(2u)), quint16(rng.bounded(2u)), 0, 0,
+                   0};
         }
         item->setDueDate(due);
         item->setCreated({2023, quint16(1 + rng.bounded(2u)), 0, 1, 0, 0, 0, 0});

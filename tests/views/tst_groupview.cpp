@@ -20,7 +20,8 @@ private:
     {
         QStringList out;
         for (const GroupHeading *heading : view.headings())
-            out.append(heading->text() + QStringLiteral(": ") + Outline::names(heading->items()).join(QStringLiteral(", ")));
+            out.append(heading->text() + QStringLiteral(": ") +
+                       Outline::names(heading->items()).join(QStringLiteral(", ")));
         return out;
     }
 
@@ -60,14 +61,22 @@ void TestGroupView::headingText_data()
     QTest::addColumn<QString>("fields");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("category") << 1 << "cat=Work" << "Work";
-    QTest::newRow("no category") << 1 << "" << "[No Category]";
-    QTest::newRow("long date") << 2 << "due=2024-03-05T10:30" << "Tuesday, March 5, 2024";
-    QTest::newRow("no due date") << 2 << "" << "[No Task/Due Date]";
-    QTest::newRow("priority") << 3 << "pri=3" << "Priority 3";
-    QTest::newRow("priority 20") << 3 << "pri=20" << "Priority 20";
-    QTest::newRow("percent") << 4 << "prog=45" << "45%";
-    QTest::newRow("percent 0") << 4 << "" << "0%";
+    QTest::newRow("category") << 1 << "cat=Work"
+                              << "Work";
+    QTest::newRow("no category") << 1 << ""
+                                 << "[No Category]";
+    QTest::newRow("long date") << 2 << "due=2024-03-05T10:30"
+                               << "Tuesday, March 5, 2024";
+    QTest::newRow("no due date") << 2 << ""
+                                 << "[No Task/Due Date]";
+    QTest::newRow("priority") << 3 << "pri=3"
+                              << "Priority 3";
+    QTest::newRow("priority 20") << 3 << "pri=20"
+                                 << "Priority 20";
+    QTest::newRow("percent") << 4 << "prog=45"
+                             << "45%";
+    QTest::newRow("percent 0") << 4 << ""
+                               << "0%";
 }
 
 void TestGroupView::headingText()
@@ -98,20 +107,19 @@ void TestGroupView::groupsAndOrders_data()
                                       << QStringList{"[No Category]: b, e", "Home: c, d", "work: f", "Work: a, g"};
     QTest::newRow("category descending by priority")
         << 1 << 1 << false << QStringList{"Work: a, g", "work: f", "Home: c, d", "[No Category]: e, b"};
-    QTest::newRow("due date by name")
-        << 2 << 0 << true
-        << QStringList{"Monday, March 4, 2024: c, f", "Tuesday, March 5, 2024: a, d, e", "[No Task/Due Date]: b, g"};
-    QTest::newRow("due date descending")
-        << 2 << 0 << false
-        << QStringList{"[No Task/Due Date]: g, b", "Tuesday, March 5, 2024: e, d, a", "Monday, March 4, 2024: f, c"};
+    QTest::newRow("due date by name") << 2 << 0 << true
+                                      << QStringList{"Monday, March 4, 2024: c, f", "Tuesday, March 5, 2024: a, d, e",
+                                                     "[No Task/Due Date]: b, g"};
+    QTest::newRow("due date descending") << 2 << 0 << false
+                                         << QStringList{"[No Task/Due Date]: g, b", "Tuesday, March 5, 2024: e, d, a",
+                                                        "Monday, March 4, 2024: f, c"};
     QTest::newRow("due date items by due date")
         << 2 << 4 << true
         << QStringList{"Monday, March 4, 2024: f, c", "Tuesday, March 5, 2024: e, a, d", "[No Task/Due Date]: b, g"};
     QTest::newRow("priority by progress")
         << 3 << 3 << true << QStringList{"Priority 1: c, d", "Priority 5: b, g", "Priority 10: f, a, e"};
     QTest::newRow("percent by name") << 4 << 0 << true << QStringList{"0%: b, c, f", "30%: a, e", "100%: d, g"};
-    QTest::newRow("percent descending")
-        << 4 << 0 << false << QStringList{"100%: g, d", "30%: e, a", "0%: f, c, b"};
+    QTest::newRow("percent descending") << 4 << 0 << false << QStringList{"100%: g, d", "30%: e, a", "0%: f, c, b"};
 }
 
 void TestGroupView::groupsAndOrders()
@@ -151,8 +159,8 @@ void TestGroupView::everyItemUnderOneHeading_data()
     for (int mode = 1; mode <= 4; ++mode) {
         for (int key : {0, 1, 2, 3, 5}) {
             for (bool ascending : {true, false}) {
-                const QByteArray tag = QByteArray::number(mode) + "/" + QByteArray::number(key) +
-                                       (ascending ? "/asc" : "/desc");
+                const QByteArray tag =
+                    QByteArray::number(mode) + "/" + QByteArray::number(key) + (ascending ? "/asc" : "/desc");
                 QTest::newRow(tag.constData()) << mode << key << ascending << quint32(mode * 100 + key);
             }
         }

@@ -136,8 +136,7 @@ void TestQbxViews::find_data()
     QTest::newRow("name without case") << QStringList{"--name", "R", "--case-insensitive"}
                                        << "1\tGroceries\n3\tBread\n4\tRye\n5\tReport\n6\tDraft\n7\tReview\n";
     QTest::newRow("priority") << QStringList{"--priority", "5"} << "3\tBread\n7\tReview\n";
-    QTest::newRow("category keeps case") << QStringList{"--category", "work", "--case-insensitive"}
-                                         << "7\tReview\n";
+    QTest::newRow("category keeps case") << QStringList{"--category", "work", "--case-insensitive"} << "7\tReview\n";
     QTest::newRow("due on a day") << QStringList{"--due", "eq", "2024-03-05"} << "1\tGroceries\n3\tBread\n";
     QTest::newRow("due before") << QStringList{"--due", "lt", "2024-03-05"} << "5\tReport\n";
     QTest::newRow("due after") << QStringList{"--due", "gt", "2024-03-04"} << "1\tGroceries\n3\tBread\n";
@@ -147,8 +146,7 @@ void TestQbxViews::find_data()
     QTest::newRow("colour") << QStringList{"--colour", "4"} << "5\tReport\n";
     QTest::newRow("italic") << QStringList{"--italic", "yes"} << "3\tBread\n";
     QTest::newRow("icon hidden") << QStringList{"--show-icon", "no"} << "5\tReport\n";
-    QTest::newRow("combined") << QStringList{"--category", "Home", "--not-started", "--name", "o"}
-                              << "1\tGroceries\n";
+    QTest::newRow("combined") << QStringList{"--category", "Home", "--not-started", "--name", "o"} << "1\tGroceries\n";
 }
 
 void TestQbxViews::find()
@@ -205,10 +203,10 @@ void TestQbxViews::badOptions()
 void TestQbxViews::applyWritesTheFileBack()
 {
     const QString path = sample();
-    Run run = qbx({QStringLiteral("apply"), path, QStringLiteral("--to"), QStringLiteral("1"),
-                   QStringLiteral("--priority"), QStringLiteral("7"), QStringLiteral("--category"),
-                   QStringLiteral("Errands"), QStringLiteral("--progress"), QStringLiteral("100"),
-                   QStringLiteral("--italic"), QStringLiteral("yes")});
+    Run run =
+        qbx({QStringLiteral("apply"), path, QStringLiteral("--to"), QStringLiteral("1"), QStringLiteral("--priority"),
+             QStringLiteral("7"), QStringLiteral("--category"), QStringLiteral("Errands"), QStringLiteral("--progress"),
+             QStringLiteral("100"), QStringLiteral("--italic"), QStringLiteral("yes")});
     QCOMPARE(run.err, QString());
     QCOMPARE(run.status, 0);
     {
