@@ -65,6 +65,8 @@ DialogCommands::DialogCommands(MainWindow *window) : QObject(window), m_window(w
     connect(help, &QAction::triggered, this, &DialogCommands::showHelp);
     window->addAction(help);
 
+    connect(window, &MainWindow::viewOpened, this, &DialogCommands::install);
+
     m_newMenu = new QMenu(window);
     m_newMenu->setObjectName(QStringLiteral("menuNew"));
     connect(m_newMenu, &QMenu::aboutToShow, this, [this] {

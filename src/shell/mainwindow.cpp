@@ -488,7 +488,6 @@ void MainWindow::onListActivated()
 void MainWindow::showView(DocumentView *view)
 {
     m_view = view;
-    m_dialogs->install(view);
     m_stack->addWidget(view);
     m_stack->setCurrentWidget(view);
     view->setQuickEntryVisible(m_settings.testFlag(Settings::QuickEntryBar));
