@@ -106,8 +106,14 @@ ApplyAttributesDialog::ApplyAttributesDialog(const QStringList &categories, cons
     none->setObjectName(QStringLiteral("progress0"));
     auto *all = new QPushButton(QStringLiteral("100%"), progressRow);
     all->setObjectName(QStringLiteral("progress100"));
-    connect(none, &QPushButton::clicked, this, [this] { m_progress->setValue(0); m_setProgress->setChecked(true); });
-    connect(all, &QPushButton::clicked, this, [this] { m_progress->setValue(100); m_setProgress->setChecked(true); });
+    connect(none, &QPushButton::clicked, this, [this] {
+        m_progress->setValue(0);
+        m_setProgress->setChecked(true);
+    });
+    connect(all, &QPushButton::clicked, this, [this] {
+        m_progress->setValue(100);
+        m_setProgress->setChecked(true);
+    });
     progressLayout->addWidget(m_progress, 1);
     progressLayout->addWidget(none);
     progressLayout->addWidget(all);

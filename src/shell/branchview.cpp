@@ -23,8 +23,8 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-BranchView::BranchView(Document *document, Item *top, const Settings *settings, Prompts *prompts,
-                       ItemClip *otherClip, QWidget *parent)
+BranchView::BranchView(Document *document, Item *top, const Settings *settings, Prompts *prompts, ItemClip *otherClip,
+                       QWidget *parent)
     : QDialog(parent), m_document(document), m_topHandle(top->handle()), m_settings(settings), m_prompts(prompts),
       m_otherClip(otherClip)
 {
@@ -168,7 +168,8 @@ void BranchView::showItemMenu(int row, const QPoint &globalPos)
             continue;
         if (!isAvailable(id))
             action->setEnabled(false);
-        connect(action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
+        connect(
+            action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
     }
     m_prompts->popupMenu(menu, globalPos);
     menu->deleteLater();
@@ -198,8 +199,8 @@ bool BranchView::runCommand(int id)
             m_tree->startRename();
             break;
         case ChangeIcon:
-            if (const int icon = m_prompts->chooseIcon(this, item->image(), m_settings ? m_settings->favIcons
-                                                                                     : QList<quint16>());
+            if (const int icon =
+                    m_prompts->chooseIcon(this, item->image(), m_settings ? m_settings->favIcons : QList<quint16>());
                 icon >= 0) {
                 item->setImage(quint16(icon));
                 m_tree->viewport()->update();

@@ -2,8 +2,8 @@
 
 #include "exchange/itemexport.h"
 #include "exchange/noteconverter.h"
-#include "exchange/textimport.h"
 #include "exchange/textexport.h"
+#include "exchange/textimport.h"
 #include "exchange/xmlexport.h"
 #include "integration/categorylist.h"
 #include "model/childorder.h"
@@ -42,9 +42,9 @@
 
 #include <QAction>
 #include <QCoreApplication>
-#include <QMenu>
 #include <QDir>
 #include <QFileInfo>
+#include <QMenu>
 #include <QUrl>
 
 DialogCommands::DialogCommands(MainWindow *window) : QObject(window), m_window(window)
@@ -119,18 +119,22 @@ void DialogCommands::install(DocumentView *view)
     m_hasResult = false;
     auto hasItem = [this] { return currentItem() != nullptr; };
 
-    view->setCommand(ModifyItem, [this] { editItem(ItemPropertiesDialog::GeneralPage); }, hasItem);
-    view->setCommand(ModifyNote, [this] { editItem(ItemPropertiesDialog::NotePage); }, hasItem);
-    view->setCommand(CommandId::Links, [this] { editItem(ItemPropertiesDialog::LinkPage); }, hasItem);
+    view->setCommand(
+        ModifyItem, [this] { editItem(ItemPropertiesDialog::GeneralPage); }, hasItem);
+    view->setCommand(
+        ModifyNote, [this] { editItem(ItemPropertiesDialog::NotePage); }, hasItem);
+    view->setCommand(
+        CommandId::Links, [this] { editItem(ItemPropertiesDialog::LinkPage); }, hasItem);
     view->setCommand(New, [this] { newItem(nullptr); });
     view->setCommand(ItemTemplates, [this] { itemTemplates(); });
     view->setCommand(TemplateFile::BlankCommand, [this] { newItem(nullptr); });
     view->setCommand(ExportItems, [this] { exportItems(); });
-    view->setCommand(CommandId::BranchView, [this] { branchView(); }, [this] {
-        return currentItem() && m_view->document()->viewMode == Document::DefaultView;
-    });
+    view->setCommand(
+        CommandId::BranchView, [this] { branchView(); },
+        [this] { return currentItem() && m_view->document()->viewMode == Document::DefaultView; });
     view->setCommand(FindItem, [this] { find(); });
-    view->setCommand(FindResult, [this] { showSearchResult(); }, [this] { return m_hasResult; });
+    view->setCommand(
+        FindResult, [this] { showSearchResult(); }, [this] { return m_hasResult; });
     view->setCommand(CommandId::ApplyAttributes, [this] { applyAttributes(); });
     view->setCommand(Options, [this] { options(); });
     view->setCommand(SetPassword, [this] { setPassword(); });
@@ -498,8 +502,8 @@ void DialogCommands::exportText(int command)
         m_window->saveSettings();
     }
     Document *document = m_view->document();
-    const QString suggested =
-        QDir(m_window->documentsFolder()).filePath(QFileInfo(document->path).completeBaseName() + QStringLiteral(".txt"));
+    const QString suggested = QDir(m_window->documentsFolder())
+                                  .filePath(QFileInfo(document->path).completeBaseName() + QStringLiteral(".txt"));
     int type = 0;
     const QString path = prompts()->saveFileOfType(m_view, QStringLiteral("Export"), suggested,
                                                    Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)),
@@ -535,8 +539,8 @@ void DialogCommands::exportText(int command)
 void DialogCommands::exportXml()
 {
     Document *document = m_view->document();
-    const QString suggested =
-        QDir(m_window->documentsFolder()).filePath(QFileInfo(document->path).completeBaseName() + QStringLiteral(".xml"));
+    const QString suggested = QDir(m_window->documentsFolder())
+                                  .filePath(QFileInfo(document->path).completeBaseName() + QStringLiteral(".xml"));
     const QString path = prompts()->saveFileOfType(m_view, QStringLiteral("XML Export"), suggested,
                                                    Prompts::filtersOf(QString::fromLatin1(Messages::XmlFileFilter)),
                                                    QStringLiteral("xml"), nullptr);
@@ -565,10 +569,9 @@ void DialogCommands::exportItems()
     if (prompts()->runDialog(&dialog) != QDialog::Accepted)
         return;
     const QString suggested = QDir(m_window->documentsFolder()).filePath(QStringLiteral("Exported Items.qbx"));
-    const QString path =
-        prompts()->saveFileOfType(m_view, QStringLiteral("Export Items"), suggested,
-                                  Prompts::filtersOf(QString::fromLatin1(Messages::FileFilter)), QStringLiteral("qbx"),
-                                  nullptr);
+    const QString path = prompts()->saveFileOfType(m_view, QStringLiteral("Export Items"), suggested,
+                                                   Prompts::filtersOf(QString::fromLatin1(Messages::FileFilter)),
+                                                   QStringLiteral("qbx"), nullptr);
     if (path.isEmpty())
         return;
     // The selection is the branch of "Currently selected item"; the note it
@@ -579,8 +582,8 @@ void DialogCommands::exportItems()
     int result = ItemExport::Failed;
     {
         WaitCursor wait;
-        result = ItemExport::exportItems(*document, ItemExport::Choice(dialog.choice()), deleting, dialog.selection(),
-                                         path);
+        result =
+            ItemExport::exportItems(*document, ItemExport::Choice(dialog.choice()), deleting, dialog.selection(), path);
     }
     if (deleting && result > 0) {
         if (marked && !document->liveItem(marked))
@@ -605,8 +608,8 @@ bool DialogCommands::importText()
     // An existing document of that name is replaced only when the person
     // says so.
     if (QFileInfo::exists(target) &&
-        !prompts()->askWarningYesNo(m_window, QString::fromLatin1(Messages::AskReplaceDocument)
-                                                  .arg(QDir::toNativeSeparators(target))))
+        !prompts()->askWarningYesNo(
+            m_window, QString::fromLatin1(Messages::AskReplaceDocument).arg(QDir::toNativeSeparators(target))))
         return false;
     Document document;
     TextImport::Options options;

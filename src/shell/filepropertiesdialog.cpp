@@ -65,12 +65,13 @@ FilePropertiesDialog::FilePropertiesDialog(const Document &document, QWidget *pa
     const char *noteTypes[] = {"Plain Text", "Rich Ink", "Rich Text"};
 
     auto *form = new QFormLayout;
-    form->addRow(QStringLiteral("Note type:"),
-                 value(QString::fromLatin1(noteTypes[document.noteType < 3 ? document.noteType : 0]), "noteType", this));
+    form->addRow(
+        QStringLiteral("Note type:"),
+        value(QString::fromLatin1(noteTypes[document.noteType < 3 ? document.noteType : 0]), "noteType", this));
     form->addRow(QStringLiteral("Location:"), value(QDir::toNativeSeparators(info.absolutePath()), "location", this));
-    form->addRow(QStringLiteral("Modified:"),
-                 value(info.exists() ? locale.toString(info.lastModified(), QLocale::LongFormat) : QString(),
-                       "modified", this));
+    form->addRow(
+        QStringLiteral("Modified:"),
+        value(info.exists() ? locale.toString(info.lastModified(), QLocale::LongFormat) : QString(), "modified", this));
     form->addRow(QStringLiteral("Size:"),
                  value(info.exists() ? locale.formattedDataSize(info.size()) : QString(), "size", this));
     form->addRow(QStringLiteral("Password:"),

@@ -312,8 +312,7 @@ void ItemPropertiesDialog::load(const Item &item)
     m_reminder = item.reminderTime();
     const QDateTime reminder = m_reminder.toDateTime();
     m_hasReminder->setChecked(m_reminder.hasDate() && reminder.isValid());
-    m_reminderEdit->setDateTime(m_hasReminder->isChecked() ? reminder
-                                                           : withoutSeconds(QDateTime::currentDateTime()));
+    m_reminderEdit->setDateTime(m_hasReminder->isChecked() ? reminder : withoutSeconds(QDateTime::currentDateTime()));
     m_reminderEdit->setEnabled(m_hasReminder->isChecked());
     const QDateTime created = item.created().toDateTime();
     m_created->setText(created.isValid() ? QLocale().toString(created, QLocale::LongFormat) : QString());
@@ -350,8 +349,7 @@ void ItemPropertiesDialog::applyTemplate(const Template &templ)
 void ItemPropertiesDialog::editInWord()
 {
     QByteArray note = m_note->noteBytes();
-    if (ExternalNoteEditor::edit(this, m_context.prompts, &note, noteType()) !=
-        ExternalNoteEditor::Result::Updated)
+    if (ExternalNoteEditor::edit(this, m_context.prompts, &note, noteType()) != ExternalNoteEditor::Result::Updated)
         return;
     m_note->load(note);
     m_note->setModified(true);

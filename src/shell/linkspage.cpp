@@ -99,11 +99,13 @@ LinksPage::LinksPage(Document *document, Prompts *prompts, const QString &docume
 
     auto *addMenu = new QMenu(this);
     addMenu->setObjectName(QStringLiteral("menuAddLink"));
-    addMenu->addAction(makeAction(QStringLiteral("action40025"), QStringLiteral("File Link..."), &LinksPage::addFileLink));
+    addMenu->addAction(
+        makeAction(QStringLiteral("action40025"), QStringLiteral("File Link..."), &LinksPage::addFileLink));
     addMenu->addAction(makeAction(QStringLiteral("action40026"), QStringLiteral("URL..."), &LinksPage::addUrl));
     addMenu->addAction(
         makeAction(QStringLiteral("actionAddPhone"), QStringLiteral("Phone Number..."), &LinksPage::addPhoneNumber));
-    addMenu->addAction(makeAction(QStringLiteral("action40027"), QStringLiteral("Item Link..."), &LinksPage::addItemLink));
+    addMenu->addAction(
+        makeAction(QStringLiteral("action40027"), QStringLiteral("Item Link..."), &LinksPage::addItemLink));
     QAction *modify = makeAction(QStringLiteral("action3080"), QStringLiteral("Modify..."), &LinksPage::modifySelected);
     QAction *remove = makeAction(QStringLiteral("action3081"), QStringLiteral("Delete"), &LinksPage::deleteSelected);
     QAction *removeAll = makeAction(QStringLiteral("action40031"), QStringLiteral("All Links"), &LinksPage::deleteAll);
@@ -249,9 +251,9 @@ Item *LinksPage::pickItem(const Item *preset)
 
 void LinksPage::addFileLink()
 {
-    const QString path = m_prompts->openFileName(this, QStringLiteral("File Link"), m_documentsFolder,
-                                                 Prompts::filtersOf(QString::fromLatin1(Messages::LinkFileFilter))
-                                                     .join(QStringLiteral(";;")));
+    const QString path = m_prompts->openFileName(
+        this, QStringLiteral("File Link"), m_documentsFolder,
+        Prompts::filtersOf(QString::fromLatin1(Messages::LinkFileFilter)).join(QStringLiteral(";;")));
     if (!path.isEmpty())
         addRow(Links::fileRow(path, m_documentsFolder));
 }

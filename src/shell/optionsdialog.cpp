@@ -146,9 +146,9 @@ QWidget *OptionsDialog::buildGeneral()
     m_templateFile->setObjectName(QStringLiteral("templateFile"));
     auto *browse = new QPushButton(QStringLiteral("&Browse..."), w);
     connect(browse, &QPushButton::clicked, this, [this] {
-        const QString path = m_prompts->saveFileOfType(this, QStringLiteral("Template File"), m_templateFile->text(),
-                                                       {QStringLiteral("Template Files (*.qbt)")},
-                                                       QStringLiteral("qbt"), nullptr);
+        const QString path =
+            m_prompts->saveFileOfType(this, QStringLiteral("Template File"), m_templateFile->text(),
+                                      {QStringLiteral("Template Files (*.qbt)")}, QStringLiteral("qbt"), nullptr);
         if (!path.isEmpty())
             m_templateFile->setText(path);
     });
@@ -304,7 +304,8 @@ void OptionsDialog::accept()
 {
     const QString codePage = m_codePage->currentText().trimmed();
     if (!CodePage(codePage).isValid()) {
-        m_prompts->message(this, Prompts::Icon::Exclamation, QString::fromLatin1(Messages::UnknownCodePage).arg(codePage));
+        m_prompts->message(this, Prompts::Icon::Exclamation,
+                           QString::fromLatin1(Messages::UnknownCodePage).arg(codePage));
         m_pages->setCurrentIndex(4);
         m_codePage->setFocus();
         return;

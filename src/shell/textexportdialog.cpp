@@ -21,9 +21,8 @@ TextExportDialog::TextExportDialog(Kind kind, int choice, QWidget *parent) : QDi
     auto *icon = new QLabel(this);
     icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxInformation).pixmap(32, 32));
     icon->setAlignment(Qt::AlignTop);
-    auto *note = new QLabel(QString::fromLatin1(kind == Kind::View ? Messages::ExportCurrentView
-                                                                   : Messages::ExportDefaultView),
-                            this);
+    auto *note = new QLabel(
+        QString::fromLatin1(kind == Kind::View ? Messages::ExportCurrentView : Messages::ExportDefaultView), this);
     note->setObjectName(QStringLiteral("exportNote"));
     note->setWordWrap(true);
     top->addWidget(icon);

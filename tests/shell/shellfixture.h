@@ -79,8 +79,7 @@ inline Item *add(TreeNode *parent, const QString &name)
     return item;
 }
 
-template<typename T>
-T *child(QWidget *parent, const char *name)
+template <typename T> T *child(QWidget *parent, const char *name)
 {
     T *widget = parent->findChild<T *>(QString::fromLatin1(name));
     if (!widget)

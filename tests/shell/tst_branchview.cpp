@@ -94,8 +94,8 @@ void TestBranchView::closesWhenTheWholeBranchIsHidden()
     });
     f.run(CommandId::BranchView);
     QVERIFY(!stillOpen);
-    QCOMPARE(f.shownTexts(),
-             QStringList{QStringLiteral("The whole branch is hidden due to progress value and/or status type changes.")});
+    QCOMPARE(f.shownTexts(), QStringList{QStringLiteral(
+                                 "The whole branch is hidden due to progress value and/or status type changes.")});
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
     QCOMPARE(beds->progress(), quint16(100));
     QCOMPARE(f.current(), f.at({0})); // the nearest row still shown

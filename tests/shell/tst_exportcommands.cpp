@@ -1,18 +1,18 @@
 #include "shellfixture.h"
 
 #include "exchange/notetext.h"
-#include "shell/commandids.h"
 #include "model/treewalker.h"
+#include "shell/commandids.h"
 #include "shell/itemexportdialog.h"
 #include "shell/nodetree.h"
 #include "shell/textexportdialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QRadioButton>
 #include <QFile>
-#include <QProcess>
 #include <QLabel>
+#include <QProcess>
+#include <QRadioButton>
 
 namespace {
 
@@ -149,7 +149,8 @@ void TestExportCommands::failedWriteIsReported()
             f.prompts.dialogs.enqueue([](QDialog *d) { press(d); });
         f.run(command);
     }
-    const QString failed = QStringLiteral("Export has failed. Please make sure you have enough storage space and try again.");
+    const QString failed =
+        QStringLiteral("Export has failed. Please make sure you have enough storage space and try again.");
     QCOMPARE(f.shownTexts(), (QStringList{failed, failed}));
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Stop);
 }

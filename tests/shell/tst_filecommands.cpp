@@ -3,10 +3,10 @@
 #include "exchange/notetext.h"
 #include "exchange/rtfreader.h"
 #include "exchange/rtfwriter.h"
+#include "model/treewalker.h"
 #include "shell/commandids.h"
 #include "shell/convertnotesdialog.h"
 #include "shell/dialogcommands.h"
-#include "model/treewalker.h"
 #include "storage/password.h"
 
 #include <QAction>
@@ -67,7 +67,7 @@ private Q_SLOTS:
 
 void TestFileCommands::importFile_data()
 {
-    QTest::addColumn<QString>("file");      // "good", "protected", "old version", "damaged", "rich"
+    QTest::addColumn<QString>("file"); // "good", "protected", "old version", "damaged", "rich"
     QTest::addColumn<QStringList>("passwords");
     QTest::addColumn<QStringList>("gardenChildren");
     QTest::addColumn<QStringList>("messages");
@@ -77,8 +77,8 @@ void TestFileCommands::importFile_data()
     QTest::newRow("protected, right password")
         << QStringLiteral("protected") << QStringList{QStringLiteral("nope"), QStringLiteral("key")} << imported
         << QStringList();
-    QTest::newRow("protected, cancelled") << QStringLiteral("protected") << QStringList{QStringLiteral("nope")}
-                                          << QStringList() << QStringList();
+    QTest::newRow("protected, cancelled")
+        << QStringLiteral("protected") << QStringList{QStringLiteral("nope")} << QStringList() << QStringList();
     QTest::newRow("notes of another type are converted")
         << QStringLiteral("rich") << QStringList() << imported << QStringList();
     QTest::newRow("older version")
@@ -140,12 +140,12 @@ void TestFileCommands::convertNotes_data()
 
     const QString done = QStringLiteral("Note conversion completed.");
     const QString ask = QStringLiteral("Converting notes to a different format may cause data loss. Are you sure?");
-    QTest::newRow("from plain text, no question") << quint16(0) << quint16(2) << true << true << true
-                                                  << QStringList{done};
+    QTest::newRow("from plain text, no question")
+        << quint16(0) << quint16(2) << true << true << true << QStringList{done};
     QTest::newRow("from rich text, yes") << quint16(2) << quint16(0) << true << true << true << QStringList{ask, done};
     QTest::newRow("from rich ink, no") << quint16(1) << quint16(2) << true << false << false << QStringList{ask};
-    QTest::newRow("to the same type still runs") << quint16(0) << quint16(0) << true << true << true
-                                                 << QStringList{done};
+    QTest::newRow("to the same type still runs")
+        << quint16(0) << quint16(0) << true << true << true << QStringList{done};
     QTest::newRow("cancelled") << quint16(0) << quint16(1) << false << true << false << QStringList();
 }
 
@@ -248,9 +248,8 @@ void TestFileCommands::importTextMakesANewDocument_data()
     const QString replace = QStringLiteral("'%1' already exists. Do you want to replace it?");
     QTest::newRow("outline") << QByteArray("Groceries\r\n Fruit\r\n  Apples\r\n Bread\r\n") << false << QList<bool>()
                              << QStringLiteral("Groceries: Fruit Apples Bread") << QStringList();
-    QTest::newRow("replacing a document, yes")
-        << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{true}
-        << QStringLiteral("Groceries: Bread") << QStringList{replace};
+    QTest::newRow("replacing a document, yes") << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{true}
+                                               << QStringLiteral("Groceries: Bread") << QStringList{replace};
     QTest::newRow("replacing a document, no")
         << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{false} << QString() << QStringList{replace};
     QTest::newRow("format error")

@@ -227,9 +227,8 @@ void TestFindDialog::findResultIsOfferedWhileAResultIsKept()
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
     QCOMPARE(f.prompts.shown[0].text, QStringLiteral("No item matched the search criteria."));
     QVERIFY(!again->isEnabled());
-    QCOMPARE(f.prompts.dialogsRun,
-             (QStringList{QStringLiteral("findDialog"), QStringLiteral("searchResults"), QStringLiteral("searchResults"),
-                          QStringLiteral("findDialog")}));
+    QCOMPARE(f.prompts.dialogsRun, (QStringList{QStringLiteral("findDialog"), QStringLiteral("searchResults"),
+                                                QStringLiteral("searchResults"), QStringLiteral("findDialog")}));
 }
 
 void TestFindDialog::criteriaPresetTheNextFind()

@@ -187,8 +187,8 @@ void TestItemProperties::detailsPage_data()
     const SystemTime reminder{2024, 3, 1, 4, 8, 15, 0, 0};
     QTest::newRow("new due date") << none << true << QDate(2024, 3, 5) << march5 << QStringLiteral("90") << 1
                                   << QDateTime() << none;
-    QTest::newRow("changed date starts the day") << march5Evening << true << QDate(2024, 3, 9) << march9 << QString()
-                                                 << 0 << QDateTime() << none;
+    QTest::newRow("changed date starts the day")
+        << march5Evening << true << QDate(2024, 3, 9) << march9 << QString() << 0 << QDateTime() << none;
     QTest::newRow("untouched date keeps its time") << march5Evening << true << QDate(2024, 3, 5) << march5Evening
                                                    << QStringLiteral("2") << 5 << QDateTime() << none;
     QTest::newRow("cleared") << march5 << false << QDate(2024, 3, 5) << none << QString() << 0 << QDateTime() << none;
@@ -422,7 +422,8 @@ void TestItemProperties::modifyNoteGoesToTheWordProcessorWhenChosen()
     f.run(CommandId::ModifyNote);
     QCOMPARE(f.prompts.dialogsRun.isEmpty(), external);
     QCOMPARE(f.prompts.opened.size(), external ? 1 : 0);
-    QCOMPARE(NoteText::plainText(home->note(), noteType), external ? QStringLiteral("edited") : QStringLiteral("draft"));
+    QCOMPARE(NoteText::plainText(home->note(), noteType),
+             external ? QStringLiteral("edited") : QStringLiteral("draft"));
     QCOMPARE(f.view()->notePane()->plainText(), external ? QStringLiteral("edited") : QStringLiteral("draft"));
 }
 

@@ -3,9 +3,9 @@
 #include "model/editing.h"
 #include "shell/commandids.h"
 #include "shell/itempickerdialog.h"
-#include "shell/nodetree.h"
 #include "shell/itempropertiesdialog.h"
 #include "shell/linkspage.h"
+#include "shell/nodetree.h"
 
 #include <QAction>
 #include <QTreeWidget>
@@ -91,28 +91,28 @@ void TestLinksPage::addUrlRefusesEmptyText()
     QVERIFY(f.open(sample()));
     Item *garden = f.at({0, 0});
     f.select(garden);
-    f.prompts.texts.append({QString(), QStringLiteral("http://example.org/seeds"), QStringLiteral("mailto:ann@example.org"),
-                       QStringLiteral("+44 20 7946 0000")});
+    f.prompts.texts.append({QString(), QStringLiteral("http://example.org/seeds"),
+                            QStringLiteral("mailto:ann@example.org"), QStringLiteral("+44 20 7946 0000")});
     f.prompts.dialogs.enqueue([](QDialog *d) {
         screenshot(d, QStringLiteral("item-properties-links-empty"));
         trigger(d, "action40026");
         trigger(d, "action40026");
         trigger(d, "actionAddPhone");
         screenshot(d, QStringLiteral("item-properties-links"));
-        QCOMPARE(rowTexts(d), (QStringList{QStringLiteral("http://example.org/seeds"),
-                                           QStringLiteral("mailto:ann@example.org"),
-                                           QStringLiteral("+44 20 7946 0000")}));
+        QCOMPARE(rowTexts(d),
+                 (QStringList{QStringLiteral("http://example.org/seeds"), QStringLiteral("mailto:ann@example.org"),
+                              QStringLiteral("+44 20 7946 0000")}));
         press(d);
     });
     f.run(CommandId::Links);
     QCOMPARE(f.prompts.textPrompts, (QStringList{QStringLiteral("Enter URL:"), QStringLiteral("Enter URL:"),
-                                                QStringLiteral("Enter a phone number:")}));
+                                                 QStringLiteral("Enter a phone number:")}));
     QCOMPARE(f.prompts.textPrefills, (QStringList{QStringLiteral("http://"), QStringLiteral("http://"), QString()}));
     QCOMPARE(f.shownTexts(), QStringList{QStringLiteral("Please enter some text.")});
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Exclamation);
-    QCOMPARE(garden->links(), (QStringList{QStringLiteral("http://example.org/seeds"),
-                                           QStringLiteral("mailto:ann@example.org"),
-                                           QStringLiteral("ph:+44 20 7946 0000")}));
+    QCOMPARE(garden->links(),
+             (QStringList{QStringLiteral("http://example.org/seeds"), QStringLiteral("mailto:ann@example.org"),
+                          QStringLiteral("ph:+44 20 7946 0000")}));
 }
 
 void TestLinksPage::fileLinksInsideTheDocumentsFolderAreRelative_data()
@@ -236,7 +236,8 @@ void TestLinksPage::followingEachKind_data()
 {
     QTest::addColumn<QString>("link");
     QTest::addColumn<QUrl>("opened");
-    QTest::newRow("web") << QStringLiteral("http://example.org/a?b=c") << QUrl(QStringLiteral("http://example.org/a?b=c"));
+    QTest::newRow("web") << QStringLiteral("http://example.org/a?b=c")
+                         << QUrl(QStringLiteral("http://example.org/a?b=c"));
     QTest::newRow("mail") << QStringLiteral("mailto:ann@example.org") << QUrl(QStringLiteral("mailto:ann@example.org"));
     QTest::newRow("phone") << QStringLiteral("ph:555 0100") << QUrl(QStringLiteral("tel:555 0100"));
     QTest::newRow("absolute file") << QStringLiteral("/srv/plan.txt") << QUrl(QStringLiteral("file:///srv/plan.txt"));
@@ -277,8 +278,8 @@ void TestLinksPage::followingAnItemLinkSelectsItsTarget()
     QVERIFY(f.prompts.opened.isEmpty());
     QCOMPARE(f.current(), kitchen);
     // Following closes the dialog as OK would: the added link is kept.
-    QCOMPARE(contacts->links(),
-             (QStringList{QStringLiteral("http://a.example"), kitchen->linkText(), QStringLiteral("http://new.example")}));
+    QCOMPARE(contacts->links(), (QStringList{QStringLiteral("http://a.example"), kitchen->linkText(),
+                                             QStringLiteral("http://new.example")}));
 }
 
 QTEST_MAIN(TestLinksPage)

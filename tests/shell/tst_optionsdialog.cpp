@@ -44,9 +44,8 @@ void TestOptionsDialog::everyPageMapsToTheSettings()
         QStringList titles;
         for (int i = 0; i < pages->count(); ++i)
             titles.append(pages->tabText(i));
-        QCOMPARE(titles, (QStringList{QStringLiteral("Display"), QStringLiteral("General"),
-                                      QStringLiteral("Defaults"), QStringLiteral("Icons"),
-                                      QStringLiteral("Import/Export")}));
+        QCOMPARE(titles, (QStringList{QStringLiteral("Display"), QStringLiteral("General"), QStringLiteral("Defaults"),
+                                      QStringLiteral("Icons"), QStringLiteral("Import/Export")}));
         const char *shots[] = {"options-display", "options-general", "options-defaults", "options-icons",
                                "options-import-export"};
         for (int i = 0; i < pages->count(); ++i) {
@@ -151,8 +150,8 @@ void TestOptionsDialog::unknownCodePageIsRefused()
         press(d);
     });
     f.run(CommandId::Options);
-    QCOMPARE(f.shownTexts(),
-             QStringList{QStringLiteral("The code page 'no-such-page' is not known. Please choose one from the list.")});
+    QCOMPARE(f.shownTexts(), QStringList{QStringLiteral(
+                                 "The code page 'no-such-page' is not known. Please choose one from the list.")});
     QCOMPARE(f.window->settings().ansiCodePage, QStringLiteral("windows-1251"));
 }
 

@@ -29,10 +29,10 @@ private Q_SLOTS:
 
 void TestPasswordDialog::setMode_data()
 {
-    QTest::addColumn<QString>("stored");     // empty: not protected
-    QTest::addColumn<QStringList>("tries");  // current, new, confirmation; repeated per OK
+    QTest::addColumn<QString>("stored");    // empty: not protected
+    QTest::addColumn<QStringList>("tries"); // current, new, confirmation; repeated per OK
     QTest::addColumn<QStringList>("messages");
-    QTest::addColumn<QString>("result");     // the password afterwards; empty: none
+    QTest::addColumn<QString>("result"); // the password afterwards; empty: none
     QTest::addColumn<bool>("accepted");
 
     const QString wrong = QStringLiteral("The password is not correct. Please enter the password and try again.");
@@ -40,9 +40,8 @@ void TestPasswordDialog::setMode_data()
     QTest::newRow("set") << QString() << QStringList{QString(), QStringLiteral("abc"), QStringLiteral("abc")}
                          << QStringList() << QStringLiteral("abc") << true;
     QTest::newRow("mismatch, then agreed")
-        << QString()
-        << QStringList{QString(), QStringLiteral("abc"), QStringLiteral("abd"), QString(), QStringLiteral("abc"),
-                       QStringLiteral("abc")}
+        << QString() << QStringList{QString(), QStringLiteral("abc"), QStringLiteral("abd"),
+                                    QString(), QStringLiteral("abc"), QStringLiteral("abc")}
         << QStringList{mismatch} << QStringLiteral("abc") << true;
     QTest::newRow("wrong current password is refused before the new one is looked at")
         << QStringLiteral("abc") << QStringList{QStringLiteral("ABC"), QStringLiteral("x"), QStringLiteral("y")}

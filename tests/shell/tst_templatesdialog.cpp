@@ -16,7 +16,10 @@ class TestTemplatesDialog : public QObject {
     Q_OBJECT
 
 private:
-    static QString templatePath(const ShellFixture &f) { return f.dir.filePath(QStringLiteral("QuillboxTemplates.qbt")); }
+    static QString templatePath(const ShellFixture &f)
+    {
+        return f.dir.filePath(QStringLiteral("QuillboxTemplates.qbt"));
+    }
 
     static std::unique_ptr<Document> plainDocument()
     {
