@@ -64,3 +64,44 @@ inline constexpr const char *EnterName = "Please enter a name.";
 inline constexpr const char *TemplateNameLabel = "Template Name: (Max 32 characters)";
 
 } // namespace Messages
+
+// Links, find, templates and the other dialogs of the document view.
+namespace Messages {
+
+inline constexpr const char *LinksColumn = "Links";
+inline constexpr const char *LinkFileFilter =
+    "Words Files|*.psw;*.doc|Excel Files|*.pxl;*.xls|Text Files (*.txt)|*.txt|Pictures|*.bmp;*.2bp;*.jpg;*.gif;*.png|"
+    "Web Files|*.html;*.htm;*.xml;*.css;*.asp;*.aspx|Quillbox Files (*.qbx)|*.qbx|All Files (*.*)|*.*|";
+inline constexpr const char *EnterUrl = "Enter URL:";
+inline constexpr const char *EnterSomeText = "Please enter some text.";
+inline constexpr const char *AskDeleteAllLinks = "Are you sure to delete all links?";
+inline constexpr const char *ListTitleNotLinkable = "List title cannot be linked. Please choose an item.";
+/// %1 is the count. The two spaces after "deleted." belong to the text.
+inline constexpr const char *DeadItemLinks =
+    "%1 item link(s) are no longer valid because they have been deleted.  These links will be removed.";
+inline constexpr const char *EditInWordDone =
+    "When finished editing and saving the note in Pocket Word, tap OK to update Quillbox.";
+inline constexpr const char *AskDeleteLink = "Are you sure to delete this link?";
+inline constexpr const char *EnterPhoneNumber = "Enter a phone number:";
+
+inline constexpr const char *SearchResults = "Search Results";
+
+inline constexpr const char *ConvertNotesIntro = "This feature converts notes from one format to the other.";
+inline constexpr const char *PlainTextDescription =
+    "Does not support formatting, voice recordings, or drawings. Use the least amount of storage spaces.";
+inline constexpr const char *RichInkDescription =
+    "Supports formatting, voice recordings, and drawings.  Desktop Quillbox does not support editing notes with "
+    "voice recordings, or drawings.";
+inline constexpr const char *RichTextDescription = "Supports formatting but NOT voice recordings, or drawings.";
+
+inline constexpr const char *ExportCurrentView =
+    "Data will be exported based on current view excluding all filtering options.";
+inline constexpr const char *ExportDefaultView =
+    "Data will be exported based on default view excluding any filtering options.";
+
+/// %1 is the path of the document that a text import would replace.
+inline constexpr const char *AskReplaceDocument = "'%1' already exists. Do you want to replace it?";
+/// %1 is the name typed in the options.
+inline constexpr const char *UnknownCodePage = "The code page '%1' is not known. Please choose one from the list.";
+
+} // namespace Messages

@@ -255,11 +255,19 @@ void DocumentView::setCommand(int id, std::function<void()> handler)
     m_commands.insert(id, std::move(handler));
 }
 
+void DocumentView::setCommand(int id, std::function<void()> handler, std::function<bool()> enabled)
+{
+    m_commands.insert(id, std::move(handler));
+    m_enabledRules.insert(id, std::move(enabled));
+}
+
 bool DocumentView::isCommandEnabled(int id) const
 {
     using namespace CommandId;
     if (!hasCommand(id))
         return false;
+    if (const auto rule = m_enabledRules.constFind(id); rule != m_enabledRules.constEnd())
+        return (*rule)();
     const Document &d = *m_document;
     const bool defaultView = d.viewMode == Document::DefaultView;
     switch (id) {

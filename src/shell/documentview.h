@@ -46,6 +46,8 @@ public:
     bool runCommand(int id);
     /// Registers the handler of a command (the dialogs plug in here).
     void setCommand(int id, std::function<void()> handler);
+    /// The same with its own greying rule, asked instead of the built-in one.
+    void setCommand(int id, std::function<void()> handler, std::function<bool()> enabled);
 
     /// The selected row becomes the document's current node (the root for a
     /// heading); a changed note in the pane is stored in its item.
@@ -113,4 +115,5 @@ private:
     bool m_recordingToolbar = false;
     bool m_applyingSplit = false;
     QHash<int, std::function<void()>> m_commands;
+    QHash<int, std::function<bool()>> m_enabledRules;
 };

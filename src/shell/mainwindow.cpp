@@ -5,6 +5,7 @@
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
 #include "shell/commandids.h"
+#include "shell/dialogcommands.h"
 #include "shell/documentview.h"
 #include "shell/prompts.h"
 #include "shell/treepane.h"
@@ -125,6 +126,7 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
     statusBar()->addWidget(m_status, 1);
 
     buildActions();
+    m_dialogs = new DialogCommands(this);
     buildListMenus();
     updateActions();
     qApp->installEventFilter(this);
@@ -557,35 +559,7 @@ bool MainWindow::createDocument()
 
 bool MainWindow::importTextDocument()
 {
-    const QString textPath = m_prompts->openFileName(this, QStringLiteral("Import"), documentsFolder(),
-                                                     QStringLiteral("Text Files (*.txt);;Unicode Files (*.txt)"));
-    if (textPath.isEmpty())
-        return false;
-    const int noteType = m_prompts->askNoteType(this);
-    if (noteType < 0)
-        return false;
-    TextImport::Options options;
-    options.icon = TextImport::iconOf(m_settings.textImport);
-    options.codePage = m_settings.ansiCodePage;
-    auto document = std::make_unique<Document>();
-    TextImport::Result result = TextImport::Result::Unreadable;
-    bool saved = false;
-    {
-        WaitCursor wait;
-        result = TextImport::importDocument(textPath, quint16(noteType), options, document.get());
-        if (result == TextImport::Result::Ok)
-            saved = DocumentFile::save(*document);
-    }
-    if (result != TextImport::Result::Ok) {
-        m_prompts->message(this, Prompts::Icon::Stop, TextImport::message(result));
-        return false;
-    }
-    if (!saved) {
-        m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
-        return false;
-    }
-    showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
-    return true;
+    return m_dialogs->importText();
 }
 
 void MainWindow::closeDocument()

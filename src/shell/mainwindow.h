@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 
+class DialogCommands;
 class DocumentView;
 class Prompts;
 class QAction;
@@ -106,4 +107,5 @@ private:
     QToolBar *m_toolBar = nullptr;
     QLabel *m_status = nullptr;
     QHash<int, QAction *> m_actions;
+    DialogCommands *m_dialogs = nullptr;
 };

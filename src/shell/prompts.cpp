@@ -2,21 +2,24 @@
 
 #include "platform/messages.h"
 #include "shell/iconchooser.h"
+#include "shell/passworddialog.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QButtonGroup>
+#include <QDesktopServices>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QUrl>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace {
 
@@ -70,7 +73,7 @@ QString DialogPrompts::saveFileName(QWidget *parent, const QString &title, const
     return dialog.selectedFiles().constFirst();
 }
 
-int DialogPrompts::askNoteType(QWidget *parent)
+int DialogPrompts::askNoteType(QWidget *parent, int preselected)
 {
     QDialog dialog(parent);
     dialog.setWindowTitle(caption());
@@ -93,7 +96,7 @@ int DialogPrompts::askNoteType(QWidget *parent)
         detail->setEnabled(false);
         layout->addWidget(detail);
     }
-    group.button(0)->setChecked(true);
+    group.button(preselected >= 0 && preselected < 3 ? preselected : 0)->setChecked(true);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
@@ -105,32 +108,9 @@ int DialogPrompts::askNoteType(QWidget *parent)
 
 bool DialogPrompts::askPassword(QWidget *parent, const std::function<bool(const QString &)> &check)
 {
-    QDialog dialog(parent);
-    dialog.setWindowTitle(caption());
-    auto *layout = new QVBoxLayout(&dialog);
-    auto *label = new QLabel(QString::fromLatin1(Messages::PasswordEnterPrompt));
-    label->setWordWrap(true);
-    layout->addWidget(label);
-    auto *form = new QFormLayout;
-    auto *edit = new QLineEdit;
-    edit->setEchoMode(QLineEdit::Password);
-    edit->setMaxLength(15);
-    form->addRow(QStringLiteral("Password:"), edit);
-    layout->addLayout(form);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    layout->addWidget(buttons);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
-        if (check(edit->text())) {
-            dialog.accept();
-            return;
-        }
-        // Wrong passwords may be retried without limit.
-        message(&dialog, Icon::Stop, QString::fromLatin1(Messages::PasswordNotCorrect));
-        edit->selectAll();
-        edit->setFocus();
-    });
-    dialog.resize(360, dialog.sizeHint().height());
+    // The password dialog in its "enter" mode: the new-password boxes are
+    // greyed, and a wrong password keeps it open for another try.
+    PasswordDialog dialog(check, this, parent);
     return dialog.exec() == QDialog::Accepted;
 }
 
@@ -154,4 +134,89 @@ int DialogPrompts::chooseIcon(QWidget *parent, quint16 current, const QList<quin
 {
     IconChooser chooser(current, favourites, parent);
     return chooser.exec() == QDialog::Accepted ? chooser.chosen() : -1;
+}
+
+int DialogPrompts::runDialog(QDialog *dialog)
+{
+    return dialog->exec();
+}
+
+bool DialogPrompts::askText(QWidget *parent, const QString &prompt, QString *text, int maxLength,
+                            const std::function<bool(const QString &)> &accept)
+{
+    QDialog dialog(parent);
+    dialog.setObjectName(QStringLiteral("textPrompt"));
+    dialog.setWindowTitle(caption());
+    auto *layout = new QVBoxLayout(&dialog);
+    layout->addWidget(new QLabel(prompt));
+    auto *edit = new QLineEdit(*text);
+    edit->setMaxLength(maxLength);
+    edit->selectAll();
+    layout->addWidget(edit);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    layout->addWidget(buttons);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
+        if (accept(edit->text())) {
+            dialog.accept();
+            return;
+        }
+        edit->setFocus();
+    });
+    dialog.resize(400, dialog.sizeHint().height());
+    if (dialog.exec() != QDialog::Accepted)
+        return false;
+    *text = edit->text();
+    return true;
+}
+
+bool DialogPrompts::askWarningYesNo(QWidget *parent, const QString &text)
+{
+    QMessageBox box(QMessageBox::Warning, caption(), text, QMessageBox::Yes | QMessageBox::No, parent);
+    box.setDefaultButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+bool DialogPrompts::askOkCancel(QWidget *parent, const QString &text)
+{
+    QMessageBox box(QMessageBox::Warning, caption(), text, QMessageBox::Ok | QMessageBox::Cancel, parent);
+    box.setDefaultButton(QMessageBox::Ok);
+    return box.exec() == QMessageBox::Ok;
+}
+
+QString DialogPrompts::saveFileOfType(QWidget *parent, const QString &title, const QString &suggested,
+                                      const QStringList &filters, const QString &defaultSuffix, int *chosenFilter)
+{
+    QFileDialog dialog(parent, title.isEmpty() ? caption() : title, suggested);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters(filters);
+    dialog.setDefaultSuffix(defaultSuffix);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    if (chosenFilter)
+        *chosenFilter = std::max<int>(0, filters.indexOf(dialog.selectedNameFilter()));
+    return dialog.selectedFiles().constFirst();
+}
+
+bool DialogPrompts::openUrl(const QUrl &url)
+{
+    return QDesktopServices::openUrl(url);
+}
+
+QStringList Prompts::filtersOf(const QString &pairs)
+{
+    // "Name|pattern|Name|pattern|": a name that already shows its pattern
+    // keeps it as it is.
+    if (!pairs.contains(QLatin1Char('|')))
+        return {pairs};
+    const QStringList parts = pairs.split(QLatin1Char('|'));
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        const QString &name = parts.at(i);
+        const QString patterns = QString(parts.at(i + 1)).replace(QLatin1Char(';'), QLatin1Char(' '));
+        if (name.isEmpty())
+            continue;
+        filters.append(name.endsWith(QLatin1Char(')')) ? name : QStringLiteral("%1 (%2)").arg(name, patterns));
+    }
+    return filters;
 }

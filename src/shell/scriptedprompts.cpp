@@ -1,6 +1,8 @@
 #include "shell/scriptedprompts.h"
 
 #include <QAction>
+#include <QCoreApplication>
+#include <QDialog>
 #include <QMenu>
 
 bool ScriptedPrompts::askYesNo(QWidget *, const QString &text)
@@ -24,8 +26,9 @@ QString ScriptedPrompts::saveFileName(QWidget *, const QString &, const QString 
     return fileNames.isEmpty() ? QString() : fileNames.dequeue();
 }
 
-int ScriptedPrompts::askNoteType(QWidget *)
+int ScriptedPrompts::askNoteType(QWidget *, int preselected)
 {
+    noteTypesOffered.append(preselected);
     return noteTypes.isEmpty() ? -1 : noteTypes.dequeue();
 }
 
@@ -82,4 +85,63 @@ void ScriptedPrompts::about(QWidget *)
 int ScriptedPrompts::chooseIcon(QWidget *, quint16, const QList<quint16> &)
 {
     return icons.isEmpty() ? -1 : icons.dequeue();
+}
+
+int ScriptedPrompts::runDialog(QDialog *dialog)
+{
+    dialogsRun.append(dialog->objectName());
+    if (dialogs.isEmpty())
+        return QDialog::Rejected;
+    const auto script = dialogs.dequeue();
+    dialog->setResult(QDialog::Rejected);
+    dialog->show();
+    QCoreApplication::processEvents();
+    script(dialog);
+    if (dialog->isVisible())
+        dialog->reject();
+    return dialog->result();
+}
+
+bool ScriptedPrompts::askText(QWidget *, const QString &prompt, QString *text, int maxLength,
+                              const std::function<bool(const QString &)> &accept)
+{
+    textPrompts.append(prompt);
+    textPrefills.append(*text);
+    while (!texts.isEmpty()) {
+        // What a box of that length would have let through.
+        const QString answer = texts.dequeue().left(maxLength);
+        if (accept(answer)) {
+            *text = answer;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool ScriptedPrompts::askWarningYesNo(QWidget *, const QString &text)
+{
+    shown.append({Icon::Exclamation, text});
+    return yesNo.isEmpty() ? true : yesNo.dequeue();
+}
+
+bool ScriptedPrompts::askOkCancel(QWidget *, const QString &text)
+{
+    shown.append({Icon::Exclamation, text});
+    return okCancel.isEmpty() ? true : okCancel.dequeue();
+}
+
+QString ScriptedPrompts::saveFileOfType(QWidget *, const QString &, const QString &, const QStringList &,
+                                        const QString &, int *chosenFilter)
+{
+    if (chosenFilter)
+        *chosenFilter = fileTypes.isEmpty() ? 0 : fileTypes.dequeue();
+    return fileNames.isEmpty() ? QString() : fileNames.dequeue();
+}
+
+bool ScriptedPrompts::openUrl(const QUrl &url)
+{
+    opened.append(url);
+    if (whenOpened)
+        whenOpened(url);
+    return true;
 }

@@ -169,8 +169,8 @@ RowGeometry TreePane::rowGeometry(int row) const
 {
     const ViewRows::Row &r = m_rows->row(row);
     if (r.kind == ViewRows::Kind::Item)
-        return m_painter->itemGeometry(rowRect(row), r.node->asItem(), r.level, 0, statePainted(row));
-    return m_painter->titleGeometry(rowRect(row), r.level, 0);
+        return m_painter->itemGeometry(rowRect(row), r.node->asItem(), r.level, m_baseLevel, statePainted(row));
+    return m_painter->titleGeometry(rowRect(row), r.level, m_baseLevel);
 }
 
 void TreePane::paintEvent(QPaintEvent *)
@@ -185,11 +185,11 @@ void TreePane::paintEvent(QPaintEvent *)
         const QRect rect(0, y, viewport()->width(), h);
         const int state = statePainted(row);
         if (r.kind == ViewRows::Kind::Item) {
-            m_painter->paintItem(&p, rect, r.node->asItem(), r.level, 0, state);
+            m_painter->paintItem(&p, rect, r.node->asItem(), r.level, m_baseLevel, state);
         } else {
             const quint16 icon = r.kind == ViewRows::Kind::Heading ? r.heading->icon() : RootIcon;
-            m_painter->paintTitle(&p, rect, m_rows->text(row), icon, r.expandable, m_rows->isExpanded(row), r.level, 0,
-                                  state);
+            m_painter->paintTitle(&p, rect, m_rows->text(row), icon, r.expandable, m_rows->isExpanded(row),
+                                  r.level, m_baseLevel, state);
         }
         if (m_dragging && row == m_dropRow) {
             p.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), 2));

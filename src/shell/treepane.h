@@ -27,6 +27,10 @@ public:
     void setRows(ViewRows *rows);
     ViewRows *rows() const { return m_rows; }
     void setRowStyle(const RowStyle &style);
+    /// Rows are indented by their level less this less one: 0 for the main
+    /// list, whose title row is not an item; -1 indents an item's branch
+    /// below its top row.
+    void setBaseLevel(int level) { m_baseLevel = level; }
     const RowPainter &rowPainter() const { return *m_painter; }
 
     /// Call after the rows changed, with the row to make current: updates
@@ -95,6 +99,7 @@ private:
     const void *identityOf(int row) const;
 
     ViewRows *m_rows = nullptr;
+    int m_baseLevel = 0;
     std::unique_ptr<RowPainter> m_painter;
     RowStyle m_style;
     int m_current = 0;

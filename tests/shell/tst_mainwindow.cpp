@@ -261,7 +261,11 @@ void TestMainWindow::createAndSaveAs()
     QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Fresh.qbx")));
     QVERIFY(QFile::exists(docPath(QStringLiteral("Fresh.qbx"))));
 
-    // In the view, "New" adds an item instead.
+    // In the view, "New" adds an item instead, through the new-item dialog.
+    m_prompts->dialogs.enqueue([](QDialog *d) {
+        QTest::keyClicks(d->findChild<QLineEdit *>(QStringLiteral("name")), QStringLiteral("New Item"));
+        d->accept();
+    });
     w->runCommand(CommandId::New);
     QCOMPARE(w->view()->document()->root()->childCount(), 1);
 
