@@ -24,80 +24,40 @@ private:
         return path;
     }
 
+    static uint valueOf(const Settings &s, const QByteArray &name)
+    {
+        if (name == "flags")
+            return s.flags;
+        if (name == "fontSize")
+            return s.fontSize;
+        if (name == "splitPct")
+            return s.splitPct;
+        return name == "splitPct7" ? s.splitPct7 : s.noteZoom;
+    }
+
 private Q_SLOTS:
-    void loadEdgeCases_data();
-    void loadEdgeCases();
-    void splitKeepsInMemoryValue_data();
-    void splitKeepsInMemoryValue();
-    void oldFlagsMoveToNewBits_data();
-    void oldFlagsMoveToNewBits();
+    void firstStartDefaults();
+    void loadRules_data();
+    void loadRules();
     void stringsAndIcons();
     void saveWritesNewLayout();
     void roundTrip();
     void unusableStoreKeepsDefaults();
 };
 
-void TestSettings::loadEdgeCases_data()
+void TestSettings::firstStartDefaults()
 {
-    QTest::addColumn<QByteArray>("ini");
-    QTest::addColumn<uint>("flags");
-    QTest::addColumn<int>("fontSize");
-    QTest::addColumn<int>("splitPct");
-    QTest::addColumn<int>("splitPct7");
-    QTest::addColumn<int>("noteZoom");
-    QTest::addColumn<QString>("sound");
-
-    QTest::newRow("first start") << QByteArray() << 3u << 80 << 60 << 60 << 100 << "Alarm1";
-    QTest::newRow("font index 3") << QByteArray("[General]\nVersion=700\nFontSize=3\n") << 3u << 100 << 60 << 60 << 100
-                                  << "Alarm1";
-    QTest::newRow("font height 10") << QByteArray("[General]\nVersion=700\nFontSize=10\n") << 3u << 10 << 60 << 60
-                                    << 100 << "Alarm1";
-    // 0x00560022: high word 86 is out of range, low word 34 is not read.
-    QTest::newRow("split 86 out of range")
-        << QByteArray("[General]\nVersion=700\nSplitPct7=5636130\n") << 3u << 80 << 60 << 60 << 100 << "Alarm1";
-    // 0x00500028: high word 80 is used, low word 40 is not.
-    QTest::newRow("split 80") << QByteArray("[General]\nVersion=700\nSplitPct7=5242920\n") << 3u << 80 << 60 << 80
-                              << 100 << "Alarm1";
-    // 0x00550023: 85 and 35 are the edges of the range.
-    QTest::newRow("split at the edges") << QByteArray("[General]\nSplitPct=35\nSplitPct7=5570595\n") << 3u << 80 << 35
-                                        << 85 << 100 << "Alarm1";
-    QTest::newRow("old split 34") << QByteArray("[General]\nSplitPct=34\n") << 3u << 80 << 60 << 60 << 100 << "Alarm1";
-    QTest::newRow("old split ignored in new layout")
-        << QByteArray("[General]\nVersion=700\nSplitPct=50\n") << 3u << 80 << 60 << 60 << 100 << "Alarm1";
-    QTest::newRow("old split 50") << QByteArray("[General]\nVersion=610\nSplitPct=50\n") << 3u << 80 << 50 << 60 << 100
-                                  << "Alarm1";
-    QTest::newRow("flags 0 new layout") << QByteArray("[General]\nVersion=700\nFlags=0\n") << 3u << 80 << 60 << 60
-                                        << 100 << "Alarm1";
-    QTest::newRow("flags kept new layout")
-        << QByteArray("[General]\nVersion=700\nFlags=528\n") << 528u << 80 << 60 << 60 << 100 << "Alarm1";
-    QTest::newRow("flags 0 old layout") << QByteArray("[General]\nFlags=0\n") << 0u << 80 << 60 << 60 << 100
-                                        << "Alarm1";
-    QTest::newRow("values present") << QByteArray("[General]\nVersion=700\nNoteZoom=150\nSound=Chime\n") << 3u << 80
-                                    << 60 << 60 << 150 << "Chime";
-    QTest::newRow("not a number") << QByteArray("[General]\nVersion=700\nNoteZoom=big\nFontSize=\n") << 3u << 80 << 60
-                                  << 60 << 100 << "Alarm1";
-}
-
-void TestSettings::loadEdgeCases()
-{
-    QFETCH(QByteArray, ini);
-    QFETCH(uint, flags);
-    QFETCH(int, fontSize);
-    QFETCH(int, splitPct);
-    QFETCH(int, splitPct7);
-    QFETCH(int, noteZoom);
-    QFETCH(QString, sound);
-
-    QSettings store(storeWith(ini), QSettings::IniFormat);
+    QSettings store(storeWith(QByteArray()), QSettings::IniFormat);
     Settings settings;
-    settings.splitPct = 0; // an in-memory value out of range is repaired too
+    settings.defFile = QStringLiteral("/kept/when/absent.qbx");
+    settings.favIcons = {9};
     QVERIFY(settings.load(store));
-    QCOMPARE(settings.flags, flags);
-    QCOMPARE(settings.fontSize, fontSize);
-    QCOMPARE(settings.splitPct, splitPct);
-    QCOMPARE(settings.splitPct7, splitPct7);
-    QCOMPARE(settings.noteZoom, noteZoom);
-    QCOMPARE(settings.sound, sound);
+    QCOMPARE(settings.flags, 3u);
+    QCOMPARE(settings.fontSize, 80);
+    QCOMPARE(settings.splitPct, 60);
+    QCOMPARE(settings.splitPct7, 60);
+    QCOMPARE(settings.noteZoom, 100);
+    QCOMPARE(settings.sound, QStringLiteral("Alarm1"));
     QCOMPARE(settings.prgColour, 1);
     QCOMPARE(settings.expViewSep, 2);
     QCOMPARE(settings.expOtherSep, 0);
@@ -105,96 +65,77 @@ void TestSettings::loadEdgeCases()
     QCOMPARE(settings.branchTab, 1);
     QCOMPARE(settings.textImport, 0x0001032Cu);
     QCOMPARE(settings.ansiCodePage, QStringLiteral("windows-1252"));
+    QCOMPARE(settings.defFile, QStringLiteral("/kept/when/absent.qbx"));
+    QVERIFY(settings.templateFile.endsWith(QStringLiteral("/QuillboxTemplates.qbt")));
+    QVERIFY(settings.favIcons.isEmpty());
 }
 
-void TestSettings::splitKeepsInMemoryValue_data()
+void TestSettings::loadRules_data()
 {
     QTest::addColumn<QByteArray>("ini");
-    QTest::addColumn<int>("before");
-    QTest::addColumn<int>("after");
+    QTest::addColumn<int>("splitBefore"); // the first layout's share in memory
+    QTest::addColumn<QByteArray>("field");
+    QTest::addColumn<uint>("expected");
 
-    QTest::newRow("new layout keeps 45") << QByteArray("[General]\nVersion=700\nSplitPct7=5242920\n") << 45 << 45;
-    QTest::newRow("new layout repairs 90") << QByteArray("[General]\nVersion=700\nSplitPct7=5242920\n") << 90 << 60;
-    QTest::newRow("old layout replaces 45") << QByteArray("[General]\nSplitPct=70\n") << 45 << 70;
-}
-
-void TestSettings::splitKeepsInMemoryValue()
-{
-    QFETCH(QByteArray, ini);
-    QFETCH(int, before);
-    QFETCH(int, after);
-    QSettings store(storeWith(ini), QSettings::IniFormat);
-    Settings settings;
-    settings.splitPct = quint16(before);
-    QVERIFY(settings.load(store));
-    QCOMPARE(settings.splitPct, after);
-}
-
-void TestSettings::oldFlagsMoveToNewBits_data()
-{
-    QTest::addColumn<QByteArray>("ini");
-    QTest::addColumn<uint>("flags");
-
-    QTest::newRow("case insensitive") << QByteArray("[General]\nFlags=524288\n") << 0x001u;    // 0x80000
-    QTest::newRow("unknown old bits dropped") << QByteArray("[General]\nFlags=1\n") << 0x000u; // 0x1
+    QTest::newRow("font index 3") << QByteArray("Version=700\nFontSize=3") << 45 << QByteArray("fontSize") << 100u;
+    QTest::newRow("font height 10") << QByteArray("Version=700\nFontSize=10") << 45 << QByteArray("fontSize") << 10u;
+    // 0x00560022: high word 86 is out of range, low word 34 is not read.
+    QTest::newRow("split 86") << QByteArray("Version=700\nSplitPct7=5636130") << 45 << QByteArray("splitPct7") << 60u;
+    // 0x00550023: high word 85 is the edge of the range, low word 35 is not read.
+    QTest::newRow("split 85") << QByteArray("Version=700\nSplitPct7=5570595") << 45 << QByteArray("splitPct7") << 85u;
+    QTest::newRow("new layout keeps 45") << QByteArray("Version=700\nSplitPct=50") << 45 << QByteArray("splitPct")
+                                         << 45u;
+    QTest::newRow("new layout repairs 90") << QByteArray("Version=700") << 90 << QByteArray("splitPct") << 60u;
+    QTest::newRow("old split 35") << QByteArray("SplitPct=35") << 45 << QByteArray("splitPct") << 35u;
+    QTest::newRow("old split 34") << QByteArray("SplitPct=34") << 45 << QByteArray("splitPct") << 60u;
+    QTest::newRow("old split 610") << QByteArray("Version=610\nSplitPct=50") << 45 << QByteArray("splitPct") << 50u;
+    QTest::newRow("flags 0 new layout") << QByteArray("Version=700\nFlags=0") << 45 << QByteArray("flags") << 3u;
+    QTest::newRow("flags new layout") << QByteArray("Version=700\nFlags=528") << 45 << QByteArray("flags") << 528u;
+    QTest::newRow("flags 0 old layout") << QByteArray("Flags=0") << 45 << QByteArray("flags") << 0u;
+    QTest::newRow("old case insensitive") << QByteArray("Flags=524288") << 45 << QByteArray("flags") << 0x001u;
+    QTest::newRow("unknown old bits dropped") << QByteArray("Flags=1") << 45 << QByteArray("flags") << 0x000u;
     QTest::newRow("compact and word processor")
-        << QByteArray("[General]\nFlags=0\nDispMode=1\nWordDirect=1\n") << 0x300u;
-    QTest::newRow("display mode 2 is not compact") << QByteArray("[General]\nFlags=0\nDispMode=2\n") << 0x000u;
+        << QByteArray("Flags=0\nDispMode=1\nWordDirect=1") << 45 << QByteArray("flags") << 0x300u;
+    QTest::newRow("display mode 2 is not compact")
+        << QByteArray("Flags=0\nDispMode=2") << 45 << QByteArray("flags") << 0x000u;
     QTest::newRow("new layout ignores old values")
-        << QByteArray("[General]\nVersion=700\nFlags=1\nDispMode=1\nWordDirect=1\n") << 0x001u;
-    QTest::newRow("all old bits") << QByteArray("[General]\nVersion=610\nFlags=1843616\nDispMode=1\nWordDirect=1\n")
-                                  << 0x37Fu;
+        << QByteArray("Version=700\nFlags=1\nDispMode=1\nWordDirect=1") << 45 << QByteArray("flags") << 0x001u;
+    QTest::newRow("all old bits") << QByteArray("Version=610\nFlags=1843616\nDispMode=1\nWordDirect=1") << 45
+                                  << QByteArray("flags") << 0x37Fu;
+    QTest::newRow("zoom") << QByteArray("Version=700\nNoteZoom=150") << 45 << QByteArray("noteZoom") << 150u;
+    QTest::newRow("not a number") << QByteArray("Version=700\nNoteZoom=big") << 45 << QByteArray("noteZoom") << 100u;
 }
 
-void TestSettings::oldFlagsMoveToNewBits()
+void TestSettings::loadRules()
 {
     QFETCH(QByteArray, ini);
-    QFETCH(uint, flags);
-    QSettings store(storeWith(ini), QSettings::IniFormat);
+    QFETCH(int, splitBefore);
+    QFETCH(QByteArray, field);
+    QFETCH(uint, expected);
+    QSettings store(storeWith("[General]\n" + ini + '\n'), QSettings::IniFormat);
     Settings settings;
+    settings.splitPct = quint16(splitBefore);
     QVERIFY(settings.load(store));
-    QCOMPARE(settings.flags, flags);
+    QCOMPARE(valueOf(settings, field), expected);
 }
 
 void TestSettings::stringsAndIcons()
 {
+    const QString path = storeWith(QByteArray("[General]\nVersion=700\nDefFile=/home/a/List.qbx\n"
+                                              "TemplateFile=/home/a/t.qbt\nAnsiCodePage=windows-1251\nSound=Chime\n"));
     {
-        QSettings store(storeWith(QByteArray()), QSettings::IniFormat);
-        Settings settings;
-        settings.defFile = QStringLiteral("/kept/when/absent.qbx");
-        QVERIFY(settings.load(store));
-        QCOMPARE(settings.defFile, QStringLiteral("/kept/when/absent.qbx"));
-        QVERIFY(settings.templateFile.endsWith(QStringLiteral("/QuillboxTemplates.qbt")));
-        QVERIFY(settings.favIcons.isEmpty());
+        // An odd last byte is no icon.
+        QSettings writer(path, QSettings::IniFormat);
+        writer.setValue(QStringLiteral("FavIcons"), QByteArray("\x05\x00\x0c\x03\x07", 5));
     }
-    {
-        const QString path = storeWith(QByteArray("[General]\nVersion=700\nDefFile=/home/a/List.qbx\n"
-                                                  "TemplateFile=/home/a/t.qbt\nAnsiCodePage=windows-1251\n"));
-        {
-            // An odd last byte is no icon.
-            QSettings writer(path, QSettings::IniFormat);
-            writer.setValue(QStringLiteral("FavIcons"), QByteArray("\x05\x00\x0c\x03\x07", 5));
-        }
-        QSettings store(path, QSettings::IniFormat);
-        Settings settings;
-        QVERIFY(settings.load(store));
-        QCOMPARE(settings.defFile, QStringLiteral("/home/a/List.qbx"));
-        QCOMPARE(settings.templateFile, QStringLiteral("/home/a/t.qbt"));
-        QCOMPARE(settings.ansiCodePage, QStringLiteral("windows-1251"));
-        QCOMPARE(settings.favIcons, (QList<quint16>{5, 0x30c}));
-    }
-    {
-        const QString path = storeWith(QByteArray());
-        {
-            QSettings writer(path, QSettings::IniFormat);
-            writer.setValue(QStringLiteral("FavIcons"), QByteArray("\x05", 1));
-        }
-        QSettings store(path, QSettings::IniFormat);
-        Settings settings;
-        settings.favIcons = {9};
-        QVERIFY(settings.load(store));
-        QVERIFY(settings.favIcons.isEmpty());
-    }
+    QSettings store(path, QSettings::IniFormat);
+    Settings settings;
+    QVERIFY(settings.load(store));
+    QCOMPARE(settings.defFile, QStringLiteral("/home/a/List.qbx"));
+    QCOMPARE(settings.templateFile, QStringLiteral("/home/a/t.qbt"));
+    QCOMPARE(settings.ansiCodePage, QStringLiteral("windows-1251"));
+    QCOMPARE(settings.sound, QStringLiteral("Chime"));
+    QCOMPARE(settings.favIcons, (QList<quint16>{5, 0x30c}));
 }
 
 void TestSettings::saveWritesNewLayout()
