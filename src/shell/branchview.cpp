@@ -6,6 +6,7 @@
 #include "platform/messages.h"
 #include "rows/rowpainter.h"
 #include "shell/commandids.h"
+#include "shell/itemactions.h"
 #include "shell/itemmenu.h"
 #include "shell/prompts.h"
 #include "shell/toolbaricons.h"
@@ -268,41 +269,12 @@ void BranchView::onStatusTapped(Item *item, const QPoint &globalPos)
         }
         changed(item);
     };
-    switch (Progress::tap(item)) {
-    case Progress::TapResult::Ignored:
-        return;
-    case Progress::TapResult::Toggled:
-        afterProgress();
-        return;
-    case Progress::TapResult::ShowPresets: {
-        QMenu *menu = ItemMenu::buildPresets(this);
-        for (QAction *action : menu->actions()) {
-            connect(action, &QAction::triggered, this, [item, afterProgress, value = action->data().toInt()] {
-                item->setProgress(quint16(value));
-                afterProgress();
-            });
-        }
-        m_prompts->popupMenu(menu, globalPos);
-        menu->deleteLater();
-        return;
-    }
-    }
+    ItemActions::tapStatus(item, globalPos, m_prompts, this, afterProgress);
 }
 
 void BranchView::paste()
 {
-    TreeNode *target = m_tree->currentNode();
-    if (!m_clip.canPaste(target))
-        return;
-    bool withChildren = false;
-    if (m_clip.asksForChildren())
-        withChildren = m_prompts->askYesNo(this, QString::fromLatin1(Messages::AskPasteChildren));
-    Item *pasted = nullptr;
-    {
-        WaitCursor wait;
-        pasted = m_clip.paste(target, withChildren);
-    }
-    if (pasted)
+    if (Item *pasted = ItemActions::paste(m_clip, m_tree->currentNode(), m_prompts, this))
         changed(pasted);
 }
 

@@ -7,6 +7,7 @@
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
 #include "shell/commandids.h"
+#include "shell/itemactions.h"
 #include "shell/itemmenu.h"
 #include "shell/prompts.h"
 #include "shell/quickentrybar.h"
@@ -504,25 +505,7 @@ void DocumentView::showItemMenu(int row, const QPoint &globalPos)
 
 void DocumentView::onStatusTapped(Item *item, const QPoint &globalPos)
 {
-    switch (Progress::tap(item)) {
-    case Progress::TapResult::Ignored:
-        return;
-    case Progress::TapResult::Toggled:
-        afterProgressChange(item);
-        return;
-    case Progress::TapResult::ShowPresets: {
-        QMenu *menu = ItemMenu::buildPresets(this);
-        for (QAction *action : menu->actions()) {
-            connect(action, &QAction::triggered, this, [this, item, value = action->data().toInt()] {
-                item->setProgress(quint16(value));
-                afterProgressChange(item);
-            });
-        }
-        m_prompts->popupMenu(menu, globalPos);
-        menu->deleteLater();
-        return;
-    }
-    }
+    ItemActions::tapStatus(item, globalPos, m_prompts, this, [this, item] { afterProgressChange(item); });
 }
 
 void DocumentView::afterProgressChange(Item *item)
@@ -582,18 +565,7 @@ void DocumentView::insertNewItem(Item *item, InsertPosition position)
 
 void DocumentView::paste()
 {
-    TreeNode *target = currentNode();
-    if (!m_clip.canPaste(target))
-        return;
-    bool withChildren = false;
-    if (m_clip.asksForChildren())
-        withChildren = m_prompts->askYesNo(this, QString::fromLatin1(Messages::AskPasteChildren));
-    Item *pasted = nullptr;
-    {
-        WaitCursor wait;
-        pasted = m_clip.paste(target, withChildren);
-    }
-    if (pasted)
+    if (Item *pasted = ItemActions::paste(m_clip, currentNode(), m_prompts, this))
         refresh(pasted);
 }
 
