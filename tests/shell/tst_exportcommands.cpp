@@ -206,11 +206,6 @@ void TestExportCommands::menuExportsEqualQbx_data()
     QTest::addColumn<QStringList>("qbxArguments");
     QTest::newRow("xml") << int(CommandId::ExportXml) << 1 << false
                          << QStringList{QStringLiteral("xml"), QStringLiteral("--encoding"), QStringLiteral("1")};
-    QTest::newRow("view") << int(CommandId::ExportView) << 1 << true
-                          << QStringList{QStringLiteral("view"), QStringLiteral("--indent"), QStringLiteral("1"),
-                                         QStringLiteral("--unicode")};
-    QTest::newRow("notes") << int(CommandId::ExportNotes) << 2 << false
-                           << QStringList{QStringLiteral("notes"), QStringLiteral("--separator"), QStringLiteral("2")};
     QTest::newRow("links") << int(CommandId::ExportLinks) << 4 << true
                            << QStringList{QStringLiteral("links"), QStringLiteral("--separator"), QStringLiteral("4"),
                                           QStringLiteral("--unicode")};
@@ -268,8 +263,6 @@ void TestExportCommands::itemsExport_data()
     QTest::addColumn<QString>("message");
 
     const QString all = QStringLiteral("Pack[Boots Socks] Book[Map]");
-    QTest::newRow("completed items") << 0 << QString() << QStringList() << false << QStringLiteral("Pack[Boots] Map")
-                                     << QStringLiteral("Trip") << all << QStringLiteral("3 item(s) exported.");
     QTest::newRow("with hierarchy, deleted")
         << 1 << QString() << QStringList() << true << QStringLiteral("Pack[Boots] Book[Map]") << QStringLiteral("Trip")
         << QStringLiteral("Pack[Socks] Book") << QStringLiteral("4 item(s) exported.");
