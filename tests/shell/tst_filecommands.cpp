@@ -33,10 +33,10 @@ private:
     }
 
     // Writes a document of two items to import: Tools > Saw (note "sharp"), Drill.
-    static QString writeImport(const QString &path, quint16 noteType, const QString &password)
+    static QString writeImport(const QString &path, const QString &password)
     {
         Document document;
-        document.noteType = noteType;
+        const quint16 noteType = Document::PlainText;
         Item *tools = add(document.root(), QStringLiteral("Tools"));
         add(tools, QStringLiteral("Saw"))->setNote(NoteText::fromText(QStringLiteral("sharp"), noteType));
         add(document.root(), QStringLiteral("Drill"));
@@ -67,7 +67,7 @@ private Q_SLOTS:
 
 void TestFileCommands::importFile_data()
 {
-    QTest::addColumn<QString>("file"); // "good", "protected", "old version", "damaged", "rich"
+    QTest::addColumn<QString>("file"); // "good", "protected", "old version", "damaged"
     QTest::addColumn<QStringList>("passwords");
     QTest::addColumn<QStringList>("gardenChildren");
     QTest::addColumn<QStringList>("messages");
@@ -77,10 +77,6 @@ void TestFileCommands::importFile_data()
     QTest::newRow("protected, right password")
         << QStringLiteral("protected") << QStringList{QStringLiteral("nope"), QStringLiteral("key")} << imported
         << QStringList();
-    QTest::newRow("protected, cancelled")
-        << QStringLiteral("protected") << QStringList{QStringLiteral("nope")} << QStringList() << QStringList();
-    QTest::newRow("notes of another type are converted")
-        << QStringLiteral("rich") << QStringList() << imported << QStringList();
     QTest::newRow("older version")
         << QStringLiteral("old version") << QStringList() << QStringList()
         << QStringList{QStringLiteral("Only Quillbox files from the current version can be imported. Please open the "
@@ -98,9 +94,7 @@ void TestFileCommands::importFile()
     ShellFixture f;
     QVERIFY(f.open(sample()));
     const QString path = f.dir.filePath(QStringLiteral("import.qbx"));
-    QVERIFY(!writeImport(path, file == QLatin1String("rich") ? Document::RichText : Document::PlainText,
-                         file == QLatin1String("protected") ? QStringLiteral("key") : QString())
-                 .isEmpty());
+    QVERIFY(!writeImport(path, file == QLatin1String("protected") ? QStringLiteral("key") : QString()).isEmpty());
     if (file == QLatin1String("old version") || file == QLatin1String("damaged")) {
         QFile patch(path);
         QVERIFY(patch.open(QIODevice::ReadWrite));
@@ -144,8 +138,6 @@ void TestFileCommands::convertNotes_data()
         << quint16(0) << quint16(2) << true << true << true << QStringList{done};
     QTest::newRow("from rich text, yes") << quint16(2) << quint16(0) << true << true << true << QStringList{ask, done};
     QTest::newRow("from rich ink, no") << quint16(1) << quint16(2) << true << false << false << QStringList{ask};
-    QTest::newRow("to the same type still runs")
-        << quint16(0) << quint16(0) << true << true << true << QStringList{done};
     QTest::newRow("cancelled") << quint16(0) << quint16(1) << false << true << false << QStringList();
 }
 
