@@ -10,8 +10,8 @@
 /// formatting as RTF, "INKS" the drawn strokes, "VOIC" a voice clip; the
 /// order is free and chunks of other tags are kept as they are.
 ///
-/// A note without our magic came from elsewhere (the handheld's own ink
-/// format): its bytes are kept exactly until the note is replaced, and its
+/// A note without our magic came from another program (an ink format we do
+/// not read): its bytes are kept exactly until the note is replaced, and its
 /// text is recovered as well as can be (an embedded RTF document, or runs of
 /// UTF-16 text).
 class RichInk {

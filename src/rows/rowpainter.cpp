@@ -13,7 +13,7 @@
 
 namespace {
 
-// The handheld's font sizes read small on a desktop screen: scale them so the
+// The stored font sizes read small on a desktop screen: scale them so the
 // default size 80 gives a 10 point list.
 constexpr qreal DesktopFontScale = 1.25;
 // The date column holds a buffer of 8 units with its terminator.
@@ -45,8 +45,8 @@ RowPainter::RowPainter(const RowStyle &style, const QPalette &palette, qreal dev
         m_columnWidth = 16;
     else
         m_columnWidth = std::max(16, fm.height() + 4);
-    // The metrics scale places the progress bar as on the handheld's 17-pixel
-    // rows, centred in taller ones.
+    // The progress bar's metrics are given for a 17-pixel row; the scale keeps
+    // its proportions, centred in taller rows.
     m_scaleA = m_scaleB = qreal(rowHeight()) / 17.0;
     const QFontMetrics dfm(m_dateFont);
     m_dateWidth = dfm.horizontalAdvance(QStringLiteral("00 MMM")) + 8;

@@ -22,7 +22,7 @@ struct RowStyle {
         GreyCompleted = 1u << 7,
         CompactMode = 1u << 8,
     };
-    quint16 fontSize = 80; ///< tenths of a point on the handheld's screen
+    quint16 fontSize = 80; ///< the FontSize setting, in tenths of a point before desktop scaling
     quint32 flags = 3;
     quint16 prgColour = 1; ///< colour table index of progress bars; 0 is the text colour
     bool showDueDate = false;
