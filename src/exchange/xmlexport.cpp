@@ -30,6 +30,8 @@ public:
 
     void put(const char16_t *text, size_t n)
     {
+        if (n == 0)
+            return; // an empty text may have no storage at all
         if (m_length + n > ChunkSize) {
             flush();
             if (n > ChunkSize) {
