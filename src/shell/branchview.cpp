@@ -161,19 +161,9 @@ void BranchView::showItemMenu(int row, const QPoint &globalPos)
     state.kind = ItemMenu::RowKind::Item;
     state.node = m_rows->row(row).node;
     state.canPaste = m_clip.canPaste(state.node);
-    QMenu *menu = ItemMenu::build(state, this);
-    const auto actions = menu->findChildren<QAction *>();
-    for (QAction *action : actions) {
-        const int id = action->data().toInt();
-        if (id == 0)
-            continue;
-        if (!isAvailable(id))
-            action->setEnabled(false);
-        connect(
-            action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
-    }
-    m_prompts->popupMenu(menu, globalPos);
-    menu->deleteLater();
+    ItemActions::popupItemMenu(
+        ItemMenu::build(state, this), globalPos, m_prompts, this, [this](int id) { return isAvailable(id); },
+        [this](int id) { runCommand(id); });
 }
 
 bool BranchView::runCommand(int id)

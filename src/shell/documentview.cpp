@@ -487,20 +487,10 @@ void DocumentView::showItemMenu(int row, const QPoint &globalPos)
     state.viewOrder = m_document->viewOrder;
     state.viewAscending = m_document->viewAscending;
     state.canPaste = !state.grouped && m_clip.canPaste(r.node);
-    QMenu *menu = ItemMenu::build(state, this);
-    const auto actions = menu->findChildren<QAction *>();
-    for (QAction *action : actions) {
-        const int id = action->data().toInt();
-        if (id == 0)
-            continue;
-        // An entry whose operation is not available here stays greyed.
-        if (!hasCommand(id))
-            action->setEnabled(false);
-        connect(
-            action, &QAction::triggered, this, [this, id] { runCommand(id); }, Qt::QueuedConnection);
-    }
-    m_prompts->popupMenu(menu, globalPos);
-    menu->deleteLater();
+    // An entry whose operation is not available here stays greyed.
+    ItemActions::popupItemMenu(
+        ItemMenu::build(state, this), globalPos, m_prompts, this, [this](int id) { return hasCommand(id); },
+        [this](int id) { runCommand(id); });
 }
 
 void DocumentView::onStatusTapped(Item *item, const QPoint &globalPos)

@@ -37,6 +37,22 @@ void tapStatus(Item *item, const QPoint &globalPos, Prompts *prompts, QWidget *p
     }
 }
 
+void popupItemMenu(QMenu *menu, const QPoint &globalPos, Prompts *prompts, QObject *context,
+                   const std::function<bool(int)> &available, const std::function<void(int)> &run)
+{
+    const auto actions = menu->findChildren<QAction *>();
+    for (QAction *action : actions) {
+        const int id = action->data().toInt();
+        if (id == 0)
+            continue;
+        if (!available(id))
+            action->setEnabled(false);
+        QObject::connect(action, &QAction::triggered, context, [run, id] { run(id); }, Qt::QueuedConnection);
+    }
+    prompts->popupMenu(menu, globalPos);
+    menu->deleteLater();
+}
+
 Item *paste(ItemClip &clip, TreeNode *target, Prompts *prompts, QWidget *parent)
 {
     if (!clip.canPaste(target))
