@@ -3,7 +3,7 @@
 // the peak resident size reported is the loader's own.
 #include "model/document.h"
 #include "storage/documentfile.h"
-#include "storage/documentgenerator.h"
+#include "tools/documentgenerator.h"
 
 #include <QDir>
 #include <QFile>

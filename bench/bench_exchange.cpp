@@ -1,10 +1,10 @@
-#include "exchange/richink.h"
-#include "exchange/rtfreader.h"
-#include "exchange/rtfwriter.h"
+#include "notes/richink.h"
+#include "notes/rtfreader.h"
+#include "notes/rtfwriter.h"
 #include "exchange/textexport.h"
 #include "exchange/xmlexport.h"
 #include "model/document.h"
-#include "storage/documentgenerator.h"
+#include "tools/documentgenerator.h"
 
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>

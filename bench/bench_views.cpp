@@ -1,6 +1,6 @@
 #include "model/document.h"
 #include "platform/collation.h"
-#include "storage/documentgenerator.h"
+#include "tools/documentgenerator.h"
 #include "views/finder.h"
 #include "views/groupview.h"
 #include "views/viewrows.h"

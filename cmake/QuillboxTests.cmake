@@ -1,25 +1,36 @@
 # One helper registers every Qt Test suite: each tests/<dir>/tst_<unit>.cpp is
 # its own executable and CTest test. Suites under tests/rows, tests/noteeditor
-# and tests/shell link the desktop library and run on the offscreen platform.
+# and tests/shell link the desktop library and run on the offscreen platform;
+# suites under tests/cli run the qbx program. Shared helpers live in
+# tests/support/.
 function(quillbox_add_test src)
     get_filename_component(name ${src} NAME_WE)
     get_filename_component(dir ${src} DIRECTORY)
     get_filename_component(area ${dir} NAME)
-    add_executable(${name} ${src})
-    target_compile_definitions(${name} PRIVATE QUILLBOX_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/tests/data"
-                                               QUILLBOX_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}"
-                                               QUILLBOX_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    set(gui FALSE)
     if(area MATCHES "^(rows|noteeditor|shell)$")
         if(NOT TARGET quillbox_ui)
             return()
         endif()
+        set(gui TRUE)
+    endif()
+    if(gui)
+        add_executable(${name} ${src} ${CMAKE_CURRENT_SOURCE_DIR}/tests/support/scriptedprompts.cpp)
         target_link_libraries(${name} PRIVATE quillbox_ui Qt6::Test)
     else()
+        add_executable(${name} ${src})
         target_link_libraries(${name} PRIVATE quillbox_core Qt6::Test)
+    endif()
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/tests)
+    target_compile_definitions(${name} PRIVATE QUILLBOX_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/tests/data"
+                                               QUILLBOX_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}"
+                                               QUILLBOX_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    if(area STREQUAL "cli")
+        add_dependencies(${name} qbx)
     endif()
     add_test(NAME ${area}/${name} COMMAND ${name})
     set_tests_properties(${area}/${name} PROPERTIES
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;QUILLBOX_TEST=1"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8"
         TIMEOUT 900)
 endfunction()
 

@@ -1,8 +1,8 @@
 // Feeds arbitrary bytes as a note of every type: its text, and the six
 // conversions, must not fail or crash; converting to plain text and reading
 // that gives the text of the note.
-#include "exchange/noteconverter.h"
-#include "exchange/notetext.h"
+#include "notes/noteconverter.h"
+#include "notes/notetext.h"
 
 #include <cstdint>
 #include <cstdlib>

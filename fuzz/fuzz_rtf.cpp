@@ -1,8 +1,8 @@
 // Feeds arbitrary bytes to the RTF reader. Whatever it reads, the writer must
 // write so that reading again gives the same text (control characters aside,
 // which the writer drops or spells as line breaks).
-#include "exchange/rtfreader.h"
-#include "exchange/rtfwriter.h"
+#include "notes/rtfreader.h"
+#include "notes/rtfwriter.h"
 
 #include <cstdint>
 #include <cstdlib>

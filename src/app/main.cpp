@@ -1,6 +1,6 @@
 #include "rows/iconset.h"
-#include "shell/mainwindow.h"
-#include "shell/singleinstance.h"
+#include "shell/app/mainwindow.h"
+#include "shell/app/singleinstance.h"
 
 #include <QApplication>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "cli/clicommand.h"
 #include "cli/documentloading.h"
 #include "cli/notetypes.h"
-#include "exchange/noteconverter.h"
+#include "notes/noteconverter.h"
 #include "platform/messages.h"
 
 namespace {

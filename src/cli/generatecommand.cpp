@@ -1,7 +1,7 @@
 #include "cli/clicommand.h"
 #include "cli/documentloading.h"
 #include "platform/messages.h"
-#include "storage/documentgenerator.h"
+#include "tools/documentgenerator.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include "cli/documentloading.h"
 #include "cli/notetypes.h"
 #include "cli/positions.h"
-#include "exchange/noteconverter.h"
+#include "notes/noteconverter.h"
 #include "exchange/textimport.h"
 #include "platform/messages.h"
 #include "storage/password.h"

@@ -1,7 +1,7 @@
 #include "exchange/textexport.h"
 
-#include "exchange/linktargets.h"
-#include "exchange/notetext.h"
+#include "model/linktargets.h"
+#include "notes/notetext.h"
 #include "model/document.h"
 #include "model/item.h"
 #include "model/treewalker.h"

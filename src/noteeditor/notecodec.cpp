@@ -1,10 +1,10 @@
 #include "noteeditor/notecodec.h"
 
-#include "exchange/notetext.h"
-#include "exchange/richink.h"
-#include "exchange/richtext.h"
-#include "exchange/rtfreader.h"
-#include "exchange/rtfwriter.h"
+#include "notes/notetext.h"
+#include "notes/richink.h"
+#include "notes/richtext.h"
+#include "notes/rtfreader.h"
+#include "notes/rtfwriter.h"
 
 #include <QTextBlock>
 #include <QTextCursor>

@@ -1,6 +1,6 @@
 #include "storage/documentfile.h"
 
-#include "exchange/noteconverter.h"
+#include "notes/noteconverter.h"
 #include "model/document.h"
 #include "platform/messages.h"
 #include "storage/bytereader.h"

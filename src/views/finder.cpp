@@ -1,6 +1,6 @@
 #include "views/finder.h"
 
-#include "exchange/notetext.h"
+#include "notes/notetext.h"
 #include "model/document.h"
 #include "platform/collation.h"
 #include "views/visibilityfilter.h"

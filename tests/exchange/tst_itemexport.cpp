@@ -1,5 +1,5 @@
 #include "exchange/itemexport.h"
-#include "exchangetest.h"
+#include "support/exchangetest.h"
 #include "model/document.h"
 #include "storage/documentfile.h"
 

@@ -1,6 +1,6 @@
 #include "exchange/textexport.h"
 #include "exchange/textimport.h"
-#include "exchangetest.h"
+#include "support/exchangetest.h"
 #include "model/item.h"
 
 #include <QTemporaryDir>

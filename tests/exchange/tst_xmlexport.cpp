@@ -1,5 +1,5 @@
 #include "exchange/xmlexport.h"
-#include "exchangetest.h"
+#include "support/exchangetest.h"
 #include "model/document.h"
 
 #include <QProcess>

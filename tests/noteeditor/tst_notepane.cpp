@@ -1,5 +1,5 @@
-#include "exchange/richink.h"
-#include "exchange/rtfreader.h"
+#include "notes/richink.h"
+#include "notes/rtfreader.h"
 #include "noteeditor/notepane.h"
 
 #include <QPlainTextEdit>

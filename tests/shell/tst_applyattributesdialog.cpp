@@ -1,8 +1,8 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "shell/applyattributesdialog.h"
-#include "shell/colourcombo.h"
-#include "shell/commandids.h"
+#include "shell/dialogs/applyattributesdialog.h"
+#include "shell/widgets/colourcombo.h"
+#include "shell/commands/commandids.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,7 +1,7 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "shell/branchview.h"
-#include "shell/commandids.h"
+#include "shell/document/branchview.h"
+#include "shell/commands/commandids.h"
 #include "views/viewrows.h"
 
 #include <QAction>

@@ -1,11 +1,11 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "exchange/notetext.h"
+#include "notes/notetext.h"
 #include "model/treewalker.h"
-#include "shell/commandids.h"
-#include "shell/itemexportdialog.h"
-#include "shell/nodetree.h"
-#include "shell/textexportdialog.h"
+#include "shell/commands/commandids.h"
+#include "shell/dialogs/itemexportdialog.h"
+#include "shell/widgets/nodetree.h"
+#include "shell/dialogs/textexportdialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>

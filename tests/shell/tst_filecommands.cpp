@@ -1,12 +1,12 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "exchange/notetext.h"
-#include "exchange/rtfreader.h"
-#include "exchange/rtfwriter.h"
+#include "notes/notetext.h"
+#include "notes/rtfreader.h"
+#include "notes/rtfwriter.h"
 #include "model/treewalker.h"
-#include "shell/commandids.h"
-#include "shell/convertnotesdialog.h"
-#include "shell/dialogcommands.h"
+#include "shell/commands/commandids.h"
+#include "shell/dialogs/convertnotesdialog.h"
+#include "shell/commands/dialogcommands.h"
 #include "storage/password.h"
 
 #include <QAction>

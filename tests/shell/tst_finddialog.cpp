@@ -1,10 +1,10 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "exchange/notetext.h"
+#include "notes/notetext.h"
 #include "model/editing.h"
-#include "shell/colourcombo.h"
-#include "shell/commandids.h"
-#include "shell/searchresultsdialog.h"
+#include "shell/widgets/colourcombo.h"
+#include "shell/commands/commandids.h"
+#include "shell/dialogs/searchresultsdialog.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -1,6 +1,6 @@
 #include "model/item.h"
-#include "shell/itemmenu.h"
-#include "shell/scriptedprompts.h"
+#include "shell/document/itemmenu.h"
+#include "support/scriptedprompts.h"
 
 #include <QMenu>
 #include <QTest>

@@ -1,13 +1,13 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "exchange/notetext.h"
-#include "exchange/rtfreader.h"
-#include "exchange/rtfwriter.h"
+#include "notes/notetext.h"
+#include "notes/rtfreader.h"
+#include "notes/rtfwriter.h"
 #include "model/childorder.h"
 #include "noteeditor/notepane.h"
-#include "shell/colourcombo.h"
-#include "shell/commandids.h"
-#include "shell/itempropertiesdialog.h"
+#include "shell/widgets/colourcombo.h"
+#include "shell/commands/commandids.h"
+#include "shell/dialogs/itempropertiesdialog.h"
 #include "storage/template.h"
 
 #include <QCheckBox>

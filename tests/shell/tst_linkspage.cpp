@@ -1,11 +1,11 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
 #include "model/editing.h"
-#include "shell/commandids.h"
-#include "shell/itempickerdialog.h"
-#include "shell/itempropertiesdialog.h"
-#include "shell/linkspage.h"
-#include "shell/nodetree.h"
+#include "shell/commands/commandids.h"
+#include "shell/dialogs/itempickerdialog.h"
+#include "shell/dialogs/itempropertiesdialog.h"
+#include "shell/dialogs/linkspage.h"
+#include "shell/widgets/nodetree.h"
 
 #include <QAction>
 #include <QTreeWidget>

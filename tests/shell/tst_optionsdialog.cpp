@@ -1,7 +1,7 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "shell/colourcombo.h"
-#include "shell/commandids.h"
+#include "shell/widgets/colourcombo.h"
+#include "shell/commands/commandids.h"
 
 #include <QCheckBox>
 #include <QComboBox>

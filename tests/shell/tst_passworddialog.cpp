@@ -1,7 +1,7 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "shell/commandids.h"
-#include "shell/passworddialog.h"
+#include "shell/commands/commandids.h"
+#include "shell/dialogs/passworddialog.h"
 #include "storage/password.h"
 
 #include <QLabel>

@@ -1,7 +1,7 @@
-#include "shellfixture.h"
+#include "support/shellfixture.h"
 
-#include "exchange/notetext.h"
-#include "shell/commandids.h"
+#include "notes/notetext.h"
+#include "shell/commands/commandids.h"
 #include "storage/templatefile.h"
 
 #include <QAction>

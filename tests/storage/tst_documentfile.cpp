@@ -1,7 +1,7 @@
-#include "filebytes.h"
+#include "support/filebytes.h"
 #include "model/document.h"
 #include "storage/documentfile.h"
-#include "storage/documentgenerator.h"
+#include "tools/documentgenerator.h"
 
 #include <QDir>
 #include <QFile>

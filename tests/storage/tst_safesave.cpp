@@ -1,6 +1,6 @@
 #include "model/document.h"
 #include "storage/documentfile.h"
-#include "storage/documentgenerator.h"
+#include "tools/documentgenerator.h"
 #include "storage/safesave.h"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "exchange/notetext.h"
+#include "notes/notetext.h"
 #include "platform/clock.h"
 #include "storage/templatefile.h"
 

@@ -1,5 +1,5 @@
-#include "outline.h"
-#include "randomtree.h"
+#include "support/outline.h"
+#include "support/randomtree.h"
 
 #include "model/editing.h"
 #include "views/applyattributes.h"

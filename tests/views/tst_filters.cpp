@@ -1,4 +1,4 @@
-#include "outline.h"
+#include "support/outline.h"
 
 #include "platform/collation.h"
 #include "views/viewrows.h"

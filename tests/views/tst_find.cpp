@@ -1,5 +1,5 @@
-#include "outline.h"
-#include "randomtree.h"
+#include "support/outline.h"
+#include "support/randomtree.h"
 
 #include "platform/collation.h"
 #include "views/finder.h"

@@ -1,5 +1,5 @@
-#include "outline.h"
-#include "randomtree.h"
+#include "support/outline.h"
+#include "support/randomtree.h"
 
 #include "model/childorder.h"
 #include "model/editing.h"

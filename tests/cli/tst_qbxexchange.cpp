@@ -1,0 +1,250 @@
+#include "support/exchangetest.h"
+#include "model/document.h"
+#include "storage/documentfile.h"
+#include "storage/settings.h"
+
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+struct Run {
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+using namespace ExchangeTest;
+
+} // namespace
+
+class TestQbxExchange : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void exportsTakeOptionsOrSettings();
+    void exportItemsAndBranch();
+    void importText();
+    void importDocumentConvertsNotes();
+    void convertNotes();
+    void failuresPrintTheMessage();
+
+private:
+    Run qbx(const QStringList &arguments, const QByteArray &input = QByteArray());
+    QString path(const QString &name) const { return m_dir->filePath(name); }
+    // R
+    //   a (done, note "hi")
+    //     b
+    //   c (done)
+    QString writeSample(quint16 noteType = Document::PlainText);
+    void writeSettings(const std::function<void(Settings &)> &change);
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+void TestQbxExchange::init()
+{
+    QVERIFY2(QFile::exists(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx")), "build the qbx target first");
+    m_dir = std::make_unique<QTemporaryDir>();
+}
+
+Run TestQbxExchange::qbx(const QStringList &arguments, const QByteArray &input)
+{
+    // The settings come from a store of the test's own, never the user's.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path(QStringLiteral("config")));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), arguments);
+    Run run;
+    if (!process.waitForStarted())
+        return run;
+    process.write(input);
+    process.closeWriteChannel();
+    process.waitForFinished(120000);
+    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
+}
+
+QString TestQbxExchange::writeSample(quint16 noteType)
+{
+    Document document;
+    document.noteType = noteType;
+    document.root()->setName(QStringLiteral("R"));
+    auto *a = new Item(QStringLiteral("a"));
+    auto *b = new Item(QStringLiteral("b"));
+    auto *c = new Item(QStringLiteral("c"));
+    document.root()->appendChild(a);
+    a->appendChild(b);
+    document.root()->appendChild(c);
+    a->storeProgress(100);
+    c->storeProgress(100);
+    if (noteType == Document::PlainText)
+        a->setNote(note(u"hi"));
+    else if (noteType == Document::RichText)
+        a->setNote("{\\rtf1 {\\b hi}}");
+    const QString file = path(QStringLiteral("doc.qbx"));
+    if (!DocumentFile::save(document, file))
+        qFatal("cannot write the sample");
+    return file;
+}
+
+void TestQbxExchange::writeSettings(const std::function<void(Settings &)> &change)
+{
+    QSettings store(path(QStringLiteral("config/Quillbox/Quillbox.conf")), QSettings::IniFormat);
+    Settings settings;
+    change(settings);
+    settings.save(store);
+    store.sync();
+}
+
+void TestQbxExchange::exportsTakeOptionsOrSettings()
+{
+    const QString doc = writeSample();
+    const QString out = path(QStringLiteral("out.txt"));
+
+    // Defaults with no settings stored: one space, ":", the code page.
+    QCOMPARE(qbx({"export", "view", doc, out}).status, 0);
+    QCOMPARE(readFile(out), QByteArray("R\r\n a\r\n  b\r\n c\r\n"));
+
+    writeSettings([](Settings &s) {
+        s.expViewSep = 1;
+        s.expOtherSep = 2;
+        s.xmlEncode = 1;
+    });
+    QCOMPARE(qbx({"export", "view", doc, out}).status, 0);
+    QCOMPARE(readFile(out), QByteArray("R\r\n\ta\r\n\t\tb\r\n\tc\r\n"));
+    QCOMPARE(qbx({"export", "links", doc, out}).status, 0);
+    QCOMPARE(readFile(out), QByteArray("R/a\r\n(None)\r\n\r\nR/a/b\r\n(None)\r\n\r\nR/c\r\n(None)\r\n\r\n"));
+    QCOMPARE(qbx({"export", "xml", doc, out}).status, 0);
+    QVERIFY(readFile(out).startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<ROOT Flags=\"2\""));
+
+    // Options win over the settings.
+    QCOMPARE(qbx({"export", "view", doc, out, "--indent", "0", "--unicode"}).status, 0);
+    QCOMPARE(readFile(out), QByteArray("\xff\xfe") + le(u"R\r\na\r\nb\r\nc\r\n"));
+    QCOMPARE(qbx({"export", "xml", doc, out, "--encoding", "2"}).status, 0);
+    QVERIFY(readFile(out).startsWith(QByteArray("\xff\xfe") + le(u"<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n")));
+
+    const Run bad = qbx({"export", "view", doc, out, "--indent", "7"});
+    QCOMPARE(bad.status, 2);
+    QVERIFY(bad.err.contains("--indent"));
+}
+
+void TestQbxExchange::exportItemsAndBranch()
+{
+    const QString doc = writeSample();
+    const QString part = path(QStringLiteral("part.qbx"));
+    // Picked items, deleted afterwards: the document file is saved.
+    Run run = qbx({"export", "items", doc, part, "--choice", "3", "--select", "2,3", "--delete"});
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.out, QByteArray("2 item(s) exported.\n"));
+    Document left;
+    QCOMPARE(DocumentFile::load(doc, &left), DocumentFile::Loaded);
+    QCOMPARE(describe(left.root()), QStringLiteral("R(a)"));
+
+    // Nothing matches now that c is gone and a is not picked.
+    QFile::remove(part);
+    run = qbx({"export", "items", doc, part, "--choice", "3", "--select", "0"});
+    QCOMPARE(run.status, 3);
+    QCOMPARE(run.err, QByteArray("There are no items that matched the export criteria. No file is created.\n"));
+    QVERIFY(!QFile::exists(part));
+
+    const QString branch = path(QStringLiteral("branch.qbx"));
+    QCOMPARE(qbx({"export", "branch", doc, "1", branch}).status, 0);
+    Document branchDoc;
+    QCOMPARE(DocumentFile::load(branch, &branchDoc), DocumentFile::Loaded);
+    QCOMPARE(describe(branchDoc.root()), QStringLiteral("a"));
+    QCOMPARE(qbx({"export", "branch", doc, "9", branch}).status, 2);
+}
+
+void TestQbxExchange::importText()
+{
+    const QString text = path(QStringLiteral("plan.txt"));
+    QFile file(text);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("Plan\r\n\tOne\r\n\t\tTwo\r\n");
+    file.close();
+
+    writeSettings([](Settings &s) { s.textImport = 0x00020007; });
+    Run run = qbx({"import", "text", text});
+    QCOMPARE(run.status, 0);
+    const QString doc = path(QStringLiteral("plan.qbx"));
+    QCOMPARE(run.out, doc.toUtf8() + "\n");
+    Document back;
+    QCOMPARE(DocumentFile::load(doc, &back), DocumentFile::Loaded);
+    QCOMPARE(back.noteType, quint16(2));
+    QCOMPARE(describe(back.root()), QStringLiteral("Plan(One(Two))"));
+    QCOMPARE(back.root()->child(0)->image(), quint16(7));
+
+    // An existing document is kept unless --force.
+    run = qbx({"import", "text", text, "--note-type", "plain", "--icon", "12"});
+    QCOMPARE(run.status, 3);
+    run = qbx({"import", "text", text, "--note-type", "plain", "--icon", "12", "--force"});
+    QCOMPARE(run.status, 0);
+    Document again;
+    QCOMPARE(DocumentFile::load(doc, &again), DocumentFile::Loaded);
+    QCOMPARE(again.root()->child(0)->image(), quint16(12));
+
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("Plan\r\nNo indent\r\n");
+    file.close();
+    QFile::remove(doc);
+    run = qbx({"import", "text", text});
+    QCOMPARE(run.status, 3);
+    QCOMPARE(run.err,
+             QByteArray("The format of the import text file is invalid. Please correct the file and try again.\n"));
+    QVERIFY(!QFile::exists(doc));
+}
+
+void TestQbxExchange::importDocumentConvertsNotes()
+{
+    const QString other = writeSample(Document::RichText);
+    const QString otherCopy = path(QStringLiteral("other.qbx"));
+    QVERIFY(QFile::rename(other, otherCopy));
+    const QString doc = writeSample(Document::PlainText);
+
+    QCOMPARE(qbx({"import", "doc", doc, otherCopy, "--into", "3"}).status, 0);
+    Document back;
+    QCOMPARE(DocumentFile::load(doc, &back), DocumentFile::Loaded);
+    const Item *c = back.root()->child(1);
+    QCOMPARE(c->name(), QStringLiteral("c"));
+    QCOMPARE(c->childCount(), 2);
+    // The imported rich-text note is now a plain-text note.
+    QCOMPARE(c->child(0)->note(), note(u"hi"));
+}
+
+void TestQbxExchange::convertNotes()
+{
+    const QString doc = writeSample(Document::PlainText);
+    Run run = qbx({"convert-notes", doc, "--to", "rich"});
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.out, QByteArray("Note conversion completed.\n"));
+    Document back;
+    QCOMPARE(DocumentFile::load(doc, &back), DocumentFile::Loaded);
+    QCOMPARE(back.noteType, quint16(2));
+    QCOMPARE(
+        back.root()->child(0)->note(),
+        QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}\r\n\\pard hi\\par\r\n}"));
+    QCOMPARE(qbx({"convert-notes", doc, "--to", "5"}).status, 2);
+}
+
+void TestQbxExchange::failuresPrintTheMessage()
+{
+    const QString doc = writeSample();
+    const QString missing = path(QStringLiteral("no/such/dir/out"));
+    const QByteArray exportFailed("Export has failed. Please make sure you have enough storage space and try again.\n");
+    const Run run = qbx({"export", "notes", doc, missing});
+    QCOMPARE(run.status, 5);
+    QCOMPARE(run.err, exportFailed);
+    const Run items = qbx({"export", "items", doc, missing, "--choice", "0"});
+    QCOMPARE(items.status, 5);
+    QVERIFY(items.err.startsWith("Item Export has failed. Please make sure you have enough storage space and try "
+                                 "again.\n"));
+}
+
+QTEST_GUILESS_MAIN(TestQbxExchange)
+#include "tst_qbxexchange.moc"

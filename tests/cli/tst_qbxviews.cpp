@@ -1,0 +1,245 @@
+#include "support/outline.h"
+
+#include "storage/documentfile.h"
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+struct Run {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+// Runs qbx in a fixed locale, so collation and long dates are known.
+Run qbx(const QStringList &arguments)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
+    environment.insert(QStringLiteral("LANG"), QStringLiteral("en_US.UTF-8"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), arguments);
+    Run run;
+    if (!process.waitForStarted() || !process.waitForFinished(120000))
+        return run;
+    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    run.out = QString::fromUtf8(process.readAllStandardOutput());
+    run.err = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+const char *const Sample = R"(
+Groceries | cat=Home pri=3 due=2024-03-05T09:00 exp
+  Milk | cat=Home pri=3 prog=100 note=full_cream
+  Bread | pri=5 due=2024-03-05T18:30 italic
+    Rye | cat=Home pri=1 st=2 prog=50
+Report | cat=Work pri=1 due=2024-03-04 col=4 noicon
+  Draft | cat=Work prog=0 st=0 note=First_DRAFT_notes
+  Review | cat=work pri=5 st=2 prog=10 auto
+)";
+
+} // namespace
+
+class TestQbxViews : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    int m_serial = 0;
+
+    QString save(Document &document)
+    {
+        const QString path = m_dir.filePath(QStringLiteral("doc%1.qbx").arg(++m_serial));
+        if (!DocumentFile::save(document, path))
+            qFatal("cannot save %s", qPrintable(path));
+        return path;
+    }
+
+    QString sample(bool hideCompleted = false)
+    {
+        Document document;
+        Outline::build(document.root(), Sample);
+        document.root()->setName(QStringLiteral("Week"));
+        document.hideCompleted = hideCompleted;
+        return save(document);
+    }
+
+private Q_SLOTS:
+    void initTestCase();
+    void view_data();
+    void view();
+    void find_data();
+    void find();
+    void badOptions_data();
+    void badOptions();
+    void applyWritesTheFileBack();
+};
+
+void TestQbxViews::initTestCase()
+{
+    QVERIFY2(QFile::exists(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx")), "build the qbx target first");
+}
+
+void TestQbxViews::view_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("hideCompleted");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("default view") << QStringList() << false
+                                  << "Week\n  Groceries\n    Milk\n    Bread\n      Rye\n  Report\n    Draft\n"
+                                     "    Review\n";
+    QTest::newRow("by category")
+        << QStringList{"--mode", "1"} << false
+        << "Week\n  [No Category]\n    Bread\n  Home\n    Groceries\n    Milk\n    Rye\n  work\n    Review\n"
+           "  Work\n    Draft\n    Report\n";
+    QTest::newRow("by due date, descending")
+        << QStringList{"--mode", "2", "--descending"} << false
+        << "Week\n  [No Task/Due Date]\n    Rye\n    Review\n    Milk\n    Draft\n"
+           "  Tuesday, March 5, 2024\n    Groceries\n    Bread\n  Monday, March 4, 2024\n    Report\n";
+    QTest::newRow("by priority, by percent complete")
+        << QStringList{"--mode", "3", "--order", "3"} << true
+        << "Week\n  Priority 1\n    Report\n    Rye\n  Priority 3\n    Groceries\n  Priority 5\n    Bread\n"
+           "    Review\n  Priority 10\n    Draft\n";
+    QTest::newRow("by percent complete")
+        << QStringList{"--mode", "4"} << false
+        << "Week\n  0%\n    Bread\n    Draft\n    Groceries\n    Report\n  10%\n    Review\n  50%\n    Rye\n"
+           "  100%\n    Milk\n";
+}
+
+void TestQbxViews::view()
+{
+    QFETCH(QStringList, options);
+    QFETCH(bool, hideCompleted);
+    QFETCH(QString, expected);
+    const Run run = qbx(QStringList{QStringLiteral("view"), sample(hideCompleted)} + options);
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.out, expected);
+}
+
+void TestQbxViews::find_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("hideCompleted");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("expected");
+    auto row = [](const char *tag, const QStringList &options, const char *expected) {
+        QTest::newRow(tag) << options << false << 0 << QString::fromUtf8(expected);
+    };
+    row("everything", {}, "1\tGroceries\n2\tMilk\n3\tBread\n4\tRye\n5\tReport\n6\tDraft\n7\tReview\n");
+    row("name", {"--name", "r"}, "1\tGroceries\n3\tBread\n5\tReport\n6\tDraft\n");
+    row("name without case", {"--name", "R", "--case-insensitive"},
+        "1\tGroceries\n3\tBread\n4\tRye\n5\tReport\n6\tDraft\n7\tReview\n");
+    row("priority", {"--priority", "5"}, "3\tBread\n7\tReview\n");
+    row("category keeps case", {"--category", "work", "--case-insensitive"}, "7\tReview\n");
+    row("due on a day", {"--due", "eq", "2024-03-05"}, "1\tGroceries\n3\tBread\n");
+    row("due before", {"--due", "lt", "2024-03-05"}, "5\tReport\n");
+    row("due after", {"--due", "gt", "2024-03-04"}, "1\tGroceries\n3\tBread\n");
+    row("note without case", {"--note", "draft", "--case-insensitive"}, "6\tDraft\n");
+    row("completed", {"--completed"}, "2\tMilk\n");
+    row("colour", {"--colour", "4"}, "5\tReport\n");
+    row("italic", {"--italic", "yes"}, "3\tBread\n");
+    row("icon hidden", {"--show-icon", "no"}, "5\tReport\n");
+    row("combined", {"--category", "Home", "--not-started", "--name", "o"}, "1\tGroceries\n");
+    // Matches hidden by the document's filters are not listed; when none is
+    // left, nothing matched.
+    QTest::newRow("only hidden matches") << QStringList{"--completed"} << true << 1 << QString();
+}
+
+void TestQbxViews::find()
+{
+    QFETCH(QStringList, options);
+    QFETCH(bool, hideCompleted);
+    QFETCH(int, status);
+    QFETCH(QString, expected);
+    const Run run = qbx(QStringList{QStringLiteral("find"), sample(hideCompleted)} + options);
+    QCOMPARE(run.status, status);
+    QCOMPARE(run.out, expected);
+    QCOMPARE(run.err, status ? QStringLiteral("No item matched the search criteria.\n") : QString());
+}
+
+void TestQbxViews::badOptions_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("priority 21") << QStringList{"find", "--priority", "21"};
+    QTest::newRow("due operator") << QStringList{"find", "--due", "le", "2024-01-01"};
+    QTest::newRow("due date") << QStringList{"find", "--due", "eq", "2024-02-30"};
+    QTest::newRow("italic maybe") << QStringList{"find", "--italic", "maybe"};
+    QTest::newRow("both progress options") << QStringList{"find", "--completed", "--not-started"};
+    QTest::newRow("mode 5") << QStringList{"view", "--mode", "5"};
+    QTest::newRow("order 6") << QStringList{"view", "--order", "6"};
+    QTest::newRow("apply without target") << QStringList{"apply", "--priority", "2"};
+    QTest::newRow("apply past the end") << QStringList{"apply", "--to", "8", "--priority", "2"};
+    QTest::newRow("apply to a leaf") << QStringList{"apply", "--to", "2", "--priority", "2"};
+    QTest::newRow("apply progress 101") << QStringList{"apply", "--to", "1", "--progress", "101"};
+    QTest::newRow("apply status") << QStringList{"apply", "--to", "1", "--status", "box"};
+}
+
+void TestQbxViews::badOptions()
+{
+    QFETCH(QStringList, arguments);
+    const QString path = sample();
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+    arguments.insert(1, path);
+    const Run run = qbx(arguments);
+    QCOMPARE(run.status, 2);
+    QVERIFY(run.err.startsWith(QStringLiteral("qbx: ")));
+    QCOMPARE(run.out, QString());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), before);
+}
+
+void TestQbxViews::applyWritesTheFileBack()
+{
+    const QString path = sample();
+    Run run = qbx(QStringList{"apply", path, "--to", "1", "--priority", "7", "--category", "Errands", "--progress",
+                              "100", "--italic", "yes"});
+    QCOMPARE(run.err, QString());
+    QCOMPARE(run.status, 0);
+    {
+        Document document;
+        QCOMPARE(DocumentFile::load(path, &document), DocumentFile::Loaded);
+        const Item *groceries = Outline::find(document.root(), QStringLiteral("Groceries"));
+        const Item *bread = Outline::find(document.root(), QStringLiteral("Bread"));
+        const Item *rye = Outline::find(document.root(), QStringLiteral("Rye"));
+        // The item itself and, without --all-subitems, its grandchildren
+        // keep their attributes.
+        QCOMPARE(groceries->priority(), 3);
+        QCOMPARE(groceries->category(), QStringLiteral("Home"));
+        QCOMPARE(bread->priority(), 7);
+        QCOMPARE(bread->category(), QStringLiteral("Errands"));
+        QVERIFY(bread->isItalic());
+        QCOMPARE(rye->priority(), 1);
+        QVERIFY(!rye->isItalic());
+        QVERIFY(document.categories.contains(QStringLiteral("Errands")));
+        QCOMPARE(Outline::find(document.root(), QStringLiteral("Report"))->priority(), 1);
+    }
+
+    // With every sub-item, the whole branch below the item changes and
+    // nothing outside it.
+    run = qbx(QStringList{"apply", path, "--to", "1", "--all-subitems", "--colour", "9", "--status", "progressbar",
+                          "--show-icon", "no"});
+    QCOMPARE(run.status, 0);
+    Document document;
+    QCOMPARE(DocumentFile::load(path, &document), DocumentFile::Loaded);
+    for (const char *name : {"Milk", "Bread", "Rye"}) {
+        const Item *item = Outline::find(document.root(), QLatin1String(name));
+        QCOMPARE(item->colour(), 9);
+        QCOMPARE(item->statusType(), 2);
+        QVERIFY(!item->showIcon());
+    }
+    QCOMPARE(Outline::find(document.root(), QStringLiteral("Groceries"))->colour(), 0);
+    QCOMPARE(Outline::find(document.root(), QStringLiteral("Draft"))->colour(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestQbxViews)
+#include "tst_qbxviews.moc"

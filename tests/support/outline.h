@@ -1,0 +1,109 @@
+#pragma once
+
+// Test helpers: a note tree written as an indented outline, two spaces a
+// level, each line "name" or "name | field=value ...". Fields: cat, pri,
+// due (YYYY-MM-DD or YYYY-MM-DDTHH:MM), prog, st (status type), col, sort,
+// desc (descending), auto, italic, noicon, exp (expanded), note (plain text,
+// '_' for spaces).
+
+#include "notes/notetext.h"
+#include "model/document.h"
+#include "model/treewalker.h"
+
+#include <QDateTime>
+#include <QRegularExpression>
+#include <QStringList>
+#include <vector>
+
+namespace Outline {
+
+inline SystemTime date(const QString &text)
+{
+    QDateTime time = QDateTime::fromString(text, Qt::ISODate);
+    if (!time.isValid())
+        time = QDateTime(QDate::fromString(text, Qt::ISODate), QTime(0, 0));
+    return SystemTime::fromDateTime(time);
+}
+
+inline void setFields(Item *item, const QString &fields)
+{
+    const QStringList parts = fields.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &part : parts) {
+        const QString key = part.section(QLatin1Char('='), 0, 0);
+        const QString value = part.section(QLatin1Char('='), 1);
+        if (key == QLatin1String("cat"))
+            item->setCategory(value);
+        else if (key == QLatin1String("pri"))
+            item->setPriority(value.toUShort());
+        else if (key == QLatin1String("due"))
+            item->setDueDate(date(value));
+        else if (key == QLatin1String("prog"))
+            item->storeProgress(value.toUShort());
+        else if (key == QLatin1String("st"))
+            item->setStatusType(value.toUShort());
+        else if (key == QLatin1String("col"))
+            item->setColour(value.toUShort());
+        else if (key == QLatin1String("sort"))
+            item->setSort(value.toUShort());
+        else if (key == QLatin1String("desc"))
+            item->setAscending(false);
+        else if (key == QLatin1String("auto"))
+            item->setAutoProgress(true);
+        else if (key == QLatin1String("italic"))
+            item->setItalic(true);
+        else if (key == QLatin1String("noicon"))
+            item->setShowIcon(false);
+        else if (key == QLatin1String("note"))
+            item->setNote(NoteText::toPlainNote(QString(value).replace(QLatin1Char('_'), QLatin1Char(' '))));
+        else if (key != QLatin1String("exp"))
+            qFatal("unknown outline field %s", qPrintable(key));
+    }
+}
+
+/// Appends the outline's items under root, in order.
+inline void build(TreeNode *root, const char *outline)
+{
+    std::vector<TreeNode *> parents{root};
+    std::vector<Item *> expand;
+    const QStringList lines = QString::fromUtf8(outline).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
+        qsizetype spaces = 0;
+        while (spaces < line.size() && line[spaces] == QLatin1Char(' '))
+            ++spaces;
+        const size_t level = size_t(spaces / 2) + 1;
+        if (level > parents.size())
+            qFatal("outline skips a level: %s", qPrintable(line));
+        parents.resize(level);
+        const QString body = line.mid(spaces);
+        auto *item = new Item(body.section(QLatin1Char('|'), 0, 0).trimmed());
+        setFields(item, body.section(QLatin1Char('|'), 1));
+        if (body.section(QLatin1Char('|'), 1).contains(QLatin1String("exp")))
+            expand.push_back(item);
+        parents.back()->appendChild(item);
+        parents.push_back(item);
+    }
+    for (Item *item : expand)
+        item->setExpanded(true);
+}
+
+/// The first item of that name, in pre-order.
+inline Item *find(const TreeNode *root, const QString &name)
+{
+    TreeWalker walker(root);
+    while (Item *item = walker.next()) {
+        if (item->name() == name)
+            return item;
+    }
+    qFatal("no item named %s", qPrintable(name));
+    return nullptr;
+}
+
+inline QStringList names(const std::vector<Item *> &items)
+{
+    QStringList out;
+    for (const Item *item : items)
+        out.append(item->name());
+    return out;
+}
+
+} // namespace Outline

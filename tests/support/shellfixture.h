@@ -1,0 +1,119 @@
+#pragma once
+
+#include "model/document.h"
+#include "shell/document/documentview.h"
+#include "shell/app/mainwindow.h"
+#include "support/scriptedprompts.h"
+#include "shell/document/treepane.h"
+#include "storage/documentfile.h"
+
+#include <QAbstractButton>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+// A main window on a folder and settings file of the test's own, with every
+// question answered by ScriptedPrompts, and the helpers the dialog tests
+// share.
+struct ShellFixture {
+    QTemporaryDir dir;
+    ScriptedPrompts prompts;
+    std::unique_ptr<MainWindow> window;
+
+    ShellFixture()
+    {
+        ShellEnvironment environment;
+        environment.documentsFolder = dir.path();
+        environment.settingsFile = dir.filePath(QStringLiteral("settings.ini"));
+        environment.prompts = &prompts;
+        window = std::make_unique<MainWindow>(environment);
+        window->start(QString());
+    }
+
+    /// Writes the document to the fixture's folder and opens it.
+    DocumentView *open(std::unique_ptr<Document> document, const QString &name = QStringLiteral("test.qbx"))
+    {
+        document->path = dir.filePath(name);
+        if (!DocumentFile::save(*document) || !window->openDocument(document->path))
+            return nullptr;
+        return window->view();
+    }
+
+    DocumentView *view() const { return window->view(); }
+    Document *document() const { return window->view()->document(); }
+
+    /// The item at a path of child indexes below the root.
+    Item *at(std::initializer_list<int> path) const
+    {
+        TreeNode *node = document()->root();
+        Item *item = nullptr;
+        for (int index : path)
+            node = item = node->child(index);
+        return item;
+    }
+
+    void select(TreeNode *node) const { window->view()->refresh(node); }
+    TreeNode *current() const { return window->view()->treePane()->currentNode(); }
+
+    /// Runs a command and the dialog scripts queued for it.
+    void run(int command) { window->runCommand(command); }
+
+    QList<QString> shownTexts() const
+    {
+        QList<QString> texts;
+        for (const auto &s : prompts.shown)
+            texts.append(s.text);
+        return texts;
+    }
+};
+
+/// Builds a small tree quickly: add(parent, "name") appends an Item.
+inline Item *add(TreeNode *parent, const QString &name)
+{
+    auto *item = new Item(name);
+    parent->appendChild(item);
+    return item;
+}
+
+template <typename T> T *child(QWidget *parent, const char *name)
+{
+    T *widget = parent->findChild<T *>(QString::fromLatin1(name));
+    if (!widget)
+        qWarning("no widget named %s", name);
+    return widget;
+}
+
+/// Presses OK (or another standard button) of a dialog's button box.
+inline void press(QDialog *dialog, QDialogButtonBox::StandardButton which = QDialogButtonBox::Ok)
+{
+    const auto boxes = dialog->findChildren<QDialogButtonBox *>();
+    for (QDialogButtonBox *box : boxes) {
+        if (QPushButton *button = box->button(which)) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            return;
+        }
+    }
+    qWarning("no such button");
+}
+
+/// Clicks a check box or radio button on its indicator, where a click
+/// counts whatever the width of the button.
+inline void clickButton(QAbstractButton *button)
+{
+    QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(button->height() / 2, button->height() / 2));
+}
+
+/// With QUILLBOX_SCREENSHOTS set to a folder, saves a picture of the widget
+/// there for a person to look at.
+inline void screenshot(QWidget *widget, const QString &name)
+{
+    const QString folder = qEnvironmentVariable("QUILLBOX_SCREENSHOTS");
+    if (folder.isEmpty())
+        return;
+    QDir().mkpath(folder);
+    widget->grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
+}
