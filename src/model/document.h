@@ -31,7 +31,6 @@ public:
     TreeNode *root() const { return m_root.get(); }
     /// Replaces the tree; the current node becomes the new root.
     void setRoot(std::unique_ptr<TreeNode> root);
-    std::unique_ptr<TreeNode> takeRoot();
 
     /// The selected node; the root when nothing else is.
     TreeNode *current() const { return m_current ? m_current : m_root.get(); }

@@ -37,15 +37,7 @@ BranchView::BranchView(Document *document, Item *top, const Settings *settings, 
     m_rows = std::make_unique<ViewRows>(*document, top);
     m_tree = new TreePane(this);
     m_tree->setObjectName(QStringLiteral("branchTree"));
-    RowStyle style;
-    if (settings) {
-        style.fontSize = settings->fontSize;
-        style.flags = settings->flags;
-        style.prgColour = settings->prgColour;
-    }
-    style.showDueDate = document->showDueDate;
-    style.showStatistics = document->showStatistics;
-    m_tree->setRowStyle(style);
+    m_tree->setRowStyle(settings, *document);
     m_tree->setBaseLevel(-1);
     m_tree->setRows(m_rows.get());
     m_tree->rowsChanged(0);

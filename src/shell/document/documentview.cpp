@@ -77,15 +77,7 @@ DocumentView::~DocumentView() = default;
 
 void DocumentView::applyRowStyle()
 {
-    RowStyle style;
-    if (m_settings) {
-        style.fontSize = m_settings->fontSize;
-        style.flags = m_settings->flags;
-        style.prgColour = m_settings->prgColour;
-    }
-    style.showDueDate = m_document->showDueDate;
-    style.showStatistics = m_document->showStatistics;
-    m_tree->setRowStyle(style);
+    m_tree->setRowStyle(m_settings, *m_document);
 }
 
 TreeNode *DocumentView::currentNode() const
