@@ -127,7 +127,8 @@ CalDavCalendar::Answer CalDavCalendar::send(const QByteArray &verb, const QUrl &
             loop.exec(QEventLoop::ExcludeUserInputEvents);
     }
     answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    answer.body = reply->readAll();
+    if (reply->isReadable())
+        answer.body = reply->readAll();
     answer.location = url.resolved(QUrl::fromEncoded(reply->rawHeader("Location")));
     if (answer.status == 0)
         answer.networkError = reply->errorString();
