@@ -68,7 +68,13 @@ public:
             }
             QThread::msleep(50);
         }
-        const int status = request("MKCALENDAR", calendarUrl(), QByteArray());
+        return makeCalendar(QStringLiteral("tasks"), error);
+    }
+
+    /// A new calendar of alice's, made as a CalDAV client makes one.
+    bool makeCalendar(const QString &name, QString *error)
+    {
+        const int status = request("MKCALENDAR", calendarUrl(name), QByteArray());
         if (status != 201) {
             *error = QStringLiteral("MKCALENDAR answered %1").arg(status);
             return false;
@@ -92,7 +98,10 @@ public:
     {
         return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_port).arg(path));
     }
-    QUrl calendarUrl() const { return url(QStringLiteral("/alice/tasks/")); }
+    QUrl calendarUrl(const QString &name = QStringLiteral("tasks")) const
+    {
+        return url(QStringLiteral("/alice/%1/").arg(name));
+    }
 
     /// A request as another CalDAV client would send it, as alice; the HTTP status.
     int request(const QByteArray &verb, const QUrl &target, const QByteArray &body,
@@ -115,10 +124,10 @@ public:
     }
 
     /// The objects that arrived in the calendar, read from the server's own storage.
-    QList<QByteArray> storedObjects() const
+    QList<QByteArray> storedObjects(const QString &name = QStringLiteral("tasks")) const
     {
         QList<QByteArray> objects;
-        const QDir dir(storage() + QStringLiteral("/collection-root/alice/tasks"));
+        const QDir dir(storage() + QStringLiteral("/collection-root/alice/") + name);
         for (const QString &name : dir.entryList({QStringLiteral("*.ics")}, QDir::Files, QDir::Name)) {
             QFile file(dir.filePath(name));
             if (file.open(QIODevice::ReadOnly))
