@@ -31,8 +31,8 @@ int run(const QStringList &arguments)
     if (parser.isSet(QStringLiteral("store"))) {
         const QString password =
             QProcessEnvironment::systemEnvironment().value(QStringLiteral("QUILLBOX_CALDAV_PASSWORD"));
-        store = CalendarStore::open(parser.value(QStringLiteral("store")), parser.value(QStringLiteral("user")),
-                                    password);
+        store =
+            CalendarStore::open(parser.value(QStringLiteral("store")), parser.value(QStringLiteral("user")), password);
     }
     OptionValues::Output out;
     const QStringList list = CalendarStore::categoryList(document, bool(store), store.get());

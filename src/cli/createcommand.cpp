@@ -56,8 +56,8 @@ int run(const QStringList &arguments)
     }
 
     const QString password = QProcessEnvironment::systemEnvironment().value(QStringLiteral("QUILLBOX_CALDAV_PASSWORD"));
-    const std::unique_ptr<CalendarStore> store = CalendarStore::open(
-        parser.value(QStringLiteral("store")), parser.value(QStringLiteral("user")), password);
+    const std::unique_ptr<CalendarStore> store =
+        CalendarStore::open(parser.value(QStringLiteral("store")), parser.value(QStringLiteral("user")), password);
     QString error;
     if (!store->connect(&error)) {
         QTextStream(stderr) << QString::fromUtf8(Messages::CalendarUnreachable).arg(error) << "\n";

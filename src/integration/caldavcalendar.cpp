@@ -20,8 +20,8 @@ QByteArray queryFor(const char *component)
     return QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
                       "<C:calendar-query xmlns:D=\"DAV:\" xmlns:C=\"urn:ietf:params:xml:ns:caldav\">"
                       "<D:prop><C:calendar-data/></D:prop>"
-                      "<C:filter><C:comp-filter name=\"VCALENDAR\"><C:comp-filter name=\"")
-        + component + "\"/></C:comp-filter></C:filter></C:calendar-query>";
+                      "<C:filter><C:comp-filter name=\"VCALENDAR\"><C:comp-filter name=\"") +
+           component + "\"/></C:comp-filter></C:filter></C:calendar-query>";
 }
 
 // The calendar-data of every response of a multistatus answer.
@@ -31,8 +31,8 @@ QList<QByteArray> calendarData(const QByteArray &multistatus)
     QXmlStreamReader xml(multistatus);
     while (!xml.atEnd()) {
         xml.readNext();
-        if (xml.isStartElement() && xml.namespaceUri() == CalDavNamespace
-            && xml.name() == QLatin1String("calendar-data")) {
+        if (xml.isStartElement() && xml.namespaceUri() == CalDavNamespace &&
+            xml.name() == QLatin1String("calendar-data")) {
             const QString text = xml.readElementText();
             if (!text.trimmed().isEmpty())
                 objects.append(text.toUtf8());
@@ -53,8 +53,8 @@ bool isCalendar(const QByteArray &multistatus)
                 inResourceType = true;
             else if (inResourceType && xml.namespaceUri() == CalDavNamespace && xml.name() == QLatin1String("calendar"))
                 return true;
-        } else if (xml.isEndElement() && xml.namespaceUri() == DavNamespace
-                   && xml.name() == QLatin1String("resourcetype")) {
+        } else if (xml.isEndElement() && xml.namespaceUri() == DavNamespace &&
+                   xml.name() == QLatin1String("resourcetype")) {
             inResourceType = false;
         }
     }
@@ -82,15 +82,14 @@ CalDavCalendar::CalDavCalendar(const QUrl &collection, const QString &user, cons
 
 QUrl CalDavCalendar::objectUrl(const QString &uid) const
 {
-    return m_collection.resolved(
-        QUrl(QString::fromLatin1(QUrl::toPercentEncoding(uid + QLatin1String(".ics"), "@"))));
+    return m_collection.resolved(QUrl(QString::fromLatin1(QUrl::toPercentEncoding(uid + QLatin1String(".ics"), "@"))));
 }
 
 bool CalDavCalendar::usable(QString *error) const
 {
     const QString scheme = m_collection.scheme().toLower();
-    if (!m_collection.isValid() || m_collection.host().isEmpty()
-        || (scheme != QLatin1String("http") && scheme != QLatin1String("https"))) {
+    if (!m_collection.isValid() || m_collection.host().isEmpty() ||
+        (scheme != QLatin1String("http") && scheme != QLatin1String("https"))) {
         *error = QString::fromUtf8(Messages::CalendarBadAddress).arg(location());
         return false;
     }
@@ -122,7 +121,7 @@ CalDavCalendar::Answer CalDavCalendar::send(const QByteArray &verb, const QUrl &
             answer.timedOut = true;
             reply->abort();
         });
-        timer.start(m_timeout);
+        timer.start(timeout());
         if (!reply->isFinished())
             loop.exec(QEventLoop::ExcludeUserInputEvents);
     }
@@ -144,7 +143,7 @@ bool CalDavCalendar::accepted(const Answer &answer, std::initializer_list<int> e
     const QString where = url.toDisplayString();
     const auto message = [](const char *text) { return QString::fromUtf8(text); };
     if (answer.timedOut)
-        *error = message(Messages::CalendarTimeout).arg(where).arg((m_timeout + 999) / 1000);
+        *error = message(Messages::CalendarTimeout).arg(where).arg((timeout() + 999) / 1000);
     else if (answer.status == 0)
         *error = message(Messages::CalendarNoConnection).arg(where, answer.networkError);
     else if (answer.status >= 300 && answer.status < 400)
@@ -168,8 +167,8 @@ bool CalDavCalendar::connect(QString *error)
         return false;
     const QByteArray body = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
                             "<D:propfind xmlns:D=\"DAV:\"><D:prop><D:resourcetype/></D:prop></D:propfind>";
-    const Answer answer = send("PROPFIND", m_collection, body,
-                               {{"Depth", "0"}, {"Content-Type", "application/xml; charset=utf-8"}});
+    const Answer answer =
+        send("PROPFIND", m_collection, body, {{"Depth", "0"}, {"Content-Type", "application/xml; charset=utf-8"}});
     if (!accepted(answer, {207}, m_collection, error))
         return false;
     if (!isCalendar(answer.body)) {

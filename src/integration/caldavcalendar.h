@@ -24,9 +24,6 @@ public:
     /// A calendar-query REPORT for the tasks, then one for the events.
     bool fetchObjects(QList<QByteArray> *objects, QString *error) override;
 
-    /// How long one request may take, in milliseconds (30 s unless set).
-    void setTimeout(int milliseconds) { m_timeout = milliseconds; }
-
     /// The address of an object in the collection.
     QUrl objectUrl(const QString &uid) const;
 
@@ -47,6 +44,5 @@ private:
     QUrl m_collection;
     QString m_user;
     QString m_password;
-    int m_timeout = 30000;
     QNetworkAccessManager m_network;
 };

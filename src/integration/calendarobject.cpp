@@ -69,7 +69,9 @@ QByteArray fromItem(const Item &item, quint16 noteType, Kind kind, const QString
     icalcomponent_add_property(object, icalproperty_new_uid(utf8(uid).constData()));
     icalcomponent_add_property(object, icalproperty_new_dtstamp(utcOf(stamp)));
     icalcomponent_add_property(object, icalproperty_new_summary(utf8(item.name()).constData()));
-    if (item.hasDueDate()) {
+    // A damaged file may hold a month 13 or a day 32: such a date is left out
+    // rather than written as a date no calendar can read.
+    if (item.hasDueDate() && item.dueDate().toDate().isValid()) {
         const icaltimetype date = dateOf(item.dueDate());
         icalcomponent_add_property(object, kind == Task ? icalproperty_new_due(date) : icalproperty_new_dtstart(date));
     }

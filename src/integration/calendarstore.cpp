@@ -70,8 +70,8 @@ QStringList CalendarStore::categoryList(const Document &document, bool useStoreC
 
 bool CalendarStore::isCalDavAddress(const QString &location)
 {
-    return location.startsWith(QLatin1String("http://"), Qt::CaseInsensitive)
-        || location.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
+    return location.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+           location.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
 }
 
 std::unique_ptr<CalendarStore> CalendarStore::open(const QString &location, const QString &user,

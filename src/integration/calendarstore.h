@@ -73,4 +73,12 @@ public:
     /// $XDG_DATA_HOME/quillbox/calendar/ (~/.local/share/quillbox/calendar/).
     static QString defaultFolder();
     static bool isCalDavAddress(const QString &location);
+
+    /// How long one request to a server may take, in milliseconds; a folder
+    /// does not wait. 30 s unless set.
+    void setTimeout(int milliseconds) { m_timeout = milliseconds; }
+    int timeout() const { return m_timeout; }
+
+private:
+    int m_timeout = 30000;
 };

@@ -7,9 +7,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-FolderCalendar::FolderCalendar(const QString &folder) : m_folder(folder)
-{
-}
+FolderCalendar::FolderCalendar(const QString &folder) : m_folder(folder) {}
 
 bool FolderCalendar::connect(QString *error)
 {

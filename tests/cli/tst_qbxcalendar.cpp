@@ -107,8 +107,8 @@ void TestQbxCalendar::folderStore()
     run = qbx({"create", "task", m_path, "--to", "1", "--store", "http://192.0.2.1/cal/"});
     QCOMPARE(run.status, 6);
     QCOMPARE(run.err, QString::fromUtf8(Messages::CalendarUnreachable)
-                              .arg(QString::fromUtf8(Messages::CalendarHttpsRequired).arg("http://192.0.2.1/cal/"))
-                          + QLatin1Char('\n'));
+                              .arg(QString::fromUtf8(Messages::CalendarHttpsRequired).arg("http://192.0.2.1/cal/")) +
+                          QLatin1Char('\n'));
     run = qbx({"create", "task", m_path, "--to", "9", "--store", folder});
     QCOMPARE(run.status, 2);
 }

@@ -94,10 +94,14 @@ void TestCalDav::categoriesOfTasksAndEvents()
     QVERIFY2(m_server.makeCalendar(QStringLiteral("mixed"), &error), qPrintable(error));
     const QByteArray type = "text/calendar; charset=utf-8";
     const auto put = [&](const char *name, const char *component, const char *categories) {
-        const QByteArray ics = QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:") + component
-            + "\r\nUID:" + name + "\r\nDTSTAMP:20240101T000000Z\r\nDTSTART;VALUE=DATE:20240101\r\nSUMMARY:s\r\n"
-            + categories + "END:" + component + "\r\nEND:VCALENDAR\r\n";
-        return m_server.request("PUT", m_server.calendarUrl(QStringLiteral("mixed")).resolved(QUrl(QLatin1String(name) + QLatin1String(".ics"))), ics, type);
+        const QByteArray ics = QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:") +
+                               component + "\r\nUID:" + name +
+                               "\r\nDTSTAMP:20240101T000000Z\r\nDTSTART;VALUE=DATE:20240101\r\nSUMMARY:s\r\n" +
+                               categories + "END:" + component + "\r\nEND:VCALENDAR\r\n";
+        return m_server.request(
+            "PUT",
+            m_server.calendarUrl(QStringLiteral("mixed")).resolved(QUrl(QLatin1String(name) + QLatin1String(".ics"))),
+            ics, type);
     };
     QCOMPARE(put("t1", "VTODO", "CATEGORIES:Work,Calls\r\n"), 201);
     QCOMPARE(put("e1", "VEVENT", "CATEGORIES:home\r\n"), 201);
@@ -127,7 +131,8 @@ void TestCalDav::refusals()
 
     CalDavCalendar missing = store(QStringLiteral("nothing"));
     QVERIFY(!missing.connect(&error));
-    QCOMPARE(error, message(Messages::CalendarNotFound).arg(m_server.calendarUrl(QStringLiteral("nothing")).toString()));
+    QCOMPARE(error,
+             message(Messages::CalendarNotFound).arg(m_server.calendarUrl(QStringLiteral("nothing")).toString()));
 
     CalDavCalendar calendar = store();
     const QByteArray ics = CalendarObject::fromItem(item, 0, CalendarObject::Task, QStringLiteral("twice"),

@@ -85,7 +85,10 @@ public:
             }
         });
     }
-    QString url(const char *path) const { return QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(QLatin1String(path)); }
+    QString url(const char *path) const
+    {
+        return QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(QLatin1String(path));
+    }
 
 private:
     QTcpServer m_server;
@@ -96,8 +99,8 @@ private:
 QByteArray response(const char *statusLine, const QByteArray &extraHeaders = QByteArray(),
                     const QByteArray &body = QByteArray())
 {
-    return QByteArray("HTTP/1.1 ") + statusLine + "\r\n" + extraHeaders + "Content-Length: "
-        + QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
+    return QByteArray("HTTP/1.1 ") + statusLine + "\r\n" + extraHeaders +
+           "Content-Length: " + QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
 }
 
 QString message(const char *text)
@@ -141,9 +144,9 @@ void TestCalendarStore::objectBytes()
     item.setDueDate(Outline::date(QStringLiteral("2024-03-05T09:30")));
     item.setCategory(QStringLiteral("Phone calls"));
     item.setNote(NoteText::toPlainNote(QStringLiteral("Bring the list;\nand the keys")));
-    const QByteArray ics = CalendarObject::fromItem(item, Document::PlainText, CalendarObject::Task,
-                                                    QStringLiteral("u1@test"),
-                                                    QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5), Qt::UTC));
+    const QByteArray ics =
+        CalendarObject::fromItem(item, Document::PlainText, CalendarObject::Task, QStringLiteral("u1@test"),
+                                 QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5), Qt::UTC));
     QCOMPARE(ics, QByteArray("BEGIN:VCALENDAR\r\n"
                              "VERSION:2.0\r\n"
                              "PRODID:-//Quillbox//Quillbox " QUILLBOX_VERSION "//EN\r\n"
@@ -166,14 +169,24 @@ void TestCalendarStore::mapping_data()
     QTest::addColumn<QString>("category");
     QTest::addColumn<QString>("note");
 
-    QTest::newRow("task with everything") << int(CalendarObject::Task) << 0 << "2024-03-05" << "Home"
+    QTest::newRow("task with everything") << int(CalendarObject::Task) << 0 << "2024-03-05"
+                                          << "Home"
                                           << "two\nlines";
-    QTest::newRow("appointment with everything")
-        << int(CalendarObject::Appointment) << 0 << "2024-12-31T23:59" << "Büro später" << "x";
-    QTest::newRow("task without date, category or note") << int(CalendarObject::Task) << 0 << "" << "" << "";
-    QTest::newRow("appointment without date") << int(CalendarObject::Appointment) << 0 << "" << "" << "";
-    QTest::newRow("rich text note") << int(CalendarObject::Appointment) << 2 << "" << "" << "Bold\nplain";
-    QTest::newRow("rich ink note") << int(CalendarObject::Task) << 1 << "" << "" << "ink\ntext";
+    QTest::newRow("appointment with everything") << int(CalendarObject::Appointment) << 0 << "2024-12-31T23:59"
+                                                 << "Büro später"
+                                                 << "x";
+    QTest::newRow("task without date, category or note") << int(CalendarObject::Task) << 0 << ""
+                                                         << ""
+                                                         << "";
+    QTest::newRow("appointment without date") << int(CalendarObject::Appointment) << 0 << ""
+                                              << ""
+                                              << "";
+    QTest::newRow("rich text note") << int(CalendarObject::Appointment) << 2 << ""
+                                    << ""
+                                    << "Bold\nplain";
+    QTest::newRow("rich ink note") << int(CalendarObject::Task) << 1 << ""
+                                   << ""
+                                   << "ink\ntext";
 }
 
 void TestCalendarStore::mapping()
@@ -325,7 +338,8 @@ void TestCalendarStore::caldavRefusals_data()
                     "<prop><resourcetype><collection/></resourcetype></prop><status>HTTP/1.1 200 OK</status>"
                     "</propstat></response></multistatus>")
         << message(Messages::CalendarNotACalendar);
-    QTest::newRow("no answer") << QByteArray() << message(Messages::CalendarTimeout).arg(QStringLiteral("%1"), QStringLiteral("1"));
+    QTest::newRow("no answer") << QByteArray()
+                               << message(Messages::CalendarTimeout).arg(QStringLiteral("%1"), QStringLiteral("1"));
 }
 
 void TestCalendarStore::caldavRefusals()

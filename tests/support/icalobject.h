@@ -66,11 +66,11 @@ struct IcalObject {
             if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_ATTACH_PROPERTY)) {
                 icalattach *attach = icalproperty_get_attach(p);
                 if (attach && !icalattach_get_is_url(attach))
-                    object.attachment = QByteArray::fromBase64(
-                        reinterpret_cast<const char *>(icalattach_get_data(attach)));
+                    object.attachment =
+                        QByteArray::fromBase64(reinterpret_cast<const char *>(icalattach_get_data(attach)));
                 if (icalparameter *e = icalproperty_get_first_parameter(p, ICAL_ENCODING_PARAMETER))
-                    object.attachmentEncoding = QString::fromUtf8(icalparameter_enum_to_string(
-                        icalparameter_get_encoding(e)));
+                    object.attachmentEncoding =
+                        QString::fromUtf8(icalparameter_enum_to_string(icalparameter_get_encoding(e)));
             }
         }
         icalcomponent_free(calendar);

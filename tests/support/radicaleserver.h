@@ -94,10 +94,7 @@ public:
     }
 
     quint16 port() const { return m_port; }
-    QUrl url(const QString &path) const
-    {
-        return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_port).arg(path));
-    }
+    QUrl url(const QString &path) const { return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_port).arg(path)); }
     QUrl calendarUrl(const QString &name = QStringLiteral("tasks")) const
     {
         return url(QStringLiteral("/alice/%1/").arg(name));
@@ -109,8 +106,7 @@ public:
     {
         QNetworkAccessManager network;
         QNetworkRequest request(target);
-        request.setRawHeader("Authorization",
-                             "Basic " + QByteArray(User).append(':').append(Password).toBase64());
+        request.setRawHeader("Authorization", "Basic " + QByteArray(User).append(':').append(Password).toBase64());
         if (!contentType.isEmpty())
             request.setRawHeader("Content-Type", contentType);
         QNetworkReply *reply = network.sendCustomRequest(request, verb, body);
