@@ -53,7 +53,10 @@ public:
                               .arg(m_port)
                               .arg(users, storage())
                               .toUtf8());
+        // Its log goes to a file: a pipe nobody reads could fill and stall it.
+        const QString log = m_dir.filePath(QStringLiteral("log"));
         m_process.setProcessChannelMode(QProcess::MergedChannels);
+        m_process.setStandardOutputFile(log);
         m_process.start(program(), {QStringLiteral("--config"), config});
         if (!m_process.waitForStarted()) {
             *error = QStringLiteral("radicale does not start: ") + m_process.errorString();
@@ -63,7 +66,9 @@ public:
         waited.start();
         while (!accepts()) {
             if (m_process.state() != QProcess::Running || waited.elapsed() > 20000) {
-                *error = QStringLiteral("radicale does not listen: ") + QString::fromUtf8(m_process.readAll());
+                QFile output(log);
+                output.open(QIODevice::ReadOnly);
+                *error = QStringLiteral("radicale does not listen: ") + QString::fromUtf8(output.readAll());
                 return false;
             }
             QThread::msleep(50);
