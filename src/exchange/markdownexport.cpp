@@ -108,7 +108,7 @@ void writeItem(Output &out, const Item &item, int depth, quint16 noteType)
     if (!name.isEmpty())
         out << u" " << MarkdownExport::escape(name);
     else if (item.statusType() != Item::CheckBox && item.statusType() != Item::ProgressBar)
-        out << u" <!-- -->"; // an empty list item would end before its note
+        out << u" <span></span>"; // an empty list item would end before its note; a comment would open an HTML block
     for (const QString &link : item.links()) {
         if (!Item::isItemLink(link) && !link.isEmpty())
             writeLink(out, link);
@@ -134,10 +134,11 @@ QString MarkdownExport::escape(QStringView text)
     while (tail > begin && (text[tail - 1] == QLatin1Char(' ') || text[tail - 1] == QLatin1Char('\t')))
         --tail;
 
-    // What would open a block at the start of a line: a heading, a list
-    // item, a thematic break or a setext underline.
+    // What would open a block at the start of a line: a list item, a
+    // thematic break or a setext underline ("#" is escaped everywhere, as a
+    // heading's closing sequence ends it).
     qsizetype i = begin;
-    if (i < tail && QStringView(u"#-+=").contains(text[i])) {
+    if (i < tail && QStringView(u"-+=").contains(text[i])) {
         out += QLatin1Char('\\');
     } else {
         qsizetype digits = i;
@@ -153,7 +154,7 @@ QString MarkdownExport::escape(QStringView text)
     // strike-through and tables that common dialects add.
     for (; i < tail; ++i) {
         const QChar c = text[i];
-        if (QStringView(u"\\`*_[]<>&~|!").contains(c))
+        if (QStringView(u"\\`*_[]<>&~|!#").contains(c))
             out += QLatin1Char('\\');
         out += c;
     }

@@ -47,12 +47,8 @@ QString inlineText(cmark_node *block, QStringList *links, bool dropRepeats)
         case CMARK_NODE_CODE:
             text += literal(node);
             break;
-        case CMARK_NODE_HTML_INLINE: {
-            const QString html = literal(node);
-            if (!html.startsWith(QLatin1String("<!--")))
-                text += html;
+        case CMARK_NODE_HTML_INLINE: // markup, like emphasis
             break;
-        }
         case CMARK_NODE_SOFTBREAK:
         case CMARK_NODE_LINEBREAK:
             text += QLatin1Char('\n');

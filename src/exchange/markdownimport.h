@@ -14,7 +14,8 @@ class TreeNode;
 /// progress bar, neither no status. Everything else inside the item
 /// (further paragraphs, code, quotes) becomes its note, paragraphs apart by
 /// a blank line. A link's address joins the item's links; its text stays in
-/// the name or note unless it only repeats the address.
+/// the name or note unless it only repeats the address. Emphasis, code
+/// spans and inline HTML tags are markup: their text stays, they do not.
 ///
 /// Headings are levels: each is an Item under the nearest heading of a
 /// higher level, holding the lists and paragraphs that follow it. A heading
