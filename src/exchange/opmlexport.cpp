@@ -75,8 +75,23 @@ void writeOutline(QXmlStreamWriter &xml, const Item &item, quint16 noteType)
 
 bool OpmlExport::write(QIODevice &out, const TreeNode *root, const Options &options)
 {
-    QXmlStreamWriter xml(&out);
-    xml.writeStartDocument();
+    // The writer fills a string that goes to the device as UTF-8 whenever a
+    // piece of it is full: far fewer, larger writes than a writer on the
+    // device itself makes. A writer on a string declares no encoding, so the
+    // declaration is written here.
+    static constexpr qsizetype PieceSize = 1 << 16;
+    QString piece;
+    piece.reserve(PieceSize + 4096);
+    const auto flush = [&out, &piece] {
+        const QByteArray bytes = piece.toUtf8();
+        piece.resize(0);
+        return out.write(bytes) == bytes.size();
+    };
+    const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+    if (out.write(declaration) != declaration.size())
+        return false;
+
+    QXmlStreamWriter xml(&piece);
     newLine(xml, 0);
     xml.writeStartElement(QStringLiteral("opml"));
     xml.writeAttribute(QStringLiteral("version"), QStringLiteral("2.0"));
@@ -101,6 +116,8 @@ bool OpmlExport::write(QIODevice &out, const TreeNode *root, const Options &opti
         writeOutline(xml, *item, options.noteType);
         if (item->hasChildren())
             ++open;
+        if (piece.size() >= PieceSize && !flush())
+            return false;
     }
     for (; open > 0; --open) {
         newLine(xml, open + 1);
@@ -111,7 +128,7 @@ bool OpmlExport::write(QIODevice &out, const TreeNode *root, const Options &opti
     newLine(xml, 0);
     xml.writeEndElement(); // opml
     xml.writeEndDocument();
-    return !xml.hasError();
+    return !xml.hasError() && flush();
 }
 
 bool OpmlExport::exportOpml(const QString &path, const TreeNode *root, const Options &options, QString *error)
