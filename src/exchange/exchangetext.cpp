@@ -42,7 +42,11 @@ int xmlCharAt(const QString &text, qsizetype i)
 
 QString xmlSafe(const QString &text)
 {
+    // Nearly every text is clean: a plain scan finds the first doubtful unit.
+    const char16_t *data = reinterpret_cast<const char16_t *>(text.constData());
     qsizetype i = 0;
+    while (i < text.size() && data[i] >= 0x20 && data[i] < 0xd800)
+        ++i;
     for (int n; i < text.size() && (n = xmlCharAt(text, i)) != 0; i += n) {
     }
     if (i == text.size())

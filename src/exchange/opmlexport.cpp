@@ -30,10 +30,10 @@ void newLine(QXmlStreamWriter &xml, int level)
 
 QString isoDate(const SystemTime &date)
 {
-    return QStringLiteral("%1-%2-%3")
-        .arg(date.year, 4, 10, QLatin1Char('0'))
-        .arg(date.month, 2, 10, QLatin1Char('0'))
-        .arg(date.day, 2, 10, QLatin1Char('0'));
+    const auto digit = [](int value) { return QChar(u'0' + value % 10); };
+    const QChar text[] = {digit(date.year / 1000), digit(date.year / 100), digit(date.year / 10), digit(date.year),
+                          u'-', digit(date.month / 10), digit(date.month), u'-', digit(date.day / 10), digit(date.day)};
+    return QString(text, 10);
 }
 
 void writeOutline(QXmlStreamWriter &xml, const Item &item, quint16 noteType)
