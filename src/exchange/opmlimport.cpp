@@ -47,8 +47,9 @@ Item *makeItem(const QXmlStreamAttributes &attributes, const OpmlImport::Options
                const SystemTime &now)
 {
     // Outliners that know no text attribute name their rows by title.
-    const QStringView name = attributes.hasAttribute(QLatin1String("text")) ? attributes.value(QLatin1String("text"))
-                                                                           : attributes.value(QLatin1String("title"));
+    QStringView name = attributes.value(QLatin1String("text"));
+    if (name.isEmpty())
+        name = attributes.value(QLatin1String("title"));
     auto *item = new Item(name.toString(), options.icon, now);
     const QStringView note = attributes.value(QLatin1String("_note"));
     if (!note.isEmpty())

@@ -9,7 +9,7 @@ class TreeNode;
 /// Import of an OPML outline, as outliners and feed readers write it. The
 /// head's title names the root; every <outline> becomes an Item in its place,
 /// whatever else surrounds it. An outline's name is its text attribute, or
-/// its title when it has no text; the attributes OpmlExport writes are read
+/// its title when the text is missing or empty; the attributes OpmlExport writes are read
 /// back, as are "_complete" and "complete" set to "true" (a checked box) and
 /// the addresses in url, xmlUrl and htmlUrl (kept as links). Other attributes
 /// and elements are ignored. HTML's named character entities (&nbsp;,

@@ -112,7 +112,7 @@ void TestOpml::importsWhatOtherOutlinersWrite_data()
     QTest::newRow("feed list: title instead of text, feed addresses")
         << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<opml version=\"1.0\"><head>"
                       "<title>My feeds</title><dateCreated>Mon, 02 Jan 2006 10:00:00 GMT</dateCreated></head><body>"
-                      "<outline title=\"News \xe9t\xe9\"><outline type=\"rss\" text=\"Example\" "
+                      "<outline title=\"News \xe9t\xe9\" text=\"\"><outline type=\"rss\" text=\"Example\" title=\"Other\" "
                       "xmlUrl=\"https://example.org/feed.xml\" htmlUrl=\"https://example.org/\"/></outline>"
                       "</body></opml>")
         << ok << "My feeds"
