@@ -15,7 +15,9 @@ class TreeNode;
 /// indented under its item, after a blank line; its lines end in hard breaks.
 /// Everything the user typed is escaped, so a name like "1. *x*" shows as it
 /// stands; spaces at the start or end of a line are kept as character
-/// references. UTF-8, LF line ends.
+/// references. An item with neither a name nor a status holds an empty
+/// <span></span>, since an empty list item cannot hold a note. UTF-8, LF
+/// line ends.
 class MarkdownExport {
 public:
     enum class Result {
