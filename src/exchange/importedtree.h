@@ -1,6 +1,8 @@
 #pragma once
 
+#include "model/childorder.h"
 #include "model/document.h"
+#include "model/progress.h"
 
 /// The step every outline import shares when it joins an existing document:
 /// the outline is read into a scratch tree, whose categories a scratch
@@ -9,7 +11,9 @@ namespace ImportedTree {
 
 /// Runs read(root, categoryOwner) on a scratch tree; when it returns ok the
 /// scratch Items become the last children of target and their new categories
-/// join the document's list. The document is untouched otherwise.
+/// join the document's list, and target settles as after a document import:
+/// its automatic progress rolls up, a sorted order takes the new children in,
+/// and it opens. The document is untouched otherwise.
 template <typename Result, typename Read> Result into(Document *document, TreeNode *target, Read read, Result ok)
 {
     Document scratch;
@@ -25,6 +29,9 @@ template <typename Result, typename Read> Result into(Document *document, TreeNo
         root.takeChild(root.childCount() - 1);
     for (Item *item : imported)
         target->appendChild(item);
+    Progress::rollUp(target);
+    ChildOrder::sortAgain(target);
+    target->setExpanded(true);
     return result;
 }
 

@@ -213,7 +213,8 @@ void TestOpml::importIntoIsAllOrNothing()
     const QString good = dir.filePath(QStringLiteral("good.opml"));
     const QString bad = dir.filePath(QStringLiteral("bad.opml"));
     QVERIFY(writeFile(good, "<opml version=\"2.0\"><head><title>Ignored</title></head><body>"
-                            "<outline text=\"n\" _category=\"New\" _note=\"x\"><outline text=\"m\"/></outline>"
+                            "<outline text=\"n\" _category=\"New\" _note=\"x\" _status=\"checked\"><outline text=\"m\"/>"
+                            "</outline>"
                             "</body></opml>"));
     QVERIFY(writeFile(bad, "<opml version=\"2.0\"><body><outline text=\"n\" _category=\"Other\"/><outline>"
                            "</body></opml>"));
@@ -222,6 +223,8 @@ void TestOpml::importIntoIsAllOrNothing()
     document.root()->setName(QStringLiteral("R"));
     auto *a = new Item(QStringLiteral("a"));
     a->setCategory(document.collectCategory(QStringLiteral("Old")));
+    a->setStatusType(Item::ProgressBar);
+    a->setAutoProgress(true);
     document.root()->appendChild(a);
     a->appendChild(new Item(QStringLiteral("b")));
     const QString before = TreeSummary::of(document.root(), 2);
@@ -230,9 +233,11 @@ void TestOpml::importIntoIsAllOrNothing()
     QCOMPARE(TreeSummary::of(document.root(), 2), before);
     QCOMPARE(document.categories, QStringList{QStringLiteral("Old")});
 
-    // The notes take the document's type, whatever the options say.
+    // The notes take the document's type, whatever the options say; the
+    // target's automatic progress counts the new children, and it opens.
     QCOMPARE(OpmlImport::importInto(good, &document, a, {}), OpmlImport::Result::Ok);
-    QCOMPARE(TreeSummary::of(document.root(), 2), QString("1 a@Old\n2 b\n2 n@New{x}\n3 m\n"));
+    QCOMPARE(TreeSummary::of(document.root(), 2), QString("1 a[50%]@Old\n2 b\n2 n[x]@New{x}\n3 m\n"));
+    QVERIFY(a->isExpanded());
     QCOMPARE(document.root()->name(), QStringLiteral("R"));
     QCOMPARE(document.categories, (QStringList{QStringLiteral("Old"), QStringLiteral("New")}));
 }
