@@ -249,8 +249,9 @@ void MainWindow::buildViewMenus()
                            {"actionFileProperties", "actionConvertNotes", "", "actionSaveAs"}));
     tools->addSeparator();
     tools->addMenu(addMenu(QStringLiteral("Import/Export"), "menuImportExport",
-                           {"actionImportFile", "", "actionExportView", "actionExportXml", "actionExportLinks",
-                            "actionExportNotes", "", "actionExportItems"}));
+                           {"actionImportFile", "actionImportOutline", "", "actionExportView", "actionExportXml",
+                            "actionExportLinks", "actionExportNotes", "", "actionExportItems", "", "actionExportOpml",
+                            "actionExportMarkdown"}));
     tools->addSeparator();
     tools->addAction(command(QStringLiteral("actionOptions")));
     tools->addAction(command(QStringLiteral("actionItemTemplates")));
