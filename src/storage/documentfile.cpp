@@ -9,6 +9,7 @@
 #include "storage/safesave.h"
 
 #include <QFile>
+#include <new>
 #include <QHash>
 #include <QStandardPaths>
 #include <memory>
@@ -585,17 +586,28 @@ DocumentFile::LoadResult DocumentFile::load(const QString &path, Document *docum
     const LoadResult opened = openForReading(path, &file);
     if (opened != Loaded)
         return opened;
-    ByteReader in(&file, file.size());
-    const LoadResult result = loadFrom(in, document);
-    if (result == Loaded)
-        document->path = path;
-    return result;
+    // Running out of memory ends the load like a damaged file, never the
+    // program; the counts in the file are checked before anything is
+    // allocated, so this takes a file that is large and whole.
+    try {
+        ByteReader in(&file, file.size());
+        const LoadResult result = loadFrom(in, document);
+        if (result == Loaded)
+            document->path = path;
+        return result;
+    } catch (const std::bad_alloc &) {
+        return Damaged;
+    }
 }
 
 DocumentFile::LoadResult DocumentFile::loadFromBytes(const QByteArray &bytes, Document *document)
 {
-    ByteReader in(bytes);
-    return loadFrom(in, document);
+    try {
+        ByteReader in(bytes);
+        return loadFrom(in, document);
+    } catch (const std::bad_alloc &) {
+        return Damaged;
+    }
 }
 
 QByteArray DocumentFile::toBytes(const Document &document)
@@ -607,7 +619,7 @@ QByteArray DocumentFile::toBytes(const Document &document)
     return out.bytes();
 }
 
-bool DocumentFile::save(const Document &document, const QString &path, QString *error)
+bool DocumentFile::save(const Document &document, const QString &path, QString *error, const QString &source)
 {
     if (!document.root())
         return true;
@@ -618,7 +630,7 @@ bool DocumentFile::save(const Document &document, const QString &path, QString *
             ByteWriter out(&device);
             return writeDocument(out, document);
         },
-        error);
+        error, SafeSave::Options{source});
 }
 
 QByteArray DocumentFile::branchToBytes(const Document &document, const TreeNode *node)
@@ -636,10 +648,20 @@ bool DocumentFile::saveBranch(const Document &document, const TreeNode *node, co
             ByteWriter out(&device);
             return writeBranch(out, document, node);
         },
-        error);
+        error, SafeSave::Options{document.path});
 }
 
 DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *target, const QString &path,
+                                                  const PasswordPrompt &askPassword, const NoteConverter &convertNotes)
+{
+    try {
+        return importFile(document, target, path, askPassword, convertNotes);
+    } catch (const std::bad_alloc &) {
+        return Damaged; // nothing joined the document: the items move in only at the end
+    }
+}
+
+DocumentFile::LoadResult DocumentFile::importFile(Document *document, TreeNode *target, const QString &path,
                                                   const PasswordPrompt &askPassword, const NoteConverter &convertNotes)
 {
     QFile file;
