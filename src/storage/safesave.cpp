@@ -147,13 +147,18 @@ bool copyContent(int from, int to)
     return ::ftruncate(to, total) == 0;
 }
 
+// The process's umask, read without changing it where the system allows.
 mode_t currentUmask()
 {
-    static const mode_t mask = [] {
-        const mode_t m = ::umask(022);
-        ::umask(m);
-        return m;
-    }();
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly)) {
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith("Umask:"))
+                return mode_t(line.mid(6).trimmed().toUInt(nullptr, 8));
+        }
+    }
+    const mode_t mask = ::umask(022);
+    ::umask(mask);
     return mask;
 }
 
