@@ -23,19 +23,20 @@ QString ask(QTextStream &in, const char *prompt)
 {
     if (!::isatty(STDIN_FILENO))
         return readLine(in);
-    QTextStream err(stderr);
-    err << prompt << " " << Qt::flush;
+    // Echo goes off before the prompt shows, and nothing typed ahead is
+    // thrown away.
     termios saved;
     const bool quiet = ::tcgetattr(STDIN_FILENO, &saved) == 0;
     if (quiet) {
         termios silent = saved;
         silent.c_lflag &= ~tcflag_t(ECHO);
         silent.c_lflag |= ECHONL;
-        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &silent);
     }
+    QTextStream(stderr) << prompt << " " << Qt::flush;
     const QString line = readLine(in);
     if (quiet)
-        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &saved);
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &saved);
     return line;
 }
 
