@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <algorithm>
+
 #ifdef Q_OS_UNIX
 #include <cerrno>
 #include <csignal>
@@ -510,9 +512,15 @@ int SafeSave::removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     int removed = 0;
     for (const QString &name : names) {
-        // Only ".<name>.XXXXXX.part": a longer name belongs to another document.
+        // Only ".<name>.XXXXXX.part" (earlier versions wrote eight letters):
+        // a longer name belongs to another document.
         const qsizetype tagLength = name.size() - prefix.size() - TempSuffix.size();
-        if (tagLength != 6 || !name.startsWith(prefix))
+        if ((tagLength != 6 && tagLength != 8) || !name.startsWith(prefix))
+            continue;
+        const QStringView tag = QStringView(name).sliced(prefix.size(), tagLength);
+        if (!std::all_of(tag.begin(), tag.end(), [](QChar c) {
+                return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
+            }))
             continue;
         const QByteArray path = encoded(folder.filePath(name));
         struct stat st;

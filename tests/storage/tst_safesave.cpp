@@ -363,6 +363,8 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
     };
     leftover(".a.qbx.old111.part", 2 * 24 * 3600);     // older than a day
     leftover(".a.qbx.gone22.part", 10 * 60);           // no one holds it
+    leftover(".a.qbx.olderv88.part", 2 * 24 * 3600);   // an earlier version's eight letters
+    leftover(".a.qbx.OLD999.part", 2 * 24 * 3600);     // not a tag this program writes
     leftover(".a.qbx.fresh3.part", 5);                 // may be a save just begun
     leftover(".a.qbx.held44.part", 10 * 60);           // a save in progress holds it
     leftover(".ab.qbx.old555.part", 2 * 24 * 3600);    // another document's
@@ -376,7 +378,8 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
     QVERIFY(SafeSave::write(path, QByteArray("new")));
     ::close(held);
     QCOMPARE(filesIn(dir.path()),
-             QStringList({QStringLiteral(".a.qbx.fresh3.part"), QStringLiteral(".a.qbx.held44.part"),
+             QStringList({QStringLiteral(".a.qbx.OLD999.part"), QStringLiteral(".a.qbx.fresh3.part"),
+                          QStringLiteral(".a.qbx.held44.part"),
                           QStringLiteral(".a.qbx.old777.backup"), QStringLiteral(".a.qbx.x.old666.part"),
                           QStringLiteral(".ab.qbx.old555.part"), QStringLiteral("a.qbx")}));
 }
