@@ -37,8 +37,8 @@ bool DocumentLock::lock(int timeoutMs, QString *error)
         return true;
     const auto busy = [&] {
         if (error)
-            *error = QStringLiteral("%1 is being changed by another program; try again when it is done")
-                         .arg(m_document);
+            *error =
+                QStringLiteral("%1 is being changed by another program; try again when it is done").arg(m_document);
         return false;
     };
     m_lockFile = std::make_unique<QLockFile>(lockPath(m_document));

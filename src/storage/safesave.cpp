@@ -284,8 +284,7 @@ bool prepareTarget(const QString &path, const SafeSave::Options &options, Target
         target->exists = true;
         if (!S_ISREG(target->info.st_mode)) {
             return fail(error,
-                        S_ISDIR(target->info.st_mode) ? SafeSave::Failure::IsDirectory
-                                                      : SafeSave::Failure::NotRegular,
+                        S_ISDIR(target->info.st_mode) ? SafeSave::Failure::IsDirectory : SafeSave::Failure::NotRegular,
                         QStringLiteral("%1: %2").arg(target->path, kindOf(target->info.st_mode)));
         }
     } else if (errno != ENOENT) {
@@ -422,7 +421,8 @@ bool writeInPlace(const Target &target, const SafeSave::Writer &writer, QString 
         if (restored)
             ::unlink(backupName.constData());
         if (failure <= 0)
-            return fail(error, SafeSave::Failure::Abandoned, QStringLiteral("%1: the save was abandoned").arg(target.path));
+            return fail(error, SafeSave::Failure::Abandoned,
+                        QStringLiteral("%1: the save was abandoned").arg(target.path));
         QString text = QStringLiteral("%1: %2").arg(target.path, reasonOf(failure));
         if (!restored)
             text += QStringLiteral("; the old content is kept in %1").arg(backupPath);
@@ -507,8 +507,8 @@ int SafeSave::removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds
     const QFileInfo info(target);
     const QString prefix = QLatin1Char('.') + info.fileName() + QLatin1Char('.');
     QDir folder(info.absolutePath());
-    const QStringList names = folder.entryList({prefix + QLatin1String("*") + TempSuffix},
-                                               QDir::Files | QDir::Hidden | QDir::System);
+    const QStringList names =
+        folder.entryList({prefix + QLatin1String("*") + TempSuffix}, QDir::Files | QDir::Hidden | QDir::System);
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     int removed = 0;
     for (const QString &name : names) {
@@ -519,7 +519,8 @@ int SafeSave::removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds
             continue;
         const QStringView tag = QStringView(name).sliced(prefix.size(), tagLength);
         if (!std::all_of(tag.begin(), tag.end(), [](QChar c) {
-                return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
+                return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) ||
+                       (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
             }))
             continue;
         const QByteArray path = encoded(folder.filePath(name));

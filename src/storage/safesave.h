@@ -56,8 +56,7 @@ public:
 
     static bool write(const QString &path, const QByteArray &bytes, QString *error = nullptr,
                       const Options &options = {});
-    static bool write(const QString &path, const Writer &writer, QString *error = nullptr,
-                      const Options &options = {});
+    static bool write(const QString &path, const Writer &writer, QString *error = nullptr, const Options &options = {});
 
     /// The kind of the last failed write() on this thread (None after a success).
     static Failure lastFailure();

@@ -108,8 +108,7 @@ void TestQbxSave::deviceTargets_data()
     QTest::addColumn<QStringList>("arguments"); // DOC and OUT stand for the paths
     QTest::addColumn<QString>("target");
     QTest::newRow("resave onto /dev/full") << QStringList{"resave", "DOC", "OUT"} << "/dev/full";
-    QTest::newRow("branch export onto /dev/full") << QStringList{"export", "branch", "DOC", "1", "OUT"}
-                                                  << "/dev/full";
+    QTest::newRow("branch export onto /dev/full") << QStringList{"export", "branch", "DOC", "1", "OUT"} << "/dev/full";
     QTest::newRow("XML export onto /dev/full") << QStringList{"export", "xml", "DOC", "OUT"} << "/dev/full";
     QTest::newRow("notes export onto a FIFO") << QStringList{"export", "notes", "DOC", "OUT"} << "FIFO";
     QTest::newRow("items export onto a FIFO")
@@ -226,12 +225,13 @@ void TestQbxSave::heldDocumentTimesOut()
     const QByteArray before = readAll(path);
     DocumentLock lock(path);
     QVERIFY(lock.lock(0));
-    const QStringList apply{QStringLiteral("apply"), path, QStringLiteral("--to"), QStringLiteral("1"),
+    const QStringList apply{QStringLiteral("apply"),      path,
+                            QStringLiteral("--to"),       QStringLiteral("1"),
                             QStringLiteral("--priority"), QStringLiteral("3")};
     const Run waited = qbx(apply, QString(), 1);
     QCOMPARE(waited.status, 6);
-    QCOMPARE(waited.err, "qbx: " + QFile::encodeName(path) +
-                             " is being changed by another program; try again when it is done\n");
+    QCOMPARE(waited.err,
+             "qbx: " + QFile::encodeName(path) + " is being changed by another program; try again when it is done\n");
     QCOMPARE(readAll(path), before);
     lock.unlock();
     QCOMPARE(qbx(apply, QString(), 1).status, 0);
@@ -244,9 +244,9 @@ void TestQbxSave::exportWithDeleteSaysWhatStayed()
     // The last item in file order has no children: it goes.
     const QString path = document(QStringLiteral("partial.qbx"));
     const QString out = m_dir.filePath(QStringLiteral("partial-out.qbx"));
-    const Run kept = qbx({QStringLiteral("export"), QStringLiteral("items"), path, out, QStringLiteral("--choice"),
-                          QStringLiteral("3"), QStringLiteral("--select"), QStringLiteral("1,30"),
-                          QStringLiteral("--delete")});
+    const Run kept =
+        qbx({QStringLiteral("export"), QStringLiteral("items"), path, out, QStringLiteral("--choice"),
+             QStringLiteral("3"), QStringLiteral("--select"), QStringLiteral("1,30"), QStringLiteral("--delete")});
     QCOMPARE(kept.status, 0);
     QCOMPARE(kept.out, QByteArray("2 item(s) exported. 1 exported item(s) stayed in the document because they "
                                   "hold items that were not exported.\n"));
@@ -261,8 +261,8 @@ void TestQbxSave::passwordOnATerminal()
         QSKIP("the script tool, which gives qbx a terminal, is not installed");
     const QString path = document(QStringLiteral("password.qbx"));
     QProcess process;
-    process.start(script, {QStringLiteral("-qec"), qbxPath() + QStringLiteral(" password ") + path,
-                           QStringLiteral("/dev/null")});
+    process.start(
+        script, {QStringLiteral("-qec"), qbxPath() + QStringLiteral(" password ") + path, QStringLiteral("/dev/null")});
     QVERIFY(process.waitForStarted());
     // Each line only once its prompt is there, as a person would type it.
     QByteArray seen;

@@ -1,7 +1,7 @@
 #include "model/document.h"
 #include "storage/documentfile.h"
-#include "tools/documentgenerator.h"
 #include "storage/safesave.h"
+#include "tools/documentgenerator.h"
 
 #include <QDir>
 #include <QFile>
@@ -132,19 +132,26 @@ void TestSafeSave::refusedTargets_data()
     QTest::addColumn<QString>("says");
 
     using F = SafeSave::Failure;
-    QTest::newRow("device") << "" << "/dev/null" << int(F::NotRegular) << "/dev/null: is a device";
-    QTest::newRow("FIFO") << "fifo" << "pipe" << int(F::NotRegular) << "pipe: is a FIFO";
-    QTest::newRow("link chain to a FIFO") << "fifo" << "link2" << int(F::NotRegular) << "pipe: is a FIFO";
-    QTest::newRow("directory") << "folder" << "sub" << int(F::IsDirectory) << "sub: is a directory";
-    QTest::newRow("folder missing") << "" << "missing/a.qbx" << int(F::FolderMissing)
-                                    << "missing/a.qbx: folder missing";
-    QTest::newRow("link loop") << "loop" << "loop1" << int(F::LinkLoop) << "loop1: too many links";
-    QTest::newRow("the source itself") << "source" << "doc.qbx" << int(F::SameAsSource)
-                                       << "doc.qbx: is the document being read";
-    QTest::newRow("the source through a link") << "source" << "link.qbx" << int(F::SameAsSource)
-                                               << "link.qbx: is the document being read";
-    QTest::newRow("the source by a hard link") << "source" << "hard.qbx" << int(F::SameAsSource)
-                                               << "hard.qbx: is the document being read";
+    QTest::newRow("device") << ""
+                            << "/dev/null" << int(F::NotRegular) << "/dev/null: is a device";
+    QTest::newRow("FIFO") << "fifo"
+                          << "pipe" << int(F::NotRegular) << "pipe: is a FIFO";
+    QTest::newRow("link chain to a FIFO") << "fifo"
+                                          << "link2" << int(F::NotRegular) << "pipe: is a FIFO";
+    QTest::newRow("directory") << "folder"
+                               << "sub" << int(F::IsDirectory) << "sub: is a directory";
+    QTest::newRow("folder missing") << ""
+                                    << "missing/a.qbx" << int(F::FolderMissing) << "missing/a.qbx: folder missing";
+    QTest::newRow("link loop") << "loop"
+                               << "loop1" << int(F::LinkLoop) << "loop1: too many links";
+    QTest::newRow("the source itself") << "source"
+                                       << "doc.qbx" << int(F::SameAsSource) << "doc.qbx: is the document being read";
+    QTest::newRow("the source through a link")
+        << "source"
+        << "link.qbx" << int(F::SameAsSource) << "link.qbx: is the document being read";
+    QTest::newRow("the source by a hard link")
+        << "source"
+        << "hard.qbx" << int(F::SameAsSource) << "hard.qbx: is the document being read";
 }
 
 void TestSafeSave::refusedTargets()
@@ -220,8 +227,7 @@ void TestSafeSave::keepsWhatTheFileIs()
         QVERIFY(folder.mkdir(QStringLiteral("links")));
         QCOMPARE(::symlink("../c.qbx", QFile::encodeName(folder.filePath(QStringLiteral("links/b.qbx"))).constData()),
                  0);
-        QCOMPARE(::symlink("links/b.qbx", QFile::encodeName(folder.filePath(QStringLiteral("a.qbx"))).constData()),
-                 0);
+        QCOMPARE(::symlink("links/b.qbx", QFile::encodeName(folder.filePath(QStringLiteral("a.qbx"))).constData()), 0);
         path = folder.filePath(QStringLiteral("a.qbx"));
     } else if (kind == QLatin1String("hard")) {
         path = folder.filePath(QStringLiteral("other.qbx"));
@@ -232,7 +238,8 @@ void TestSafeSave::keepsWhatTheFileIs()
     } else if (kind == QLatin1String("acl")) {
         if (QStandardPaths::findExecutable(QStringLiteral("setfacl")).isEmpty())
             QSKIP("setfacl is not installed");
-        if (QProcess::execute(QStringLiteral("setfacl"), {QStringLiteral("-m"), QStringLiteral("u:12345:r--"), file}) != 0)
+        if (QProcess::execute(QStringLiteral("setfacl"), {QStringLiteral("-m"), QStringLiteral("u:12345:r--"), file}) !=
+            0)
             QSKIP("this file system takes no ACL");
     }
     struct stat before;
@@ -304,8 +311,8 @@ void TestSafeSave::inPlaceWriteFailingRestoresTheOldContent()
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
     const QString other = dir.filePath(QStringLiteral("b.qbx"));
     writeAll(path, QByteArray(3000000, 'o') + "end");
-    QVERIFY(QFile::link(path, other) || ::link(QFile::encodeName(path).constData(),
-                                               QFile::encodeName(other).constData()) == 0);
+    QVERIFY(QFile::link(path, other) ||
+            ::link(QFile::encodeName(path).constData(), QFile::encodeName(other).constData()) == 0);
     QVERIFY(!SafeSave::write(path, [](QIODevice &out) {
         out.write(QByteArray(2500000, 'n')); // more than one block reaches the file
         return false;
@@ -361,17 +368,17 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
         const timespec times[2] = {{time_t(now - age), 0}, {time_t(now - age), 0}};
         QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(file).constData(), times, 0), 0);
     };
-    leftover(".a.qbx.old111.part", 2 * 24 * 3600);     // older than a day
-    leftover(".a.qbx.gone22.part", 10 * 60);           // no one holds it
-    leftover(".a.qbx.olderv88.part", 2 * 24 * 3600);   // an earlier version's eight letters
-    leftover(".a.qbx.OLD999.part", 2 * 24 * 3600);     // not a tag this program writes
-    leftover(".a.qbx.fresh3.part", 5);                 // may be a save just begun
-    leftover(".a.qbx.held44.part", 10 * 60);           // a save in progress holds it
-    leftover(".ab.qbx.old555.part", 2 * 24 * 3600);    // another document's
-    leftover(".a.qbx.x.old666.part", 2 * 24 * 3600);   // the document "a.qbx.x"
-    leftover(".a.qbx.old777.backup", 2 * 24 * 3600);   // not a temporary file
-    const int held = ::open(QFile::encodeName(folder.filePath(QStringLiteral(".a.qbx.held44.part"))).constData(),
-                            O_RDONLY);
+    leftover(".a.qbx.old111.part", 2 * 24 * 3600);   // older than a day
+    leftover(".a.qbx.gone22.part", 10 * 60);         // no one holds it
+    leftover(".a.qbx.olderv88.part", 2 * 24 * 3600); // an earlier version's eight letters
+    leftover(".a.qbx.OLD999.part", 2 * 24 * 3600);   // not a tag this program writes
+    leftover(".a.qbx.fresh3.part", 5);               // may be a save just begun
+    leftover(".a.qbx.held44.part", 10 * 60);         // a save in progress holds it
+    leftover(".ab.qbx.old555.part", 2 * 24 * 3600);  // another document's
+    leftover(".a.qbx.x.old666.part", 2 * 24 * 3600); // the document "a.qbx.x"
+    leftover(".a.qbx.old777.backup", 2 * 24 * 3600); // not a temporary file
+    const int held =
+        ::open(QFile::encodeName(folder.filePath(QStringLiteral(".a.qbx.held44.part"))).constData(), O_RDONLY);
     QVERIFY(held >= 0);
     QCOMPARE(::flock(held, LOCK_EX), 0);
 
@@ -379,9 +386,9 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
     ::close(held);
     QCOMPARE(filesIn(dir.path()),
              QStringList({QStringLiteral(".a.qbx.OLD999.part"), QStringLiteral(".a.qbx.fresh3.part"),
-                          QStringLiteral(".a.qbx.held44.part"),
-                          QStringLiteral(".a.qbx.old777.backup"), QStringLiteral(".a.qbx.x.old666.part"),
-                          QStringLiteral(".ab.qbx.old555.part"), QStringLiteral("a.qbx")}));
+                          QStringLiteral(".a.qbx.held44.part"), QStringLiteral(".a.qbx.old777.backup"),
+                          QStringLiteral(".a.qbx.x.old666.part"), QStringLiteral(".ab.qbx.old555.part"),
+                          QStringLiteral("a.qbx")}));
 }
 
 void TestSafeSave::interruptedSaveLeavesNoTemporary_data()
