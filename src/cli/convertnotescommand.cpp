@@ -13,7 +13,8 @@ int run(const QStringList &arguments)
         "Converts every note of a document to another note type and saves it: all notes or none, so on "
         "failure the file keeps the notes it had. Converting to plain text drops formatting, drawings and "
         "recordings.\n"
-        "Exit status: 0 converted, 1, 2 or 4 as for 'check', 3 the conversion failed, 5 the save failed, 6 another program held the document, 7 the file changed on disk meanwhile (--force saves anyway)."));
+        "Exit status: 0 converted, 1, 2 or 4 as for 'check', 3 the conversion failed, 5 the save failed, 6 another "
+        "program held the document, 7 the file changed on disk meanwhile (--force saves anyway)."));
     const QCommandLineOption to(QStringLiteral("to"), QStringLiteral("0 plain, 1 ink, 2 rich."), QStringLiteral("T"));
     parser.addOption(to);
     parser.addOption(DocumentLoading::forceOption());

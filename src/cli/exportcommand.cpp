@@ -112,8 +112,9 @@ int run(const QStringList &arguments)
         options.codePage = settings.ansiCodePage;
         options.noteType = document.noteType;
         options.source = args.at(1);
-        return XmlExport::exportXml(args.at(2), document.root(), options, &error) ? 0
-                                                                                 : failed(Messages::ExportFailed, error);
+        if (!XmlExport::exportXml(args.at(2), document.root(), options, &error))
+            return failed(Messages::ExportFailed, error);
+        return 0;
     }
 
     if (kind == QLatin1String("view") || kind == QLatin1String("notes") || kind == QLatin1String("links")) {

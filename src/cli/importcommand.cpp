@@ -129,8 +129,9 @@ int run(const QStringList &arguments)
     const QCommandLineOption icon(QStringLiteral("icon"),
                                   QStringLiteral("text: icon of every item (default: the settings)."),
                                   QStringLiteral("N"));
-    const QCommandLineOption force(QStringLiteral("force"), QStringLiteral("text: replace an existing document. doc: save even when FILE changed on disk "
-                                                "since it was read."));
+    const QCommandLineOption force(QStringLiteral("force"),
+                                   QStringLiteral("text: replace an existing document. doc: save even when FILE "
+                                                  "changed on disk since it was read."));
     const QCommandLineOption into(QStringLiteral("into"),
                                   QStringLiteral("doc: the position to import under (0 the root)."),
                                   QStringLiteral("POSITION"));

@@ -49,7 +49,8 @@ int run(const QStringList &arguments)
                        "confirmation. Both new lines empty removes the password. A password has at most %1 "
                        "characters.\n"
                        "Exit status: 0 saved, 1, 2 or 4 as for 'check', 3 refused (wrong current password, "
-                       "new password and confirmation differ, or too long), 5 the save failed, 6 another program held the document, 7 the file changed on disk meanwhile (--force saves anyway).")
+                       "new password and confirmation differ, or too long), 5 the save failed, 6 another program held the document, 7 the file changed on "
+                       "disk meanwhile (--force saves anyway).")
             .arg(Password::MaxLength));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The .qbx document."));
     parser.addOption(DocumentLoading::forceOption());

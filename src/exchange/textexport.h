@@ -65,7 +65,8 @@ private:
     /// The view export of a grouped view: the root's name, the headings at
     /// depth 1 and every item of each heading at depth 2, shown by the
     /// filters or not; nothing deeper.
-    static bool exportView(const QString &path, const GroupView &view, const Options &options, QString *error = nullptr);
+    static bool exportView(const QString &path, const GroupView &view, const Options &options,
+                           QString *error = nullptr);
     /// The view export of the document in its own ViewMode.
     static bool exportView(const QString &path, const Document &document, const Options &options, QString *error = nullptr);
 
