@@ -9,11 +9,17 @@
 #include "storage/safesave.h"
 
 #include <QFile>
-#include <new>
 #include <QHash>
 #include <QStandardPaths>
+#include <QThread>
 #include <memory>
+#include <new>
 #include <vector>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <sys/file.h>
+#endif
 
 namespace {
 
@@ -586,6 +592,13 @@ DocumentFile::LoadResult DocumentFile::load(const QString &path, Document *docum
     const LoadResult opened = openForReading(path, &file);
     if (opened != Loaded)
         return opened;
+#ifdef Q_OS_UNIX
+    // A file being rewritten in place holds an exclusive flock until it is
+    // whole again; a reader waits for that, but not for ever.
+    for (int tries = 0; tries < 100 && ::flock(file.handle(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+         ++tries)
+        QThread::msleep(50);
+#endif
     // Running out of memory ends the load like a damaged file, never the
     // program; the counts in the file are checked before anything is
     // allocated, so this takes a file that is large and whole.

@@ -54,19 +54,21 @@ bool DocumentLock::lock(int timeoutMs, QString *error)
     if (why == QLockFile::LockFailedError)
         return busy();
 #ifdef Q_OS_UNIX
-    // A folder that takes no new file: lock the document itself.
-    m_fd = ::open(QFile::encodeName(m_document).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    // A folder that takes no new file: a record lock on the document itself.
+    // (Not flock: that one guards a rewrite in place against readers, and
+    // the holder of this lock reads the document too.)
+    m_fd = ::open(QFile::encodeName(m_document).constData(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
     if (m_fd < 0) {
-        if (errno == ENOENT) {
-            m_locked = true; // nothing to protect yet
-            return true;
-        }
-        if (error)
-            *error = QStringLiteral("%1: cannot be locked for writing").arg(m_document);
-        return false;
+        // Nothing to protect: no document yet, or one this user cannot
+        // change (its save fails on its own).
+        m_locked = true;
+        return true;
     }
     QDeadlineTimer deadline(timeoutMs < 0 ? QDeadlineTimer::Forever : QDeadlineTimer(timeoutMs));
-    while (::flock(m_fd, LOCK_EX | LOCK_NB) != 0) {
+    struct flock range {};
+    range.l_type = F_WRLCK;
+    range.l_whence = SEEK_SET;
+    while (::fcntl(m_fd, F_OFD_SETLK, &range) != 0) {
         if (deadline.hasExpired()) {
             ::close(m_fd);
             m_fd = -1;

@@ -386,6 +386,8 @@ bool writeInPlace(const Target &target, const SafeSave::Writer &writer, QString 
     const int fd = ::open(encoded(target.path).constData(), O_RDWR | O_CLOEXEC);
     if (fd < 0)
         return failErrno(error, target.path, errno);
+    // Readers that ask (DocumentFile::load) wait while the file is not whole.
+    ::flock(fd, LOCK_EX);
     QString backupPath;
     const int backup = openTemporary(target, &backupPath);
     if (backup < 0) {

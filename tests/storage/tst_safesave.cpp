@@ -1,4 +1,5 @@
 #include "model/document.h"
+#include "model/item.h"
 #include "storage/documentfile.h"
 #include "storage/safesave.h"
 #include "tools/documentgenerator.h"
@@ -8,6 +9,7 @@
 #include <QIODevice>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 #include <QDateTime>
 #include <QProcess>
@@ -20,6 +22,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -57,6 +60,7 @@ private Q_SLOTS:
     void keepsWhatTheFileIs();
     void ownerAndGroupStay();
     void inPlaceWriteFailingRestoresTheOldContent();
+    void readersWaitForARewriteInPlace();
     void privateWhileSaving();
     void staleTemporariesOfItsOwnName();
     void interruptedSaveLeavesNoTemporary_data();
@@ -321,6 +325,41 @@ void TestSafeSave::inPlaceWriteFailingRestoresTheOldContent()
     QCOMPARE(readAll(path), expected);
     QCOMPARE(readAll(other), expected);
     QCOMPARE(filesIn(dir.path()), QStringList({QStringLiteral("a.qbx"), QStringLiteral("b.qbx")}));
+}
+
+void TestSafeSave::readersWaitForARewriteInPlace()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    Document small;
+    DocumentGenerator::generate(&small, {10, 1, false, 0});
+    QVERIFY(DocumentFile::save(small, path));
+    QCOMPARE(::link(QFile::encodeName(path).constData(),
+                    QFile::encodeName(dir.filePath(QStringLiteral("b.qbx"))).constData()),
+             0);
+    Document large;
+    DocumentGenerator::generate(&large, {2000, 2, false, 0});
+    const QByteArray bytes = DocumentFile::toBytes(large);
+
+    // A reader starts while only half of the new document is in the file.
+    std::thread reader;
+    DocumentFile::LoadResult result = DocumentFile::Damaged;
+    qsizetype items = 0;
+    QVERIFY(SafeSave::write(path, [&](QIODevice &out) {
+        const qsizetype half = bytes.size() / 2;
+        if (out.write(bytes.first(half)) != half)
+            return false;
+        reader = std::thread([&] {
+            Document doc;
+            result = DocumentFile::load(path, &doc);
+            doc.root()->forEachDescendant([&items](Item *) { ++items; });
+        });
+        QThread::msleep(300);
+        return out.write(bytes.sliced(half)) == bytes.size() - half;
+    }));
+    reader.join();
+    QCOMPARE(result, DocumentFile::Loaded);
+    QCOMPARE(items, qsizetype(2000));
 }
 
 void TestSafeSave::privateWhileSaving()
