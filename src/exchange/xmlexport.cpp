@@ -5,7 +5,8 @@
 #include "model/item.h"
 #include "model/treewalker.h"
 
-#include <QFile>
+#include "storage/safesave.h"
+
 #include <QtEndian>
 #include <cstring>
 #include <vector>
@@ -349,14 +350,17 @@ QString XmlExport::text(const TreeNode *root, const Options &options)
     return output.takeText();
 }
 
-bool XmlExport::exportXml(const QString &path, const TreeNode *root, const Options &options)
+bool XmlExport::exportXml(const QString &path, const TreeNode *root, const Options &options, QString *error)
 {
     if (!root)
         return false;
     const bool utf16 = options.encoding == Utf16Encoding;
     CodePage codePage(utf16 ? CodePage::defaultName() : options.codePage);
-    if (!codePage.isValid())
+    if (!codePage.isValid()) {
+        if (error)
+            *error = QStringLiteral("%1: the code page '%2' is not known").arg(path, options.codePage);
         return false;
+    }
     QByteArray bytes;
     {
         Output output(utf16, &codePage);
@@ -364,10 +368,5 @@ bool XmlExport::exportXml(const QString &path, const TreeNode *root, const Optio
         bytes = output.takeBytes();
     }
     // The file is created only now that the whole text exists.
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::Truncate))
-        return false;
-    if (file.write(bytes) != bytes.size())
-        return false;
-    return file.flush();
+    return SafeSave::write(path, bytes, error, SafeSave::Options{options.source});
 }

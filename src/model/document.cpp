@@ -44,19 +44,22 @@ QString Document::collectCategory(const QString &category)
 {
     if (category.isEmpty())
         return category;
+    const Collation &collation = Collation::instance();
     if (categories.size() != m_categoriesSeenCount) { // the list was edited elsewhere
         m_seenCategories.clear();
+        m_categoryKeys.clear();
+        for (const QString &known : std::as_const(categories))
+            m_categoryKeys.insert(collation.sortKey(known));
         m_categoriesSeenCount = categories.size();
     }
     const auto seen = m_seenCategories.constFind(category);
     if (seen != m_seenCategories.constEnd())
         return *seen;
     m_seenCategories.insert(category);
-    const Collation &collation = Collation::instance();
-    for (const QString &known : std::as_const(categories)) {
-        if (collation.equal(known, category))
-            return category;
-    }
+    // Equal sort keys mean equal texts for the locale, so a new spelling
+    // costs one key and a logarithmic look-up, not a pass over the list.
+    if (!m_categoryKeys.insert(collation.sortKey(category)).second)
+        return category;
     categories.append(category);
     m_categoriesSeenCount = categories.size();
     return category;

@@ -2,9 +2,11 @@
 
 #include "model/item.h"
 
+#include <QCollatorSortKey>
 #include <QSet>
 #include <QStringList>
 #include <memory>
+#include <set>
 
 /// The open document: the note tree and the document-wide settings that the
 /// file keeps with it.
@@ -73,5 +75,10 @@ private:
     // Texts already met, exactly as spelled: most items repeat a category, and
     // the locale comparison is only needed for a spelling not seen before.
     QSet<QString> m_seenCategories;
+    // The sort keys of the listed categories, to find a locale-equal one.
+    struct KeyOrder {
+        bool operator()(const QCollatorSortKey &a, const QCollatorSortKey &b) const { return a.compare(b) < 0; }
+    };
+    std::set<QCollatorSortKey, KeyOrder> m_categoryKeys;
     qsizetype m_categoriesSeenCount = 0;
 };

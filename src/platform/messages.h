@@ -35,6 +35,9 @@ inline constexpr const char *NoItemsToExport = "There are no items that matched 
 inline constexpr const char *ItemExportFailed =
     "Item Export has failed. Please make sure you have enough storage space and try again.";
 inline constexpr const char *ItemsExported = "%d item(s) exported.";
+/// Follows ItemsExported after an export with delete; %1 is the count.
+inline constexpr const char *ExportedItemsKept =
+    "%1 exported item(s) stayed in the document because they hold items that were not exported.";
 inline constexpr const char *TextFileFilter = "Text Files|*.txt|Unicode Files|*.txt|";
 inline constexpr const char *ImportTooLarge = "Unable to load file. Please try again with a smaller file.";
 inline constexpr const char *ExportFailed =
@@ -45,6 +48,8 @@ inline constexpr const char *NoteConversionDone = "Note conversion completed.";
 inline constexpr const char *AskConvertNotes = "Converting notes to a different format may cause data loss. Are you sure?";
 inline constexpr const char *ImportFormatInvalid =
     "The format of the import text file is invalid. Please correct the file and try again.";
+/// Follows ImportFormatInvalid; %1 is the line where the outline broke.
+inline constexpr const char *ImportFormatLine = "(line %1)";
 inline constexpr const char *XmlFileFilter = "XML Files|*.xml|";
 inline constexpr const char *OutlineImportInvalid =
     "The file is not an outline this program can read. Please correct the file and try again.";

@@ -11,8 +11,15 @@
 #include <QFile>
 #include <QHash>
 #include <QStandardPaths>
+#include <QThread>
 #include <memory>
+#include <new>
 #include <vector>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <sys/file.h>
+#endif
 
 namespace {
 
@@ -585,17 +592,35 @@ DocumentFile::LoadResult DocumentFile::load(const QString &path, Document *docum
     const LoadResult opened = openForReading(path, &file);
     if (opened != Loaded)
         return opened;
-    ByteReader in(&file, file.size());
-    const LoadResult result = loadFrom(in, document);
-    if (result == Loaded)
-        document->path = path;
-    return result;
+#ifdef Q_OS_UNIX
+    // A file being rewritten in place holds an exclusive flock until it is
+    // whole again; a reader waits for that, but not for ever.
+    for (int tries = 0; tries < 100 && ::flock(file.handle(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+         ++tries)
+        QThread::msleep(50);
+#endif
+    // Running out of memory ends the load like a damaged file, never the
+    // program; the counts in the file are checked before anything is
+    // allocated, so this takes a file that is large and whole.
+    try {
+        ByteReader in(&file, file.size());
+        const LoadResult result = loadFrom(in, document);
+        if (result == Loaded)
+            document->path = path;
+        return result;
+    } catch (const std::bad_alloc &) {
+        return Damaged;
+    }
 }
 
 DocumentFile::LoadResult DocumentFile::loadFromBytes(const QByteArray &bytes, Document *document)
 {
-    ByteReader in(bytes);
-    return loadFrom(in, document);
+    try {
+        ByteReader in(bytes);
+        return loadFrom(in, document);
+    } catch (const std::bad_alloc &) {
+        return Damaged;
+    }
 }
 
 QByteArray DocumentFile::toBytes(const Document &document)
@@ -607,7 +632,7 @@ QByteArray DocumentFile::toBytes(const Document &document)
     return out.bytes();
 }
 
-bool DocumentFile::save(const Document &document, const QString &path, QString *error)
+bool DocumentFile::save(const Document &document, const QString &path, QString *error, const QString &source)
 {
     if (!document.root())
         return true;
@@ -618,7 +643,7 @@ bool DocumentFile::save(const Document &document, const QString &path, QString *
             ByteWriter out(&device);
             return writeDocument(out, document);
         },
-        error);
+        error, SafeSave::Options{source});
 }
 
 QByteArray DocumentFile::branchToBytes(const Document &document, const TreeNode *node)
@@ -636,10 +661,20 @@ bool DocumentFile::saveBranch(const Document &document, const TreeNode *node, co
             ByteWriter out(&device);
             return writeBranch(out, document, node);
         },
-        error);
+        error, SafeSave::Options{document.path});
 }
 
 DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *target, const QString &path,
+                                                  const PasswordPrompt &askPassword, const NoteConverter &convertNotes)
+{
+    try {
+        return importFile(document, target, path, askPassword, convertNotes);
+    } catch (const std::bad_alloc &) {
+        return Damaged; // nothing joined the document: the items move in only at the end
+    }
+}
+
+DocumentFile::LoadResult DocumentFile::importFile(Document *document, TreeNode *target, const QString &path,
                                                   const PasswordPrompt &askPassword, const NoteConverter &convertNotes)
 {
     QFile file;
