@@ -114,23 +114,26 @@ void ExchangeCommands::exportText(TextKind kind)
     textOptions.indent = s.expViewSep;
     textOptions.separator = s.expOtherSep;
     textOptions.noteType = document->noteType;
+    // An export never lands on the document it is made from.
+    textOptions.source = document->path;
     bool written = false;
+    QString error;
     {
         WaitCursor wait;
         switch (kind) {
         case TextKind::View:
-            written = TextExport::exportView(path, document->root(), textOptions);
+            written = TextExport::exportView(path, document->root(), textOptions, &error);
             break;
         case TextKind::Notes:
-            written = TextExport::exportNotes(path, document->root(), textOptions);
+            written = TextExport::exportNotes(path, document->root(), textOptions, &error);
             break;
         case TextKind::Links:
-            written = TextExport::exportLinks(path, document->root(), textOptions);
+            written = TextExport::exportLinks(path, document->root(), textOptions, &error);
             break;
         }
     }
     if (!written)
-        prompts->message(view, Prompts::Icon::Stop, QString::fromLatin1(Messages::ExportFailed));
+        prompts->message(view, Prompts::Icon::Stop, Prompts::withReason(Messages::ExportFailed, error));
 }
 
 void ExchangeCommands::exportXml()
@@ -147,13 +150,15 @@ void ExchangeCommands::exportXml()
     options.encoding = m_host->settings().xmlEncode;
     options.codePage = m_host->settings().ansiCodePage;
     options.noteType = view->document()->noteType;
+    options.source = view->document()->path;
     bool written = false;
+    QString error;
     {
         WaitCursor wait;
-        written = XmlExport::exportXml(path, view->document()->root(), options);
+        written = XmlExport::exportXml(path, view->document()->root(), options, &error);
     }
     if (!written)
-        prompts->message(view, Prompts::Icon::Stop, QString::fromLatin1(Messages::ExportFailed));
+        prompts->message(view, Prompts::Icon::Stop, Prompts::withReason(Messages::ExportFailed, error));
 }
 
 void ExchangeCommands::exportItems()
@@ -178,18 +183,23 @@ void ExchangeCommands::exportItems()
     const bool deleting = dialog.deleteAfter();
     const quint32 marked = view->clip().item() ? view->clip().item()->handle() : 0;
     int result = ItemExport::Failed;
+    QString error;
+    ItemExport::Report report;
     {
         WaitCursor wait;
-        result =
-            ItemExport::exportItems(*document, ItemExport::Choice(dialog.choice()), deleting, dialog.selection(), path);
+        result = ItemExport::exportItems(*document, ItemExport::Choice(dialog.choice()), deleting, dialog.selection(),
+                                         path, &error, &report);
     }
     if (deleting && result > 0) {
         if (marked && !document->liveItem(marked))
             view->clip().clear();
         view->refresh(document->current());
     }
-    prompts->message(view, result == ItemExport::Failed ? Prompts::Icon::Stop : Prompts::Icon::Information,
-                     ItemExport::message(result));
+    if (result == ItemExport::Failed)
+        prompts->message(view, Prompts::Icon::Stop,
+                         ItemExport::message(result) + (error.isEmpty() ? QString() : QStringLiteral("\n\n") + error));
+    else
+        prompts->message(view, Prompts::Icon::Information, ItemExport::message(result, report.kept));
 }
 
 bool ExchangeCommands::importText()
@@ -231,7 +241,9 @@ bool ExchangeCommands::importText()
             TextImport::Options options;
             options.icon = icon;
             options.codePage = settings.ansiCodePage;
-            failure = TextImport::message(TextImport::importDocument(path, quint16(noteType), options, &document));
+            int line = 0;
+            const TextImport::Result result = TextImport::importDocument(path, quint16(noteType), options, &document, &line);
+            failure = TextImport::message(result, line);
         }
         if (failure.isEmpty())
             saved = DocumentFile::save(document, QString(), &error);
