@@ -34,7 +34,7 @@ fi
 export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config"
 mkdir -p "$XDG_CONFIG_HOME"
 
-# One run of a command: prints "seconds kilobytes".
+# One run of a command: prints "wall-seconds cpu-seconds kilobytes".
 measure() {
   local log="$work/time.log"
   "$gnutime" -v -o "$log" "$@" >/dev/null 2>"$work/stderr.log" || {
@@ -42,29 +42,34 @@ measure() {
     cat "$work/stderr.log" >&2
     exit 1
   }
-  local wall rss
+  local wall user system rss
   wall="$(sed -n 's/^.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")"
+  user="$(sed -n 's/^.*User time (seconds): //p' "$log")"
+  system="$(sed -n 's/^.*System time (seconds): //p' "$log")"
   rss="$(sed -n 's/^.*Maximum resident set size (kbytes): //p' "$log")"
-  # m:ss.cc or h:mm:ss
-  awk -v w="$wall" -v r="$rss" 'BEGIN {
-    n = split(w, p, ":"); s = 0;
-    for (i = 1; i <= n; ++i) s = s * 60 + p[i];
-    printf "%.3f %d\n", s, r }'
+  # The wall time reads m:ss.cc or h:mm:ss.
+  awk -v w="$wall" -v u="$user" -v s="$system" -v r="$rss" 'BEGIN {
+    n = split(w, p, ":"); t = 0;
+    for (i = 1; i <= n; ++i) t = t * 60 + p[i];
+    printf "%.3f %.3f %d\n", t, u + s, r }'
 }
 
-# The median of runs of a command: prints "seconds megabytes".
+# The median of runs of a command, each column on its own: prints
+# "wall s cpu s megabytes MB".
 median() {
   local results=()
   for ((i = 0; i < runs; ++i)); do
     results+=("$(measure "$@")")
   done
-  printf '%s\n' "${results[@]}" | awk '{ t[NR] = $1; m[NR] = $2 }
-    END {
-      n = asort(t); asort(m); mid = int((n + 1) / 2);
-      printf "%.2f s %d MB\n", t[mid], m[mid] / 1024 }'
+  local mid=$(( (runs + 1) / 2 ))
+  local column values=()
+  for column in 1 2 3; do
+    values+=("$(printf '%s\n' "${results[@]}" | cut -d' ' -f$column | sort -n | sed -n "${mid}p")")
+  done
+  printf '%.2f s %.2f s %d MB\n' "${values[0]}" "${values[1]}" $(( values[2] / 1024 ))
 }
 
-printf '| Document | Command | Wall (median of %d) | Peak resident |\n|---|---|---|---|\n' "$runs"
+printf 'Medians of %d runs.\n\n| Document | Command | Wall | CPU (user + system) | Peak resident |\n|---|---|---|---|---|\n' "$runs"
 for n in "${sizes[@]}"; do
   doc="$work/bench-$n.qbx"
   [ -f "$doc" ] || "$qbx" generate --items "$n" --seed 7 "$doc" >/dev/null
@@ -73,19 +78,19 @@ for n in "${sizes[@]}"; do
   # Warm the cache once, so every run reads from memory, as a user's second open does.
   cat "$doc" >/dev/null
 
-  read -r t tu m mu <<<"$(median "$qbx" check "$doc")"
-  printf '| %s | qbx check | %s s | %s MB |\n' "$label" "$t" "$m"
+  read -r t _ c _ r _ <<<"$(median "$qbx" check "$doc")"
+  printf '| %s | qbx check | %s s | %s s | %s MB |\n' "$label" "$t" "$c" "$r"
 
   cp "$doc" "$work/resave.qbx"
-  read -r t tu m mu <<<"$(median "$qbx" resave "$work/resave.qbx")"
-  printf '| %s | qbx resave | %s s | %s MB |\n' "$label" "$t" "$m"
+  read -r t _ c _ r _ <<<"$(median "$qbx" resave "$work/resave.qbx")"
+  printf '| %s | qbx resave | %s s | %s s | %s MB |\n' "$label" "$t" "$c" "$r"
   rm -f "$work/resave.qbx"
 
-  read -r t tu m mu <<<"$(median "$qbx" export xml "$doc" "$work/out.xml")"
-  printf '| %s | qbx export xml | %s s | %s MB |\n' "$label" "$t" "$m"
+  read -r t _ c _ r _ <<<"$(median "$qbx" export xml "$doc" "$work/out.xml")"
+  printf '| %s | qbx export xml | %s s | %s s | %s MB |\n' "$label" "$t" "$c" "$r"
   rm -f "$work/out.xml"
 
-  read -r t tu m mu <<<"$(median "$qbx" export view "$doc" "$work/out.txt")"
-  printf '| %s | qbx export view | %s s | %s MB |\n' "$label" "$t" "$m"
+  read -r t _ c _ r _ <<<"$(median "$qbx" export view "$doc" "$work/out.txt")"
+  printf '| %s | qbx export view | %s s | %s s | %s MB |\n' "$label" "$t" "$c" "$r"
   rm -f "$work/out.txt"
 done
