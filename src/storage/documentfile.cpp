@@ -72,11 +72,11 @@ qint64 linkNumber(const QString &link)
 class TreeBuilder {
 public:
     /// maxEntries bounds how many entries the bytes left can hold.
-    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_parent(root), m_legacy(legacy)
+    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_root(root), m_parent(root), m_legacy(legacy)
     {
         // Reserved, not touched: pages never written cost no memory, and
         // the list never has to be copied while it grows.
-        m_numbered.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
+        m_numbers.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
     }
 
     /// Appends item under the parent its depth names; false (item not placed)
@@ -104,7 +104,7 @@ public:
         m_depth = depth;
         m_parent->appendChild(item);
         m_last = item;
-        m_numbered.emplace_back(number, item);
+        m_numbers.push_back(number);
         return true;
     }
 
@@ -137,8 +137,13 @@ public:
         }
         if (currentNumber >= 1)
             wanted.insert(quint32(currentNumber), nullptr);
-        // In file order, so a later equal number replaces an earlier one.
-        for (const auto &[number, item] : m_numbered) {
+        // Every Item goes in as the last one of the tree so far, so the
+        // tree's depth-first order is the file's order and pairs the Items
+        // with their numbers. In file order, a later equal number replaces an
+        // earlier one.
+        TreeWalker walker(m_root);
+        for (const quint32 number : m_numbers) {
+            Item *item = walker.next();
             const auto found = wanted.find(number);
             if (found != wanted.end())
                 *found = item;
@@ -158,11 +163,12 @@ public:
     }
 
 private:
+    TreeNode *m_root;
     TreeNode *m_parent;
     Item *m_last = nullptr;
     quint32 m_depth = 1;
     bool m_legacy;
-    std::vector<std::pair<quint32, Item *>> m_numbered; // in file order
+    std::vector<quint32> m_numbers; // in file order
     std::vector<TreeNode *> m_expanded;
     std::vector<Item *> m_withItemLinks;
 };
@@ -267,6 +273,7 @@ bool readEntries(ByteReader &in, quint32 version, Document *categoryOwner, TreeB
         }
         if (hasItemLink)
             builder->repairLater(placed);
+        in.forgetRead();
     }
     return in.ok();
 }
@@ -393,6 +400,7 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
             builder.repairLater(placed);
         if (itemFlags & (1u << 4))
             current = placed;
+        in.forgetRead();
     }
     builder.finish(0);
     doc->setCurrent(current);
@@ -585,7 +593,7 @@ DocumentFile::LoadResult DocumentFile::load(const QString &path, Document *docum
     const LoadResult opened = openForReading(path, &file);
     if (opened != Loaded)
         return opened;
-    ByteReader in(&file, file.size());
+    ByteReader in(&file);
     const LoadResult result = loadFrom(in, document);
     if (result == Loaded)
         document->path = path;
@@ -645,7 +653,7 @@ DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *
     QFile file;
     if (openForReading(path, &file) != Loaded)
         return Damaged;
-    ByteReader in(&file, file.size());
+    ByteReader in(&file);
     const quint32 version = in.u32();
     if (!in.ok())
         return Damaged;
