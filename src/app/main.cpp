@@ -1,3 +1,4 @@
+#include "platform/largeheap.h"
 #include "rows/iconset.h"
 #include "shell/app/mainwindow.h"
 #include "shell/app/singleinstance.h"
@@ -8,6 +9,7 @@
 
 int main(int argc, char *argv[])
 {
+    LargeHeap::enable(argv);
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillbox"));
     QApplication::setOrganizationName(QStringLiteral("Quillbox"));
