@@ -48,9 +48,10 @@ public:
     /// Item below it, depth first).
     static QString text(const TreeNode *root, const Options &options);
 
-    /// Builds the text, and only when it is complete creates (or truncates)
-    /// the file and writes it in one piece. False when the file cannot be
-    /// created or written (what was written stays) or the code page is
-    /// unknown.
+    /// Streams the text, converted as it goes, into a temporary file beside
+    /// path that replaces path only once it is complete (SafeSave), so memory
+    /// stays bounded however large the tree and no file appears at path
+    /// unless the whole export succeeded. False when the file cannot be
+    /// written or the code page is unknown; path is then untouched.
     static bool exportXml(const QString &path, const TreeNode *root, const Options &options);
 };
