@@ -12,6 +12,13 @@ class Document {
 public:
     enum ViewMode : quint16 { DefaultView = 0, ByCategory = 1, ByDueDate = 2, ByPriority = 3 };
     enum NoteType : quint16 { PlainText = 0, RichInk = 1, RichText = 2 };
+    /// The names of the note types, in the order of their numbers.
+    static constexpr const char *NoteTypeNames[] = {"Plain Text", "Rich Ink", "Rich Text"};
+    /// The name of a note type; an unknown one is named as plain text.
+    static QString noteTypeName(quint16 type)
+    {
+        return QString::fromLatin1(NoteTypeNames[type <= RichText ? type : PlainText]);
+    }
     /// HideByStatus bits: hide items whose StatusType is "No Status",
     /// "Check Box" or "Progress Bar".
     enum HideBits : quint32 { HideNoStatus = 1u << 4, HideCheckBox = 1u << 5, HideProgressBar = 1u << 6 };

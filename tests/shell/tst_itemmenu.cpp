@@ -62,15 +62,19 @@ void TestItemMenu::grouped_data()
     QTest::addColumn<QStringList>("checked");
 
     // A heading: only the view's direction can change; the keys show the view's order.
-    QTest::newRow("heading") << int(ItemMenu::RowKind::Title) << false << QStringList{"action3120", "action3121"}
-                             << QStringList{"action3104", "action3121"};
+    QTest::newRow("heading") << int(ItemMenu::RowKind::Title) << false
+                             << QStringList{"actionAscending", "actionDescending"}
+                             << QStringList{"actionOrderByTaskDueDate", "actionDescending"};
     // An item: no apply attributes, ordering, move, copy or paste.
-    QStringList item = range(20100, 20119) + range(20200, 20235) +
-                       QStringList{"action3001", "action3003", "action3040", "action3041", "action3042", "action3043",
-                                   "action3044", "action3030", "action3031", "action3032", "action3012"};
+    QStringList item =
+        range(20100, 20119) + range(20200, 20235) +
+        QStringList{"actionRename",     "actionChangeIcon",        "actionShowIcon",    "actionItalicStyle",
+                    "actionNoStatus",   "actionCheckBox",          "actionProgressBar", "actionCreateCopy",
+                    "actionCreateTask", "actionCreateAppointment", "actionDeleteItem"};
     item.sort();
     QTest::newRow("item") << int(ItemMenu::RowKind::Item) << true << item
-                          << QStringList{"action20104", "action20202", "action3040", "action3044", "action3115"};
+                          << QStringList{"actionPriority5", "actionColour2", "actionShowIcon", "actionProgressBar",
+                                         "actionOrderManual"};
 }
 
 void TestItemMenu::grouped()
