@@ -1,6 +1,8 @@
 #include "cli/clicommand.h"
 #include "cli/exitcodes.h"
 #include "storage/safesave.h"
+#include "model/document.h"
+#include "platform/largeheap.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
@@ -34,10 +36,14 @@ void printUsage(QTextStream &out)
 
 int main(int argc, char **argv)
 {
+    LargeHeap::enable(argv);
     QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Quillbox"));
     QCoreApplication::setApplicationName(QStringLiteral("Quillbox"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUILLBOX_VERSION));
+    // Every document lives until the command ends, and the process ends with
+    // it: freeing a million items one by one would only make the user wait.
+    Document::keepTreesUntilExit();
     QStringList arguments = QCoreApplication::arguments();
     QTextStream out(stdout);
     if (arguments.size() < 2 || arguments[1] == QLatin1String("--help") || arguments[1] == QLatin1String("-h")) {

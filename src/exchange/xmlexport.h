@@ -50,10 +50,12 @@ public:
     /// Item below it, depth first).
     static QString text(const TreeNode *root, const Options &options);
 
-    /// Builds the text, and only when it is complete writes the file by a
-    /// safe save. False when the file cannot be written (nothing of it
-    /// stays; *error names the file and the reason) or the code page is
-    /// unknown.
+    /// Streams the text, converted as it goes, into a temporary file beside
+    /// path that replaces path only once it is complete (SafeSave), so memory
+    /// stays bounded however large the tree and no file appears at path
+    /// unless the whole export succeeded. False when the file cannot be
+    /// written (*error names the file and the reason) or the code page is
+    /// unknown; path is then untouched.
     static bool exportXml(const QString &path, const TreeNode *root, const Options &options,
                           QString *error = nullptr);
 };

@@ -79,11 +79,11 @@ qint64 linkNumber(const QString &link)
 class TreeBuilder {
 public:
     /// maxEntries bounds how many entries the bytes left can hold.
-    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_parent(root), m_legacy(legacy)
+    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_root(root), m_parent(root), m_legacy(legacy)
     {
         // Reserved, not touched: pages never written cost no memory, and
         // the list never has to be copied while it grows.
-        m_numbered.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
+        m_numbers.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
     }
 
     /// Appends item under the parent its depth names; false (item not placed)
@@ -111,7 +111,7 @@ public:
         m_depth = depth;
         m_parent->appendChild(item);
         m_last = item;
-        m_numbered.emplace_back(number, item);
+        m_numbers.push_back(number);
         return true;
     }
 
@@ -144,8 +144,13 @@ public:
         }
         if (currentNumber >= 1)
             wanted.insert(quint32(currentNumber), nullptr);
-        // In file order, so a later equal number replaces an earlier one.
-        for (const auto &[number, item] : m_numbered) {
+        // Every Item goes in as the last one of the tree so far, so the
+        // tree's depth-first order is the file's order and pairs the Items
+        // with their numbers. In file order, a later equal number replaces an
+        // earlier one.
+        TreeWalker walker(m_root);
+        for (const quint32 number : m_numbers) {
+            Item *item = walker.next();
             const auto found = wanted.find(number);
             if (found != wanted.end())
                 *found = item;
@@ -165,11 +170,12 @@ public:
     }
 
 private:
+    TreeNode *m_root;
     TreeNode *m_parent;
     Item *m_last = nullptr;
     quint32 m_depth = 1;
     bool m_legacy;
-    std::vector<std::pair<quint32, Item *>> m_numbered; // in file order
+    std::vector<quint32> m_numbers; // in file order
     std::vector<TreeNode *> m_expanded;
     std::vector<Item *> m_withItemLinks;
 };
@@ -274,6 +280,7 @@ bool readEntries(ByteReader &in, quint32 version, Document *categoryOwner, TreeB
         }
         if (hasItemLink)
             builder->repairLater(placed);
+        in.forgetRead();
     }
     return in.ok();
 }
@@ -400,6 +407,7 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
             builder.repairLater(placed);
         if (itemFlags & (1u << 4))
             current = placed;
+        in.forgetRead();
     }
     builder.finish(0);
     doc->setCurrent(current);
@@ -603,7 +611,7 @@ DocumentFile::LoadResult DocumentFile::load(const QString &path, Document *docum
     // program; the counts in the file are checked before anything is
     // allocated, so this takes a file that is large and whole.
     try {
-        ByteReader in(&file, file.size());
+        ByteReader in(&file);
         const LoadResult result = loadFrom(in, document);
         if (result == Loaded)
             document->path = path;
@@ -680,7 +688,7 @@ DocumentFile::LoadResult DocumentFile::importFile(Document *document, TreeNode *
     QFile file;
     if (openForReading(path, &file) != Loaded)
         return Damaged;
-    ByteReader in(&file, file.size());
+    ByteReader in(&file);
     const quint32 version = in.u32();
     if (!in.ok())
         return Damaged;
