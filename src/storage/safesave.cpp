@@ -1,5 +1,7 @@
 #include "storage/safesave.h"
 
+#include "storage/fileattributes.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -17,9 +19,6 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#ifdef Q_OS_LINUX
-#include <sys/xattr.h>
-#endif
 #else
 #include <QSaveFile>
 #endif
@@ -209,45 +208,6 @@ public:
 private:
     sigset_t m_old;
 };
-
-#ifdef Q_OS_LINUX
-// The names of the attributes a save carries over: the access ACL and the
-// user's own attributes. Others (security labels, trusted.*) belong to the
-// system and are not ours to copy.
-bool isCopiedAttribute(const char *name)
-{
-    return std::strncmp(name, "user.", 5) == 0 || std::strcmp(name, "system.posix_acl_access") == 0;
-}
-
-// Copies the attributes; false when one cannot be carried over.
-bool copyAttributes(int from, int to)
-{
-    ssize_t size = ::flistxattr(from, nullptr, 0);
-    if (size < 0)
-        return errno == ENOTSUP; // a file system without attributes has none to lose
-    QByteArray names(size, '\0');
-    size = ::flistxattr(from, names.data(), size_t(names.size()));
-    if (size < 0)
-        return false;
-    for (const char *name = names.constData(); name < names.constData() + size; name += std::strlen(name) + 1) {
-        if (!isCopiedAttribute(name))
-            continue;
-        const ssize_t length = ::fgetxattr(from, name, nullptr, 0);
-        if (length < 0)
-            return false;
-        QByteArray value(length, '\0');
-        const ssize_t got = ::fgetxattr(from, name, value.data(), size_t(value.size()));
-        if (got < 0 || ::fsetxattr(to, name, value.constData(), size_t(got), 0) != 0)
-            return false;
-    }
-    return true;
-}
-#else
-bool copyAttributes(int, int)
-{
-    return true;
-}
-#endif
 
 QString kindOf(mode_t mode)
 {
@@ -590,7 +550,7 @@ bool SafeSave::write(const QString &path, const Writer &writer, QString *error, 
             keepsIdentity = ::fchmod(fd, target.info.st_mode & 07777) == 0;
         if (keepsIdentity) {
             const int source = ::open(encoded(target.path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-            keepsIdentity = source >= 0 && copyAttributes(source, fd);
+            keepsIdentity = source >= 0 && FileAttributes::copy(source, fd);
             if (source >= 0)
                 ::close(source);
         }

@@ -46,6 +46,96 @@ ExchangeCommands::ExchangeCommands(CommandHost *host, QObject *parent) : Command
         "actionExportNotes", QStringLiteral("All Notes..."), [this] { exportText(TextKind::Notes); }, exportable);
     add(
         "actionExportItems", QStringLiteral("Items..."), [this] { exportItems(); }, exportable);
+    add(
+        "actionImportOutline", QStringLiteral("Outline (OPML, Markdown)..."), [this] { importOutline(); }, defaultView);
+    add(
+        "actionExportOpml", QStringLiteral("OPML..."), [this] { exportOutline(false); }, exportable);
+    add(
+        "actionExportMarkdown", QStringLiteral("Markdown..."), [this] { exportOutline(true); }, exportable);
+}
+
+namespace {
+
+bool isOpml(const QString &path)
+{
+    return path.endsWith(QLatin1String(".opml"), Qt::CaseInsensitive);
+}
+
+bool isMarkdown(const QString &path)
+{
+    return path.endsWith(QLatin1String(".md"), Qt::CaseInsensitive) ||
+           path.endsWith(QLatin1String(".markdown"), Qt::CaseInsensitive);
+}
+
+QString outlineFilters()
+{
+    return Prompts::filtersOf(QString::fromLatin1(Messages::OpmlFileFilter) +
+                              QString::fromLatin1(Messages::MarkdownFileFilter))
+        .join(QStringLiteral(";;"));
+}
+
+} // namespace
+
+void ExchangeCommands::importOutline()
+{
+    DocumentView *view = m_host->view();
+    Prompts *prompts = m_host->prompts();
+    Document *document = view->document();
+    TreeNode *target = view->treePane()->currentNode() ? view->treePane()->currentNode() : document->root();
+    const QString path =
+        prompts->openFileName(view, QStringLiteral("Import Outline"), m_host->documentsFolder(), outlineFilters());
+    if (path.isEmpty())
+        return;
+    view->commitEdits();
+    const quint16 icon = TextImport::iconOf(m_host->settings().textImport);
+    QString message;
+    {
+        WaitCursor wait;
+        if (isMarkdown(path)) {
+            message =
+                MarkdownImport::message(MarkdownImport::importInto(path, document, target, {document->noteType, icon}));
+        } else {
+            QString detail;
+            const OpmlImport::Result result =
+                OpmlImport::importInto(path, document, target, {document->noteType, icon}, &detail);
+            message = OpmlImport::message(result, detail);
+        }
+    }
+    if (!message.isEmpty()) {
+        prompts->message(view, Prompts::Icon::Stop, message);
+        return;
+    }
+    view->refresh(target);
+}
+
+void ExchangeCommands::exportOutline(bool markdown)
+{
+    DocumentView *view = m_host->view();
+    Prompts *prompts = m_host->prompts();
+    const QString extension = markdown ? QStringLiteral("md") : QStringLiteral("opml");
+    const char *filter = markdown ? Messages::MarkdownFileFilter : Messages::OpmlFileFilter;
+    const QString path = prompts->saveFileOfType(view, QStringLiteral("Export"), suggestedPath(extension),
+                                                 Prompts::filtersOf(QString::fromLatin1(filter)), extension, nullptr);
+    if (path.isEmpty())
+        return;
+    view->commitEdits();
+    const Document *document = view->document();
+    QString message;
+    QString error;
+    {
+        WaitCursor wait;
+        if (markdown) {
+            const MarkdownExport::Result result =
+                MarkdownExport::exportMarkdown(path, document->root(), {document->noteType}, &error);
+            if (result != MarkdownExport::Result::Ok)
+                message = MarkdownExport::message(result);
+        } else if (!OpmlExport::exportOpml(path, document->root(), {document->noteType}, &error)) {
+            message = QString::fromLatin1(Messages::ExportFailed);
+        }
+    }
+    if (!message.isEmpty())
+        prompts->message(view, Prompts::Icon::Stop,
+                         error.isEmpty() ? message : message + QStringLiteral("\n\n") + error);
 }
 
 QString ExchangeCommands::suggestedPath(const QString &extension) const
@@ -236,13 +326,15 @@ bool ExchangeCommands::importText()
                 OpmlImport::importDocument(path, {quint16(noteType), icon}, &document, &detail);
             failure = OpmlImport::message(result, detail);
         } else if (isMarkdown(path)) {
-            failure = MarkdownImport::message(MarkdownImport::importDocument(path, {quint16(noteType), icon}, &document));
+            failure =
+                MarkdownImport::message(MarkdownImport::importDocument(path, {quint16(noteType), icon}, &document));
         } else {
             TextImport::Options options;
             options.icon = icon;
             options.codePage = settings.ansiCodePage;
             int line = 0;
-            const TextImport::Result result = TextImport::importDocument(path, quint16(noteType), options, &document, &line);
+            const TextImport::Result result =
+                TextImport::importDocument(path, quint16(noteType), options, &document, &line);
             failure = TextImport::message(result, line);
         }
         if (failure.isEmpty())
