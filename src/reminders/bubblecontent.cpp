@@ -35,8 +35,8 @@ QString shownName(const Item *item, ColourRef colourRef)
     QString name = item->name();
     if (item->colour() > 0) {
         const quint32 c = colourRef ? colourRef(item->colour()) : 0;
-        name = QString::asprintf("<font color=\"#%02X%02X%02X\">", c & 0xFF, (c >> 8) & 0xFF, (c >> 16) & 0xFF) +
-               name + QLatin1String("</font>");
+        name = QString::asprintf("<font color=\"#%02X%02X%02X\">", c & 0xFF, (c >> 8) & 0xFF, (c >> 16) & 0xFF) + name +
+               QLatin1String("</font>");
     }
     if (item->isItalic())
         name = QLatin1String("<i>") + name + QLatin1String("</i>");
@@ -57,8 +57,8 @@ QString body(const std::vector<Item *> &due, ColourRef colourRef)
     if (k >= 3)
         return QString::fromLatin1(Messages::ReminderCountPage).replace(QLatin1String("%d"), QString::number(k));
     if (k == 1) {
-        const QString entry = fill(QString::fromLatin1(Messages::ReminderSingleEntry),
-                                   {shownName(due[0], colourRef), shownDate(due[0])});
+        const QString entry =
+            fill(QString::fromLatin1(Messages::ReminderSingleEntry), {shownName(due[0], colourRef), shownDate(due[0])});
         return fill(QString::fromLatin1(Messages::ReminderPageSingle), {entry});
     }
     QString entries;

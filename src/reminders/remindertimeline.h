@@ -16,7 +16,7 @@ namespace ReminderTimeline {
 inline constexpr qint64 TimerPeriodMs = 864'000'000;
 
 struct Bubble {
-    QDateTime wake;           ///< when the check that found them ran
+    QDateTime wake;            ///< when the check that found them ran
     std::vector<Item *> items; ///< in the order they fell due
 };
 

@@ -58,10 +58,9 @@ void TestQbxReminders::reminders_data()
     // Call Bob is last in the list: Pack and Old wait for him; Trip comes in
     // reach when the ten-day timer runs on 03-11.
     QTest::newRow("bubbles") << QStringList({at, QStringLiteral("--until=2024-03-31 00:00:00")}) << 0
-                             << QString::fromLatin1(List) +
-                                    "bubble\t2024-03-01 09:45\t5,6,7\n"
-                                    "bubble\t2024-03-01 10:00\t2\n"
-                                    "bubble\t2024-03-16 08:30\t4\n";
+                             << QString::fromLatin1(List) + "bubble\t2024-03-01 09:45\t5,6,7\n"
+                                                            "bubble\t2024-03-01 10:00\t2\n"
+                                                            "bubble\t2024-03-16 08:30\t4\n";
     QTest::newRow("until is exclusive of a later wake")
         << QStringList({at, QStringLiteral("--until=2024-03-01 09:45:00")}) << 0 << List;
     QTest::newRow("bad time") << QStringList({QStringLiteral("--at=2024-03-01 9:00")}) << 2 << "";
@@ -74,7 +73,8 @@ void TestQbxReminders::reminders()
     QFETCH(int, status);
     QFETCH(QString, out);
     QProcess process;
-    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), QStringList({QStringLiteral("reminders"), m_path}) + options);
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"),
+                  QStringList({QStringLiteral("reminders"), m_path}) + options);
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.exitCode(), status);
     QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()), out);

@@ -78,23 +78,39 @@ void TestReminderManager::reschedule_data()
     QTest::addColumn<QString>("now");
     QTest::addColumn<QString>("wake");
 
-    QTest::newRow("nothing pending") << "a | rem0=2024-03-05T10:00\nb" << "2024-03-05 09:00:00" << "none";
-    QTest::newRow("one ahead") << "a | rem=2024-03-05T10:00" << "2024-03-05 09:00:00" << "2024-03-05 10:00:01";
+    QTest::newRow("nothing pending") << "a | rem0=2024-03-05T10:00\nb"
+                                     << "2024-03-05 09:00:00"
+                                     << "none";
+    QTest::newRow("one ahead") << "a | rem=2024-03-05T10:00"
+                               << "2024-03-05 09:00:00"
+                               << "2024-03-05 10:00:01";
     // The last qualifying item in list order wins, not the earliest.
     QTest::newRow("last in list wins") << "a | rem=2024-03-05T10:00\nb | rem=2024-03-07T12:00\nc | rem=2024-03-06T08:00"
-                                       << "2024-03-05 09:00:00" << "2024-03-06 08:00:01";
+                                       << "2024-03-05 09:00:00"
+                                       << "2024-03-06 08:00:01";
     QTest::newRow("past item is candidate") << "a | rem=2024-03-05T10:00\nb | rem=2024-03-01T12:00"
-                                            << "2024-03-05 09:00:00" << "now";
-    QTest::newRow("under a second ahead is now") << "a | rem=2024-03-05T10:00" << "2024-03-05 10:00:00.200" << "now";
-    QTest::newRow("a second ahead waits") << "a | rem=2024-03-05T10:00" << "2024-03-05 10:00:00" << "2024-03-05 10:00:01";
-    QTest::newRow("beyond the horizon") << "a | rem=2024-03-15T09:00" << "2024-03-05 09:00:00" << "none";
-    QTest::newRow("just inside the horizon") << "a | rem=2024-03-15T08:59" << "2024-03-05 09:00:00"
+                                            << "2024-03-05 09:00:00"
+                                            << "now";
+    QTest::newRow("under a second ahead is now") << "a | rem=2024-03-05T10:00"
+                                                 << "2024-03-05 10:00:00.200"
+                                                 << "now";
+    QTest::newRow("a second ahead waits") << "a | rem=2024-03-05T10:00"
+                                          << "2024-03-05 10:00:00"
+                                          << "2024-03-05 10:00:01";
+    QTest::newRow("beyond the horizon") << "a | rem=2024-03-15T09:00"
+                                        << "2024-03-05 09:00:00"
+                                        << "none";
+    QTest::newRow("just inside the horizon") << "a | rem=2024-03-15T08:59"
+                                             << "2024-03-05 09:00:00"
                                              << "2024-03-15 08:59:01";
     QTest::newRow("horizon ignores later items") << "a | rem=2024-03-06T10:00\nb | rem=2024-04-01T10:00"
-                                                 << "2024-03-05 09:00:00" << "2024-03-06 10:00:01";
-    QTest::newRow("the last minute of 3999 never wakes") << "a | rem=3999-12-31T23:59" << "3999-12-31 20:00:00"
+                                                 << "2024-03-05 09:00:00"
+                                                 << "2024-03-06 10:00:01";
+    QTest::newRow("the last minute of 3999 never wakes") << "a | rem=3999-12-31T23:59"
+                                                         << "3999-12-31 20:00:00"
                                                          << "none";
-    QTest::newRow("the minute before it does") << "a | rem=3999-12-31T23:58" << "3999-12-31 20:00:00"
+    QTest::newRow("the minute before it does") << "a | rem=3999-12-31T23:58"
+                                               << "3999-12-31 20:00:00"
                                                << "3999-12-31 23:58:01";
 }
 
@@ -105,7 +121,7 @@ void TestReminderManager::reschedule()
     QFETCH(QString, wake);
     Fixture f(outline.toUtf8().constData());
     const QDateTime time = QDateTime::fromString(now, now.contains(u'.') ? QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")
-                                                                          : QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+                                                                         : QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     QCOMPARE(describe(f.manager.reschedule(time)), wake);
     QCOMPARE(f.manager.lastScheduled(), time);
 }
@@ -220,22 +236,32 @@ void TestReminderManager::timeline_data()
     QTest::addColumn<QString>("bubbles");
 
     // Opened at 2024-03-01 09:00:00.
-    QTest::newRow("on time") << "a | rem=2024-03-01T10:00" << "2024-03-02 00:00:00" << "03-01 10:00 a";
-    QTest::newRow("already past shows at once") << "a | rem=2024-02-01T10:00" << "2024-03-02 00:00:00"
+    QTest::newRow("on time") << "a | rem=2024-03-01T10:00"
+                             << "2024-03-02 00:00:00"
+                             << "03-01 10:00 a";
+    QTest::newRow("already past shows at once") << "a | rem=2024-02-01T10:00"
+                                                << "2024-03-02 00:00:00"
                                                 << "03-01 09:00 a";
-    QTest::newRow("not before until") << "a | rem=2024-03-01T10:00" << "2024-03-01 10:00:00" << "";
+    QTest::newRow("not before until") << "a | rem=2024-03-01T10:00"
+                                      << "2024-03-01 10:00:00"
+                                      << "";
     // 15 days ahead: out of reach until the timer moves the horizon on
     // (2024-03-11 09:00), then woken on time.
-    QTest::newRow("fifteen days ahead") << "a | rem=2024-03-16T10:00" << "2024-04-01 00:00:00" << "03-16 10:00 a";
+    QTest::newRow("fifteen days ahead") << "a | rem=2024-03-16T10:00"
+                                        << "2024-04-01 00:00:00"
+                                        << "03-16 10:00 a";
     // b is last in the list, so a (an hour earlier) waits for it; c comes
     // after both and gets its own bubble.
     QTest::newRow("last in list delays earlier")
-        << "a | rem=2024-03-01T10:00\nc | rem=2024-03-01T13:00\nb | rem=2024-03-01T11:00" << "2024-03-02 00:00:00"
+        << "a | rem=2024-03-01T10:00\nc | rem=2024-03-01T13:00\nb | rem=2024-03-01T11:00"
+        << "2024-03-02 00:00:00"
         << "03-01 11:00 a,b; 03-01 13:00 c";
-    QTest::newRow("a past one before a later one waits")
-        << "a | rem=2024-02-01T10:00\nb | rem=2024-03-01T11:00" << "2024-03-02 00:00:00" << "03-01 11:00 a,b";
+    QTest::newRow("a past one before a later one waits") << "a | rem=2024-02-01T10:00\nb | rem=2024-03-01T11:00"
+                                                         << "2024-03-02 00:00:00"
+                                                         << "03-01 11:00 a,b";
     QTest::newRow("an earlier last item goes first") << "a | rem=2024-03-01T10:00\nb | rem=2024-03-01T09:30"
-                                                     << "2024-04-30 00:00:00" << "03-01 09:30 b; 03-01 10:00 a";
+                                                     << "2024-04-30 00:00:00"
+                                                     << "03-01 09:30 b; 03-01 10:00 a";
 }
 
 void TestReminderManager::timeline()

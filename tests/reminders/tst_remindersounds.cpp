@@ -53,14 +53,22 @@ void TestReminderSounds::fileFor_data()
     QTest::addColumn<QString>("setting");
     QTest::addColumn<QString>("file"); // below the temporary folder; empty for silence
 
-    QTest::newRow("none") << "(None)" << "";
-    QTest::newRow("a path holding (None)") << "@user/(None).wav" << "";
-    QTest::newRow("bare name in a subfolder") << "Alarm1" << "system/alarms/Alarm1.wav";
-    QTest::newRow("name with extension") << "Chime.wav" << "user/Chime.wav";
-    QTest::newRow("path") << "@system/bell.wav" << "system/bell.wav";
-    QTest::newRow("missing path") << "@system/gone.wav" << "";
-    QTest::newRow("unknown name") << "Alarm2" << "";
-    QTest::newRow("empty") << "" << "";
+    QTest::newRow("none") << "(None)"
+                          << "";
+    QTest::newRow("a path holding (None)") << "@user/(None).wav"
+                                           << "";
+    QTest::newRow("bare name in a subfolder") << "Alarm1"
+                                              << "system/alarms/Alarm1.wav";
+    QTest::newRow("name with extension") << "Chime.wav"
+                                         << "user/Chime.wav";
+    QTest::newRow("path") << "@system/bell.wav"
+                          << "system/bell.wav";
+    QTest::newRow("missing path") << "@system/gone.wav"
+                                  << "";
+    QTest::newRow("unknown name") << "Alarm2"
+                                  << "";
+    QTest::newRow("empty") << ""
+                           << "";
 }
 
 void TestReminderSounds::fileFor()

@@ -104,8 +104,7 @@ void TestDesktopNotification::notifyReplaceActAndClose()
     QCOMPARE(first.replaces, 0u);
     QCOMPARE(first.summary, QStringLiteral("Quillbox Reminder"));
     QCOMPARE(first.body, QStringLiteral("<b>a</b> 3/5/24"));
-    QCOMPARE(first.actions,
-             QStringList({"cmd:1990", "Dismiss All", "cmd:1991", "View Reminders"}));
+    QCOMPARE(first.actions, QStringList({"cmd:1990", "Dismiss All", "cmd:1991", "View Reminders"}));
     QCOMPARE(first.timeout, 3600000);
 
     notification.show(QStringLiteral("Quillbox Reminder"), QStringLiteral("There are 3 reminders."));

@@ -39,8 +39,14 @@ struct Fixture {
         controller = std::make_unique<ReminderController>(&document, settings, prompts, &window, std::move(owned),
                                                           std::move(notification));
     }
-    ~Fixture() { Clock::reset(); }
-    Item *item(const char *name) { return Outline::find(document.root(), QString::fromLatin1(name)); }
+    ~Fixture()
+    {
+        Clock::reset();
+    }
+    Item *item(const char *name)
+    {
+        return Outline::find(document.root(), QString::fromLatin1(name));
+    }
 
     Document document;
     Settings settings;

@@ -13,8 +13,8 @@
 #include "shell/widgets/remindersound.h"
 #include "storage/settings.h"
 
-ReminderController::ReminderController(Document *document, const Settings &settings, Prompts &prompts,
-                                       QWidget *window, std::unique_ptr<WakeAlarm> alarm,
+ReminderController::ReminderController(Document *document, const Settings &settings, Prompts &prompts, QWidget *window,
+                                       std::unique_ptr<WakeAlarm> alarm,
                                        std::unique_ptr<DesktopNotification> notification)
     : m_settings(settings), m_prompts(prompts), m_window(window), m_notification(std::move(notification)),
       m_sound(std::make_unique<ReminderSound>())

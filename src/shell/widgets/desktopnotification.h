@@ -26,7 +26,10 @@ public:
     /// Takes our notification away.
     void close();
     /// The service's id of our notification; 0 when none is known.
-    quint32 currentId() const { return m_id; }
+    quint32 currentId() const
+    {
+        return m_id;
+    }
 
 Q_SIGNALS:
     /// An action was chosen: 1990 "Dismiss All" or 1991 "View Reminders".
