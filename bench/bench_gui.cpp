@@ -1,11 +1,10 @@
 #include "model/document.h"
-#include "shell/commands/commandids.h"
 #include "shell/document/documentview.h"
-#include "support/scriptedprompts.h"
 #include "shell/document/treepane.h"
 #include "storage/documentfile.h"
-#include "tools/documentgenerator.h"
 #include "storage/settings.h"
+#include "support/scriptedprompts.h"
+#include "tools/documentgenerator.h"
 #include "views/viewrows.h"
 
 #include <QApplication>
@@ -84,13 +83,13 @@ void expandAll(benchmark::State &state)
     Fixture &f = fixture();
     auto view = f.open();
     for (auto _ : state) {
-        view->runCommand(CommandId::ExpandAll);
+        view->expandAll();
         paint(view.get());
         state.PauseTiming();
-        view->runCommand(CommandId::CollapseAll);
+        view->collapseAll();
         state.ResumeTiming();
     }
-    view->runCommand(CommandId::ExpandAll);
+    view->expandAll();
     state.counters["rows"] = view->rows()->count();
 }
 BENCHMARK(expandAll)->Unit(benchmark::kMillisecond)->Iterations(3);
@@ -101,9 +100,9 @@ void collapseAll(benchmark::State &state)
     auto view = f.open();
     for (auto _ : state) {
         state.PauseTiming();
-        view->runCommand(CommandId::ExpandAll);
+        view->expandAll();
         state.ResumeTiming();
-        view->runCommand(CommandId::CollapseAll);
+        view->collapseAll();
         paint(view.get());
     }
 }
@@ -114,7 +113,7 @@ void scrollPage(benchmark::State &state)
 {
     Fixture &f = fixture();
     auto view = f.open();
-    view->runCommand(CommandId::ExpandAll);
+    view->expandAll();
     QScrollBar *bar = view->treePane()->verticalScrollBar();
     for (auto _ : state) {
         int value = bar->value() + bar->pageStep();
@@ -132,7 +131,7 @@ void selectNextRow(benchmark::State &state)
 {
     Fixture &f = fixture();
     auto view = f.open();
-    view->runCommand(CommandId::ExpandAll);
+    view->expandAll();
     TreePane *tree = view->treePane();
     tree->setCurrentRow(Items / 2);
     for (auto _ : state) {
@@ -147,7 +146,7 @@ void tapCheckBox(benchmark::State &state)
 {
     Fixture &f = fixture();
     auto view = f.open();
-    view->runCommand(CommandId::ExpandAll);
+    view->expandAll();
     TreePane *tree = view->treePane();
     int row = Items / 3;
     for (;; ++row) {
@@ -182,7 +181,7 @@ void deepChain(benchmark::State &state)
         auto view = std::make_unique<DocumentView>(std::move(doc), &f.settings, &f.prompts);
         view->resize(900, 700);
         view->show();
-        view->runCommand(CommandId::ExpandAll);
+        view->expandAll();
         view->treePane()->setCurrentRow(view->rows()->count() - 1);
         paint(view.get());
         state.counters["rows"] = view->rows()->count();

@@ -2,13 +2,15 @@
 # its own executable and CTest test. Suites under tests/rows, tests/noteeditor
 # and tests/shell link the desktop library and run on the offscreen platform;
 # suites under tests/cli run the qbx program. Shared helpers live in
-# tests/support/.
+# tests/support/. Suites under tests/app run the quillbox program with the
+# desktop library at hand; suites under tests/packaging install or package
+# this build.
 function(quillbox_add_test src)
     get_filename_component(name ${src} NAME_WE)
     get_filename_component(dir ${src} DIRECTORY)
     get_filename_component(area ${dir} NAME)
     set(gui FALSE)
-    if(area MATCHES "^(rows|noteeditor|shell)$")
+    if(area MATCHES "^(rows|noteeditor|shell|app)$")
         if(NOT TARGET quillbox_ui)
             return()
         endif()
@@ -27,6 +29,18 @@ function(quillbox_add_test src)
                                                QUILLBOX_BINARY_DIR="${CMAKE_BINARY_DIR}")
     if(area STREQUAL "cli")
         add_dependencies(${name} qbx)
+    elseif(area STREQUAL "app")
+        add_dependencies(${name} quillbox)
+    elseif(area STREQUAL "packaging")
+        add_dependencies(${name} qbx)
+        set(with_gui 0)
+        if(TARGET quillbox)
+            add_dependencies(${name} quillbox)
+            set(with_gui 1)
+        endif()
+        target_compile_definitions(${name} PRIVATE QUILLBOX_WITH_GUI=${with_gui}
+                                                   QUILLBOX_CMAKE_COMMAND="${CMAKE_COMMAND}"
+                                                   QUILLBOX_CPACK_COMMAND="${CMAKE_CPACK_COMMAND}")
     endif()
     add_test(NAME ${area}/${name} COMMAND ${name})
     set_tests_properties(${area}/${name} PROPERTIES

@@ -6,14 +6,67 @@
 #include <QFileInfo>
 #include <QIcon>
 
+#include <cstdio>
+#include <cstring>
+
+namespace {
+constexpr char Usage[] =
+    "Usage: quillbox [OPTION] [FILE]\n"
+    "\n"
+    "Quillbox, a hierarchical note-taking and task outliner.\n"
+    "\n"
+    "Opens FILE, a .qbx document, or else the document that was open when\n"
+    "Quillbox last closed. When Quillbox is already running, FILE is handed\n"
+    "to the running window, which comes forward, and this start ends.\n"
+    "\n"
+    "Options:\n"
+    "  -h, --help     show this help and exit\n"
+    "      --version  show the version and exit\n"
+    "\n"
+    "Qt's own options (-platform, -style, ...) are accepted as well.\n"
+    "Run 'qbx --help' for the command-line companion.\n";
+
+/// Answers --help and --version before anything else starts: no window, no
+/// display needed, and nothing is handed to a running instance. Returns -1
+/// when the start goes on.
+int answerInformationOption(int argc, char *argv[])
+{
+    if (argc < 2)
+        return -1;
+    const char *option = argv[1];
+    if (std::strcmp(option, "--help") == 0 || std::strcmp(option, "-h") == 0) {
+        std::fputs(Usage, stdout);
+        return 0;
+    }
+    if (std::strcmp(option, "--version") == 0) {
+        std::fputs("quillbox " QUILLBOX_VERSION "\n", stdout);
+        return 0;
+    }
+    return -1;
+}
+} // namespace
+
 int main(int argc, char *argv[])
 {
+    if (const int code = answerInformationOption(argc, argv); code >= 0)
+        return code;
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillbox"));
     QApplication::setOrganizationName(QStringLiteral("Quillbox"));
     QApplication::setApplicationVersion(QStringLiteral(QUILLBOX_VERSION));
+    // Ties the windows to the installed desktop entry (its name and icon).
+    QApplication::setDesktopFileName(QStringLiteral("org.quillbox.Quillbox"));
 
-    const QStringList args = QApplication::arguments();
+    QStringList args = QApplication::arguments();
+    // "--" ends the options, so that a document whose name starts with a
+    // dash can still be opened.
+    if (args.size() > 1 && args.at(1) == QLatin1String("--"))
+        args.removeAt(1);
+    else if (args.size() > 1 && args.at(1).startsWith(QLatin1Char('-'))) {
+        std::fprintf(stderr, "quillbox: unknown option '%s'\n\n%s", qPrintable(args.at(1)), Usage);
+        return 2;
+    }
     const QString path = args.size() > 1 ? QFileInfo(args.at(1)).absoluteFilePath() : QString();
 
     SingleInstance instance;

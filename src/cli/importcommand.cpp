@@ -2,7 +2,7 @@
 #include "cli/documentloading.h"
 #include "cli/notetypes.h"
 #include "cli/positions.h"
-#include "notes/noteconverter.h"
+#include "exchange/documentimport.h"
 #include "exchange/textimport.h"
 #include "platform/messages.h"
 #include "storage/password.h"
@@ -89,8 +89,7 @@ int importDocument(const QCommandLineParser &parser, const QStringList &args, co
         err << Messages::PasswordNotCorrect << "\n";
         return false;
     };
-    const DocumentFile::LoadResult result =
-        DocumentFile::importInto(&document, target, args.at(2), askPassword, &NoteConverter::convertImported);
+    const DocumentFile::LoadResult result = DocumentImport::importInto(&document, target, args.at(2), askPassword);
     if (result == DocumentFile::Cancelled)
         return 3;
     if (result != DocumentFile::Loaded) {

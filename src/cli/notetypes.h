@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/document.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -10,15 +12,15 @@ namespace NoteTypes {
 inline bool parse(const QString &text, quint16 *type)
 {
     const QString word = text.trimmed().toLower();
-    if (word == QLatin1String("0") || word == QLatin1String("plain") || word == QLatin1String("plain text"))
-        *type = 0;
-    else if (word == QLatin1String("1") || word == QLatin1String("ink") || word == QLatin1String("rich ink"))
-        *type = 1;
-    else if (word == QLatin1String("2") || word == QLatin1String("rich") || word == QLatin1String("rich text"))
-        *type = 2;
-    else
-        return false;
-    return true;
+    const char *shortNames[] = {"plain", "ink", "rich"};
+    for (quint16 t = Document::PlainText; t <= Document::RichText; ++t) {
+        if (word == QString::number(t) || word == QLatin1String(shortNames[t]) ||
+            word == Document::noteTypeName(t).toLower()) {
+            *type = t;
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace NoteTypes

@@ -12,12 +12,6 @@ void Document::setRoot(std::unique_ptr<TreeNode> root)
     m_current = nullptr;
 }
 
-std::unique_ptr<TreeNode> Document::takeRoot()
-{
-    m_current = nullptr;
-    return std::move(m_root);
-}
-
 Item *Document::liveItem(quint32 handle) const
 {
     Item *item = Item::fromHandle(handle);

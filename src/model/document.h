@@ -12,6 +12,15 @@ class Document {
 public:
     enum ViewMode : quint16 { DefaultView = 0, ByCategory = 1, ByDueDate = 2, ByPriority = 3 };
     enum NoteType : quint16 { PlainText = 0, RichInk = 1, RichText = 2 };
+    /// The names of the note types, in the order of their numbers.
+    static constexpr const char *NoteTypeNames[] = {"Plain Text", "Rich Ink", "Rich Text"};
+    /// The name of a note type; an unknown one is named as plain text.
+    static QString noteTypeName(quint16 type)
+    {
+        if (type > RichText)
+            type = PlainText;
+        return QString::fromLatin1(NoteTypeNames[type]);
+    }
     /// HideByStatus bits: hide items whose StatusType is "No Status",
     /// "Check Box" or "Progress Bar".
     enum HideBits : quint32 { HideNoStatus = 1u << 4, HideCheckBox = 1u << 5, HideProgressBar = 1u << 6 };
@@ -24,7 +33,6 @@ public:
     TreeNode *root() const { return m_root.get(); }
     /// Replaces the tree; the current node becomes the new root.
     void setRoot(std::unique_ptr<TreeNode> root);
-    std::unique_ptr<TreeNode> takeRoot();
 
     /// The selected node; the root when nothing else is.
     TreeNode *current() const { return m_current ? m_current : m_root.get(); }

@@ -239,4 +239,36 @@ bool addToHistory(QStringList &history, const QString &text)
     return true;
 }
 
+void applyProperties(Item *item, const ItemProperties &p, Document *document)
+{
+    item->setName(p.name);
+    setPriority(item, p.priority);
+    item->setCategory(document ? document->collectCategory(p.category) : p.category);
+    item->setImage(p.image);
+    item->setColour(p.colour);
+    item->setShowIcon(p.showIcon);
+    item->setItalic(p.italic);
+    item->setStatusType(p.statusType);
+    item->setDueDate(p.dueDate);
+    item->setTaskTime(p.taskTime);
+    item->setTaskTimeType(p.taskTimeType);
+    item->setReminderTime(p.reminderTime);
+    if (p.links)
+        item->setLinks(*p.links);
+    if (p.note)
+        item->setNote(*p.note);
+    // Progress comes last, since its roll-up climbs from here.
+    if (p.autoProgress) {
+        item->setAutoProgress(true);
+        item->progressChanged();
+    } else {
+        item->setAutoProgress(false);
+        if (item->progress() != p.progress)
+            item->setProgress(p.progress);
+    }
+    if (TreeNode *parent = item->parent())
+        ChildOrder::sortAgain(parent);
+    Progress::resortAncestors(item);
+}
+
 } // namespace Editing

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "model/systemtime.h"
+
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
+#include <optional>
 
 class Document;
 class Item;
@@ -47,6 +51,27 @@ private:
     Mode m_mode = Empty;
 };
 
+/// Every attribute that the item properties dialog edits, as it is to be
+/// stored. Links and the note are stored only when given.
+struct ItemProperties {
+    QString name;
+    quint16 priority = 1;
+    QString category;
+    quint16 image = 0;
+    quint16 colour = 0;
+    bool showIcon = false;
+    bool italic = false;
+    quint16 statusType = 0;
+    SystemTime dueDate;
+    QString taskTime;
+    quint16 taskTimeType = 0;
+    SystemTime reminderTime;
+    std::optional<QStringList> links;
+    std::optional<QByteArray> note;
+    bool autoProgress = false;
+    quint16 progress = 0;
+};
+
 /// The operations by which the user changes the shape of the note tree. Each
 /// sorts a parent again when it orders its children by a key.
 namespace Editing {
@@ -73,6 +98,12 @@ TreeNode *deleteItem(Document &document, Item *item, ItemClip *clip);
 bool canDrop(const Item *dragged, const TreeNode *target);
 /// Makes dragged the last child of target; false when the drop is ignored.
 bool drop(Item *dragged, TreeNode *target);
+
+/// Stores properties in item. With a document the category joins the
+/// document's list (a template's item has none). The parent sorts again by
+/// its key and progress rolls up: switching to automatic progress computes
+/// the item's own progress at once.
+void applyProperties(Item *item, const ItemProperties &properties, Document *document);
 
 /// Sets the priority (1 to 20); a parent ordered by priority sorts again.
 void setPriority(Item *item, quint16 priority);

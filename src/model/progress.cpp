@@ -5,17 +5,22 @@
 
 namespace Progress {
 
+quint16 mean(const std::vector<Item *> &items)
+{
+    if (items.empty())
+        return 0;
+    quint64 sum = 0;
+    for (const Item *item : items)
+        sum += item->progress();
+    return quint16(sum / quint64(items.size()));
+}
+
 void rollUp(TreeNode *node)
 {
     for (; node; node = node->parent()) {
         Item *item = node->asItem();
-        if (!item || !item->autoProgress())
-            continue;
-        quint64 sum = 0;
-        for (const Item *child : item->children())
-            sum += child->progress();
-        // Unsigned integer division: 100, 100 and 0 give 66.
-        item->storeProgress(item->hasChildren() ? quint16(sum / quint64(item->childCount())) : 0);
+        if (item && item->autoProgress())
+            item->storeProgress(mean(item->children()));
     }
 }
 

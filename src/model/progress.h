@@ -14,6 +14,10 @@ namespace Progress {
 /// The values of the progress bar's popup menu, in menu order.
 inline constexpr std::array<quint16, 7> Presets = {0, 10, 25, 50, 75, 90, 100};
 
+/// The automatic progress of a list of items: the unsigned mean of their
+/// progress (100, 100 and 0 give 66), 0 for none.
+quint16 mean(const std::vector<Item *> &items);
+
 /// Recomputes node if it is automatic (the unsigned mean of its direct
 /// children, 0 without children), then every ancestor the same way up to the
 /// root; a manual ancestor is passed over without stopping the climb.

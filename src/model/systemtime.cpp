@@ -7,11 +7,6 @@ std::array<quint16, 8> SystemTime::fields() const
     return {year, month, dayOfWeek, day, hour, minute, second, milliseconds};
 }
 
-SystemTime SystemTime::fromFields(const std::array<quint16, 8> &f)
-{
-    return {f[0], f[1], f[2], f[3], f[4], f[5], f[6], f[7]};
-}
-
 SystemTime SystemTime::fromDateTime(const QDateTime &time)
 {
     const QDate d = time.date();

@@ -21,7 +21,6 @@ struct SystemTime {
     bool isZero() const { return fields() == std::array<quint16, 8>{}; }
 
     std::array<quint16, 8> fields() const;
-    static SystemTime fromFields(const std::array<quint16, 8> &f);
 
     static SystemTime fromDateTime(const QDateTime &time);
     /// The present local time from the Clock.

@@ -133,3 +133,45 @@ inline constexpr const char *ViewReminders = "View Reminders";
 inline constexpr const char *NoSound = "(None)";
 
 } // namespace Messages
+
+// Tasks and appointments in the calendar store.
+namespace Messages {
+
+inline constexpr const char *AskTaskForEachChild =
+    "Do you want to create a task item for each direct child? Tap Yes to create a task for each child. Tap No to "
+    "create a task for the selected item only.";
+inline constexpr const char *AskAppointmentForEachChild =
+    "Do you want to create an appointment item for each direct child? Tap Yes to create an appointment for each "
+    "child. Tap No to create an appointment for the selected item only.";
+inline constexpr const char *CalendarNotSetUp =
+    "No calendar is set up. Choose a folder or a CalDAV calendar on the Calendar page of the options.";
+/// %1 is the reason the store gave.
+inline constexpr const char *CalendarUnreachable = "The calendar cannot be used: %1";
+/// %1 is the count.
+inline constexpr const char *CalendarObjectsCreated = "%1 object(s) created in the calendar.";
+/// %1 the count created, %2 the count that failed.
+inline constexpr const char *CalendarObjectsFailed = "%1 object(s) created in the calendar, %2 could not be created.";
+
+// Reasons a calendar store gives; %1 is the folder or address.
+inline constexpr const char *CalendarFolderUnusable = "The folder '%1' cannot be created or written.";
+inline constexpr const char *CalendarFolderMissing = "The folder '%1' does not exist.";
+/// %2 is the system's reason.
+inline constexpr const char *CalendarFileNotWritten = "The file '%1' cannot be written: %2";
+inline constexpr const char *CalendarObjectExists = "An object with the same identity is already in '%1'.";
+inline constexpr const char *CalendarBadAddress = "'%1' is not an http:// or https:// address.";
+inline constexpr const char *CalendarHttpsRequired =
+    "'%1' is not encrypted: only this computer's own address may use http://. Use https:// instead.";
+/// %2 is the address the server points to.
+inline constexpr const char *CalendarRedirected = "The server moved '%1' to '%2'. Enter that address instead.";
+inline constexpr const char *CalendarAuthFailed = "The server at '%1' refused the user name or password.";
+inline constexpr const char *CalendarForbidden = "The server does not allow this user to use '%1'.";
+inline constexpr const char *CalendarNotFound = "There is no calendar at '%1'.";
+inline constexpr const char *CalendarNotACalendar = "'%1' is not a calendar collection.";
+/// %2 is the number of seconds waited.
+inline constexpr const char *CalendarTimeout = "The server at '%1' did not answer within %2 seconds.";
+/// %2 is the network's reason.
+inline constexpr const char *CalendarNoConnection = "The server at '%1' cannot be reached: %2";
+/// %2 is the HTTP status and its text.
+inline constexpr const char *CalendarServerError = "The server answered '%1' with %2.";
+
+} // namespace Messages

@@ -65,7 +65,6 @@ public:
     /// Every row is one line: the icon height plus one.
     int rowHeight() const { return m_columnWidth + 1; }
     int dateWidth() const { return m_dateWidth; }
-    const QFont &dateFont() const { return m_dateFont; }
     /// The list font for an item: weight, italic and strike-out by the rules.
     QFont itemFont(const Item *item) const;
     QFont titleFont() const;

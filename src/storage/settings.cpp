@@ -26,6 +26,8 @@ const QString KeyFavIcons = QStringLiteral("FavIcons");
 const QString KeyDispMode = QStringLiteral("DispMode");
 const QString KeyWordDirect = QStringLiteral("WordDirect");
 const QString KeyAnsiCodePage = QStringLiteral("AnsiCodePage");
+const QString KeyCalendarStore = QStringLiteral("CalendarStore");
+const QString KeyCalendarUser = QStringLiteral("CalendarUser");
 
 // A 32-bit value; anything absent or not a number takes the default. Values
 // beyond 32 bits keep their low word, as a DWORD would.
@@ -184,6 +186,8 @@ bool Settings::load(QSettings &store)
 
     if (!readString(store, KeyAnsiCodePage, &ansiCodePage) || ansiCodePage.isEmpty())
         ansiCodePage = QStringLiteral("windows-1252");
+    readString(store, KeyCalendarStore, &calendarStore);
+    readString(store, KeyCalendarUser, &calendarUser);
     return true;
 }
 
@@ -210,6 +214,8 @@ bool Settings::save(QSettings &store) const
     store.setValue(KeyTemplateFile, templateFile);
     store.setValue(KeySound, sound);
     store.setValue(KeyAnsiCodePage, ansiCodePage);
+    store.setValue(KeyCalendarStore, calendarStore);
+    store.setValue(KeyCalendarUser, calendarUser);
     store.remove(KeySplitPct);
     store.remove(KeyDispMode);
     store.remove(KeyWordDirect);

@@ -65,6 +65,11 @@ public:
     QList<quint16> favIcons;
     /// The code page of ANSI text exports and imports, by its ICU name.
     QString ansiCodePage = QStringLiteral("windows-1252");
+    /// Where tasks and appointments go: a folder or a CalDAV collection
+    /// address; empty means the default calendar folder. The CalDAV password
+    /// is never kept here.
+    QString calendarStore;
+    QString calendarUser;
 
     bool testFlag(Flag flag) const { return flags & flag; }
     void setFlag(Flag flag, bool on) { flags = on ? (flags | flag) : (flags & ~quint32(flag)); }

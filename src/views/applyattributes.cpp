@@ -8,16 +8,11 @@
 
 namespace {
 
-// The automatic recomputation of one item, without the climb: the unsigned
-// mean of its direct children, 0 without children.
+// The automatic recomputation of one item, without the climb.
 void recomputeAutomatic(Item *item)
 {
-    if (!item->autoProgress())
-        return;
-    quint64 sum = 0;
-    for (const Item *child : item->children())
-        sum += child->progress();
-    item->storeProgress(item->hasChildren() ? quint16(sum / quint64(item->childCount())) : 0);
+    if (item->autoProgress())
+        item->storeProgress(Progress::mean(item->children()));
 }
 
 // Everything but the climb of the progress roll-up, in the order the fields

@@ -31,12 +31,7 @@ void GroupHeading::setOrder(quint16 key, bool ascending)
 
 quint16 GroupHeading::progress() const
 {
-    if (m_items.empty())
-        return 0;
-    quint64 sum = 0;
-    for (const Item *item : m_items)
-        sum += item->progress();
-    return quint16(sum / quint64(m_items.size()));
+    return Progress::mean(m_items);
 }
 
 Progress::Statistics GroupHeading::statistics() const

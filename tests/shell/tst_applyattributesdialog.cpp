@@ -2,7 +2,6 @@
 
 #include "shell/dialogs/applyattributesdialog.h"
 #include "shell/widgets/colourcombo.h"
-#include "shell/commands/commandids.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -96,7 +95,7 @@ void TestApplyAttributesDialog::appliedToChildrenOrToEverythingBelow()
         child<QCheckBox>(d, "allSubItems")->setChecked(allSubItems);
         press(d, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::ApplyAttributes);
+    f.run("actionApplyAttributes");
     const QString changed = ok ? QStringLiteral("Garden") : QString();
     QCOMPARE(f.at({0, 0})->category(), changed);
     QCOMPARE(f.at({0, 1})->category(), changed);

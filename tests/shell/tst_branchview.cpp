@@ -1,7 +1,6 @@
 #include "support/shellfixture.h"
 
 #include "shell/document/branchview.h"
-#include "shell/commands/commandids.h"
 #include "views/viewrows.h"
 
 #include <QAction>
@@ -45,11 +44,11 @@ void TestBranchView::showsTheBranchAndIsOfferedInTheDefaultViewOnly()
     ShellFixture f;
     QVERIFY(f.open(sample()));
     f.select(f.document()->root());
-    QVERIFY(!f.view()->isCommandEnabled(CommandId::BranchView)); // the list title has no branch of its own
+    QVERIFY(!f.enabled("actionBranchView")); // the list title has no branch of its own
     f.select(f.at({0}));
-    QVERIFY(f.view()->isCommandEnabled(CommandId::BranchView));
+    QVERIFY(f.enabled("actionBranchView"));
     f.document()->viewMode = Document::ByPriority;
-    QVERIFY(!f.view()->isCommandEnabled(CommandId::BranchView));
+    QVERIFY(!f.enabled("actionBranchView"));
     f.document()->viewMode = Document::DefaultView;
 
     f.prompts.dialogs.enqueue([](QDialog *d) {
@@ -61,11 +60,11 @@ void TestBranchView::showsTheBranchAndIsOfferedInTheDefaultViewOnly()
         screenshot(d, QStringLiteral("branch-view"));
         // An edit made here shows in the main list too.
         branch->treePane()->setCurrentRow(4);
-        QVERIFY(branch->runCommand(CommandId::Priority1));
+        QVERIFY(runIn(branch, "actionPriority1"));
         QCOMPARE(branch->treePane()->currentNode()->name(), QStringLiteral("Shed"));
         press(d, QDialogButtonBox::Close);
     });
-    f.run(CommandId::BranchView);
+    f.run("actionBranchView");
     QCOMPARE(f.prompts.dialogsRun, QStringList{QStringLiteral("branchView")});
     QCOMPARE(f.at({0, 1})->priority(), quint16(1));
     QCOMPARE(f.current(), f.at({0}));
@@ -92,7 +91,7 @@ void TestBranchView::closesWhenTheWholeBranchIsHidden()
         Q_EMIT branch->treePane()->statusTapped(beds, QPoint());
         stillOpen = d->isVisible();
     });
-    f.run(CommandId::BranchView);
+    f.run("actionBranchView");
     QVERIFY(!stillOpen);
     QCOMPARE(f.shownTexts(), QStringList{QStringLiteral(
                                  "The whole branch is hidden due to progress value and/or status type changes.")});
@@ -109,12 +108,12 @@ void TestBranchView::keepsAMarkOfItsOwn()
     f.prompts.dialogs.enqueue([&](QDialog *d) {
         auto *branch = qobject_cast<BranchView *>(d);
         branch->treePane()->setCurrentRow(2); // Shed
-        QVERIFY(branch->runCommand(CommandId::MarkMove));
+        QVERIFY(runIn(branch, "actionMarkMove"));
         branch->treePane()->setCurrentRow(1); // Beds
-        QVERIFY(branch->runCommand(CommandId::Paste));
+        QVERIFY(runIn(branch, "actionPaste"));
         press(d, QDialogButtonBox::Close);
     });
-    f.run(CommandId::BranchView);
+    f.run("actionBranchView");
     QVERIFY(f.view()->clip().isEmpty());
     QCOMPARE(f.at({0})->childCount(), 1);
     QCOMPARE(f.at({0, 0, 2})->name(), QStringLiteral("Shed"));
@@ -129,14 +128,14 @@ void TestBranchView::deletingReleasesTheMainListsMark()
     f.prompts.dialogs.enqueue([&](QDialog *d) {
         auto *branch = qobject_cast<BranchView *>(d);
         branch->treePane()->setCurrentRow(1); // Beds
-        QVERIFY(branch->runCommand(CommandId::DeleteItem));
+        QVERIFY(runIn(branch, "actionDeleteItem"));
         QCOMPARE(rowTexts(branch->rows()), (QStringList{QStringLiteral("Garden"), QStringLiteral("-Shed")}));
         // Deleting the top itself ends the branch view.
         branch->treePane()->setCurrentRow(0);
-        QVERIFY(branch->runCommand(CommandId::DeleteItem));
+        QVERIFY(runIn(branch, "actionDeleteItem"));
         QVERIFY(!d->isVisible());
     });
-    f.run(CommandId::BranchView);
+    f.run("actionBranchView");
     QCOMPARE(f.shownTexts(), (QStringList{QStringLiteral("Are you sure to delete this item and all its subitems?"),
                                           QStringLiteral("Are you sure to delete this item and all its subitems?")}));
     QVERIFY(f.view()->clip().isEmpty());

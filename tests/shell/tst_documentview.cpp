@@ -1,14 +1,14 @@
-#include "notes/notetext.h"
 #include "model/document.h"
 #include "model/item.h"
 #include "noteeditor/notepane.h"
+#include "notes/notetext.h"
 #include "platform/messages.h"
-#include "shell/commands/commandids.h"
 #include "shell/document/documentview.h"
 #include "shell/document/quickentrybar.h"
-#include "support/scriptedprompts.h"
 #include "shell/document/treepane.h"
 #include "storage/settings.h"
+#include "support/scriptedprompts.h"
+#include "support/shellfixture.h"
 #include "views/viewrows.h"
 
 #include <QComboBox>
@@ -83,25 +83,25 @@ private:
     void openMenuOn(const QString &name, const QString &choice = QString());
     void drag(const QString &from, const QPoint &to);
 
-    Settings m_settings;
+    std::unique_ptr<ShellFixture> m_f;
     ScriptedPrompts *m_prompts = nullptr;
     DocumentView *m_view = nullptr;
 };
 
 void TestDocumentView::init()
 {
-    m_settings = Settings();
-    m_prompts = new ScriptedPrompts;
-    m_view = new DocumentView(sampleDocument(), &m_settings, m_prompts);
-    m_view->resize(500, 700);
-    m_view->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_view));
+    m_f = std::make_unique<ShellFixture>();
+    m_prompts = &m_f->prompts;
+    m_view = m_f->open(sampleDocument());
+    QVERIFY(m_view);
+    m_f->window->resize(500, 760);
+    m_f->window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_f->window.get()));
 }
 
 void TestDocumentView::cleanup()
 {
-    delete m_view;
-    delete m_prompts;
+    m_f.reset();
 }
 
 Item *TestDocumentView::item(const QString &name) const
@@ -141,7 +141,7 @@ void TestDocumentView::openMenuOn(const QString &name, const QString &choice)
     if (!choice.isNull())
         m_prompts->menuChoices.enqueue(choice);
     const int row = m_view->treePane()->currentRow();
-    m_view->showItemMenu(row, QPoint());
+    Q_EMIT m_view->treePane()->contextMenuRequested(row, QPoint());
     QCoreApplication::processEvents(); // the chosen command runs queued
 }
 
@@ -214,9 +214,9 @@ void TestDocumentView::glyphExpandsAndCollapses()
     QTest::mouseClick(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Glyph));
     QCOMPARE(rows->count(), 4);
 
-    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    QVERIFY(run(m_f->window.get(), "actionExpandAll"));
     QCOMPARE(rows->count(), 7);
-    QVERIFY(m_view->runCommand(CommandId::CollapseAll));
+    QVERIFY(run(m_f->window.get(), "actionCollapseAll"));
     QCOMPARE(rows->count(), 4);
 }
 
@@ -266,7 +266,7 @@ void TestDocumentView::quickEntryBar()
 void TestDocumentView::renameInPlace()
 {
     select(QStringLiteral("B"));
-    QVERIFY(m_view->runCommand(CommandId::Rename));
+    QVERIFY(run(m_f->window.get(), "actionRename"));
     QLineEdit *editor = m_view->treePane()->renameEditor();
     QVERIFY(editor);
     QCOMPARE(editor->maxLength(), 95);
@@ -288,7 +288,8 @@ void TestDocumentView::itemMenuAttributes()
 {
     Item *b = item(QStringLiteral("B"));
     m_prompts->icons.enqueue(42);
-    for (const char *action : {"action20105", "action20212", "action3040", "action3041", "action3044", "action3003"})
+    for (const char *action : {"actionPriority6", "actionColour12", "actionShowIcon", "actionItalicStyle",
+                               "actionProgressBar", "actionChangeIcon"})
         openMenuOn(QStringLiteral("B"), QString::fromLatin1(action));
     QCOMPARE(b->priority(), quint16(6));
     QCOMPARE(b->colour(), quint16(12));
@@ -298,7 +299,7 @@ void TestDocumentView::itemMenuAttributes()
     QCOMPARE(b->image(), quint16(42));
 
     // Create > Copy puts a duplicate right after the item, current.
-    openMenuOn(QStringLiteral("A"), QStringLiteral("action3030"));
+    openMenuOn(QStringLiteral("A"), QStringLiteral("actionCreateCopy"));
     QCOMPARE(childNames(m_view->document()->root()),
              QStringList({QStringLiteral("A"), QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
     Item *copy = m_view->document()->root()->child(1);
@@ -308,24 +309,24 @@ void TestDocumentView::itemMenuAttributes()
 
     // Order Children By name on the root, then back to manual order keeps the order.
     b->setName(QStringLiteral("0 first"));
-    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3100"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("actionOrderByName"));
     QCOMPARE(childNames(m_view->document()->root()).first(), QStringLiteral("0 first"));
     b->setName(QStringLiteral("z last"));
-    openMenuOn(QStringLiteral("Root"), QStringLiteral("action3115"));
+    openMenuOn(QStringLiteral("Root"), QStringLiteral("actionOrderManual"));
     QCOMPARE(m_view->document()->root()->sort(), quint16(TreeNode::SortManual));
     QCOMPARE(childNames(m_view->document()->root()).first(), QStringLiteral("z last"));
 }
 
 void TestDocumentView::pasteThroughTheMenu()
 {
-    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
-    const QString paste = QStringLiteral("action3011");
+    QVERIFY(run(m_f->window.get(), "actionExpandAll"));
+    const QString paste = QStringLiteral("actionPaste");
     // Nothing marked: Paste is greyed.
     openMenuOn(QStringLiteral("B"));
     QVERIFY(!m_prompts->lastMenu.value(paste).enabled);
 
-    openMenuOn(QStringLiteral("A2"), QStringLiteral("action3009")); // Move
-    openMenuOn(QStringLiteral("A"));                                // its own parent
+    openMenuOn(QStringLiteral("A2"), QStringLiteral("actionMarkMove")); // Move
+    openMenuOn(QStringLiteral("A"));                                    // its own parent
     QVERIFY(!m_prompts->lastMenu.value(paste).enabled);
     openMenuOn(QStringLiteral("A2a")); // inside the marked branch
     QVERIFY(!m_prompts->lastMenu.value(paste).enabled);
@@ -336,7 +337,7 @@ void TestDocumentView::pasteThroughTheMenu()
     QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("A2")));
 
     // Copy of an item with children asks; No pastes it alone.
-    openMenuOn(QStringLiteral("A2"), QStringLiteral("action3010"));
+    openMenuOn(QStringLiteral("A2"), QStringLiteral("actionMarkCopy"));
     m_prompts->yesNo.enqueue(false);
     openMenuOn(QStringLiteral("B"), paste);
     QCOMPARE(m_prompts->shown.last().text, QString::fromLatin1(Messages::AskPasteChildren));
@@ -351,7 +352,7 @@ void TestDocumentView::pasteThroughTheMenu()
 
 void TestDocumentView::dropRefusals()
 {
-    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    QVERIFY(run(m_f->window.get(), "actionExpandAll"));
     const QStringList before = childNames(m_view->document()->root());
     // Onto its own descendant: ignored.
     drag(QStringLiteral("A"), partOf(QStringLiteral("A2a"), RowGeometry::Text));
@@ -377,11 +378,11 @@ void TestDocumentView::dropRefusals()
 void TestDocumentView::deleteAsks()
 {
     m_prompts->yesNo.enqueue(false);
-    openMenuOn(QStringLiteral("A"), QStringLiteral("action3012"));
+    openMenuOn(QStringLiteral("A"), QStringLiteral("actionDeleteItem"));
     QCOMPARE(m_prompts->shown.last().text, QString::fromLatin1(Messages::AskDelete));
     QVERIFY(item(QStringLiteral("A")));
     m_prompts->yesNo.enqueue(true);
-    openMenuOn(QStringLiteral("A"), QStringLiteral("action3012"));
+    openMenuOn(QStringLiteral("A"), QStringLiteral("actionDeleteItem"));
     QVERIFY(!item(QStringLiteral("A")));
     QCOMPARE(m_view->treePane()->currentNode(), m_view->document()->root());
     QCOMPARE(m_view->rows()->count(), 3);
@@ -402,7 +403,7 @@ void TestDocumentView::menuOpensOnRightClickAndLongPress()
     QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
 
     m_prompts->lastMenuTexts.clear();
-    m_prompts->menuChoices.enqueue(QStringLiteral("action20103")); // priority 4
+    m_prompts->menuChoices.enqueue(QStringLiteral("actionPriority4")); // priority 4
     QTest::mousePress(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("C"), RowGeometry::Text));
     QTRY_VERIFY(!m_prompts->lastMenuTexts.isEmpty());
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("C"), RowGeometry::Text));
@@ -421,28 +422,31 @@ void TestDocumentView::menuEnablingDefaultView_data()
     QTest::addColumn<QStringList>("greyed");
     QTest::addColumn<QStringList>("checked");
     // Item with children (A: sorted by priority, descending, priority 4, colour 9, italic, progress bar).
-    QTest::newRow("item with children") << QStringLiteral("A")
-                                        << QStringList{"action3001", "action20103", "action3003", "action20209",
-                                                       "action3040", "action3041",  "action3044", "action3006",
-                                                       "action3100", "action3115",  "action3120", "action3121",
-                                                       "action3030", "action3031",  "action3032", "action3009",
-                                                       "action3010", "action3012"}
-                                        << QStringList{"action3011"}
-                                        << QStringList{"action20103", "action20209", "action3040", "action3041",
-                                                       "action3044",  "action3101",  "action3121"};
+    QTest::newRow("item with children")
+        << QStringLiteral("A")
+        << QStringList{"actionRename",      "actionPriority4",   "actionChangeIcon",  "actionColour9",
+                       "actionShowIcon",    "actionItalicStyle", "actionProgressBar", "actionApplyAttributes",
+                       "actionOrderByName", "actionOrderManual", "actionAscending",   "actionDescending",
+                       "actionCreateCopy",  "actionMarkMove",    "actionMarkCopy",    "actionDeleteItem"}
+        << QStringList{"actionPaste", "actionCreateTask", "actionCreateAppointment"}
+        << QStringList{"actionPriority4",   "actionColour9",         "actionShowIcon",  "actionItalicStyle",
+                       "actionProgressBar", "actionOrderByPriority", "actionDescending"};
     // A leaf: no ordering of children and nothing to apply attributes to.
     QTest::newRow("leaf") << QStringLiteral("B")
-                          << QStringList{"action3001", "action20109", "action3043", "action3030", "action3012"}
-                          << QStringList{"action3006", "action3100", "action3115",
-                                         "action3120", "action3121", "action3011"}
-                          << QStringList{"action20109", "action20200", "action3040", "action3043", "action3115"};
+                          << QStringList{"actionRename", "actionPriority10", "actionCheckBox", "actionCreateCopy",
+                                         "actionDeleteItem"}
+                          << QStringList{"actionApplyAttributes", "actionOrderByName", "actionOrderManual",
+                                         "actionAscending",       "actionDescending",  "actionPaste"}
+                          << QStringList{"actionPriority10", "actionColour0", "actionShowIcon", "actionCheckBox",
+                                         "actionOrderManual"};
     // The root's title row: only rename, apply attributes and ordering.
     QTest::newRow("root") << QStringLiteral("Root")
-                          << QStringList{"action3001", "action3006", "action3100", "action3115"}
-                          << QStringList{"action20109", "action3003", "action20200", "action3040",
-                                         "action3042",  "action3030", "action3009",  "action3010",
-                                         "action3011",  "action3012", "action3120",  "action3121"}
-                          << QStringList{"action3115"};
+                          << QStringList{"actionRename", "actionApplyAttributes", "actionOrderByName",
+                                         "actionOrderManual"}
+                          << QStringList{"actionPriority10", "actionChangeIcon", "actionColour0",   "actionShowIcon",
+                                         "actionNoStatus",   "actionCreateCopy", "actionMarkMove",  "actionMarkCopy",
+                                         "actionPaste",      "actionDeleteItem", "actionAscending", "actionDescending"}
+                          << QStringList{"actionOrderManual"};
 }
 
 void TestDocumentView::menuEnablingDefaultView()
@@ -458,9 +462,6 @@ void TestDocumentView::menuEnablingDefaultView()
     a->setStatusType(Item::ProgressBar);
     a->setSort(TreeNode::SortPriority);
     a->setAscending(false);
-    // The dialogs' commands plug in later; with a handler their rules apply.
-    for (int id : {CommandId::ApplyAttributes, CommandId::CreateTask, CommandId::CreateAppointment})
-        m_view->setCommand(id, [] {});
     openMenuOn(row);
     QCOMPARE(m_prompts->lastMenuTexts,
              QStringList({"Rename", "Priority", "Change Icon...", "Colour", "Set", "-", "Apply Attributes...",
@@ -477,15 +478,15 @@ void TestDocumentView::menuEnablingDefaultView()
     QCOMPARE(marks, checked.size());
     for (const QString &name : checked)
         QVERIFY2(menu.value(name).checked, qPrintable(name));
-    QCOMPARE(menu.value(QStringLiteral("action20110")).text, QStringLiteral("11"));
+    QCOMPARE(menu.value(QStringLiteral("actionPriority11")).text, QStringLiteral("11"));
 }
 
 void TestDocumentView::groupedViewThroughTheMenu()
 {
     item(QStringLiteral("B"))->setCategory(QStringLiteral("Work"));
     select(QStringLiteral("B"));
-    QVERIFY(m_view->runCommand(CommandId::ByCategory));
-    QVERIFY(m_view->isCommandChecked(CommandId::ByCategory));
+    QVERIFY(run(m_f->window.get(), "actionByCategory"));
+    QVERIFY(checked(m_f->window.get(), "actionByCategory"));
     ViewRows *rows = m_view->rows();
     QVERIFY(rows->isGrouped());
     // The current item stays current, under its opened heading.
@@ -496,39 +497,39 @@ void TestDocumentView::groupedViewThroughTheMenu()
 
     // An item row of a grouped view cannot be moved or ordered.
     openMenuOn(QStringLiteral("B"));
-    for (const char *greyed : {"action3100", "action3009", "action3011"})
+    for (const char *greyed : {"actionOrderByName", "actionMarkMove", "actionPaste"})
         QVERIFY2(!m_prompts->lastMenu.value(QString::fromLatin1(greyed)).enabled, greyed);
-    for (const char *enabled : {"action3001", "action3012"})
+    for (const char *enabled : {"actionRename", "actionDeleteItem"})
         QVERIFY2(m_prompts->lastMenu.value(QString::fromLatin1(enabled)).enabled, enabled);
 
     // A heading orders the whole view: only the direction can be chosen.
-    m_prompts->menuChoices.enqueue(QStringLiteral("action3121"));
-    m_view->showItemMenu(heading, QPoint());
+    m_prompts->menuChoices.enqueue(QStringLiteral("actionDescending"));
+    Q_EMIT m_view->treePane()->contextMenuRequested(heading, QPoint());
     QCoreApplication::processEvents();
-    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3100")).enabled);
-    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("action3001")).enabled);
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("actionOrderByName")).enabled);
+    QVERIFY(!m_prompts->lastMenu.value(QStringLiteral("actionRename")).enabled);
     QVERIFY(!m_view->document()->viewAscending);
 
     // Drops are ignored in a grouped view.
-    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    QVERIFY(run(m_f->window.get(), "actionExpandAll"));
     QVERIFY(m_view->rows()->indexOf(item(QStringLiteral("C"))) >= 0);
     const QStringList before = childNames(m_view->document()->root());
     drag(QStringLiteral("B"), partOf(QStringLiteral("C"), RowGeometry::Text));
     QCOMPARE(childNames(m_view->document()->root()), before);
 
     // Back to the default view with the item still current.
-    QVERIFY(m_view->runCommand(CommandId::DefaultView));
+    QVERIFY(run(m_f->window.get(), "actionDefaultView"));
     QVERIFY(!m_view->rows()->isGrouped());
     QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
 }
 
 void TestDocumentView::moveMenuEnabling()
 {
-    using namespace CommandId;
-    QVERIFY(m_view->runCommand(ExpandAll));
-    auto states = [this] {
-        return QList<bool>{m_view->isCommandEnabled(MoveUp), m_view->isCommandEnabled(MoveDown),
-                           m_view->isCommandEnabled(UpALevel), m_view->isCommandEnabled(DownALevel)};
+    MainWindow *w = m_f->window.get();
+    QVERIFY(run(w, "actionExpandAll"));
+    auto states = [w] {
+        return QList<bool>{enabled(w, "actionMoveUp"), enabled(w, "actionMoveDown"), enabled(w, "actionUpALevel"),
+                           enabled(w, "actionDownALevel")};
     };
     select(QStringLiteral("A"));
     QCOMPARE(states(), QList<bool>({false, true, false, false}));
@@ -537,29 +538,29 @@ void TestDocumentView::moveMenuEnabling()
     select(QStringLiteral("Root"));
     QCOMPARE(states(), QList<bool>({false, false, false, false}));
     select(QStringLiteral("B"));
-    QVERIFY(m_view->runCommand(DownALevel));
+    QVERIFY(run(w, "actionDownALevel"));
     QCOMPARE(childNames(item(QStringLiteral("A"))),
              QStringList({QStringLiteral("A1"), QStringLiteral("A2"), QStringLiteral("B")}));
     QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("B")));
     // A grouped view greys the whole move menu.
     m_view->document()->viewMode = Document::ByCategory;
     QCOMPARE(states(), QList<bool>({false, false, false, false}));
-    QVERIFY(!m_view->runCommand(MoveUp));
+    QVERIFY(!run(w, "actionMoveUp"));
 }
 
 void TestDocumentView::filtersCollapse()
 {
-    QVERIFY(m_view->runCommand(CommandId::ExpandAll));
+    QVERIFY(run(m_f->window.get(), "actionExpandAll"));
     item(QStringLiteral("A2"))->setProgress(100);
     select(QStringLiteral("A2a"));
-    QVERIFY(m_view->runCommand(CommandId::HideCompleted));
-    QVERIFY(m_view->isCommandChecked(CommandId::HideCompleted));
+    QVERIFY(run(m_f->window.get(), "actionHideCompleted"));
+    QVERIFY(checked(m_f->window.get(), "actionHideCompleted"));
     // Collapsed to the top level; the completed branch is gone.
     QCOMPARE(m_view->rows()->count(), 4);
     QVERIFY(!item(QStringLiteral("A"))->isExpanded());
-    QVERIFY(m_view->runCommand(CommandId::HideCheckBox));
-    QVERIFY(m_view->isCommandChecked(CommandId::HideCheckBox));
-    QVERIFY(!m_view->isCommandChecked(CommandId::HideNoStatus));
+    QVERIFY(run(m_f->window.get(), "actionHideCheckBox"));
+    QVERIFY(checked(m_f->window.get(), "actionHideCheckBox"));
+    QVERIFY(!checked(m_f->window.get(), "actionHideNoStatus"));
     QCOMPARE(m_view->rows()->count(), 1);
 }
 
@@ -588,20 +589,20 @@ void TestDocumentView::noteStoredOnSelectionChange()
 
 void TestDocumentView::recordingToolbarOnlyForRichInk()
 {
-    QVERIFY(!m_view->isCommandEnabled(CommandId::RecordingToolbar));
-    QVERIFY(!m_view->runCommand(CommandId::RecordingToolbar));
+    QVERIFY(!enabled(m_f->window.get(), "actionRecordingToolbar"));
+    QVERIFY(!run(m_f->window.get(), "actionRecordingToolbar"));
     for (quint16 type : {Document::RichInk, Document::RichText}) {
         auto doc = sampleDocument();
         doc->noteType = type;
-        DocumentView view(std::move(doc), &m_settings, m_prompts);
-        QCOMPARE(view.isCommandEnabled(CommandId::RecordingToolbar), type == Document::RichInk);
-        QVERIFY(view.notePane()->richEditor()->isVisibleTo(&view));
+        DocumentView *view = m_f->open(std::move(doc), QStringLiteral("notes.qbx"));
+        QCOMPARE(enabled(m_f->window.get(), "actionRecordingToolbar"), type == Document::RichInk);
+        QVERIFY(view->notePane()->richEditor()->isVisibleTo(view));
         if (type == Document::RichInk) {
-            QVERIFY(view.runCommand(CommandId::RecordingToolbar));
-            QVERIFY(view.isCommandChecked(CommandId::RecordingToolbar));
+            QVERIFY(run(m_f->window.get(), "actionRecordingToolbar"));
+            QVERIFY(checked(m_f->window.get(), "actionRecordingToolbar"));
             // Without the note window the toolbar cannot be shown.
-            QVERIFY(view.runCommand(CommandId::NoteWindow));
-            QVERIFY(!view.isCommandEnabled(CommandId::RecordingToolbar));
+            QVERIFY(run(m_f->window.get(), "actionNoteWindow"));
+            QVERIFY(!enabled(m_f->window.get(), "actionRecordingToolbar"));
         }
     }
 }
@@ -623,10 +624,11 @@ void TestDocumentView::splitterDragIsSaved()
     QCoreApplication::sendEvent(handle, &move);
     QTest::mouseRelease(handle, Qt::LeftButton, {}, middle + QPoint(0, -total / 5));
     QVERIFY(saved.count() >= 1);
-    QVERIFY2(m_settings.splitPct >= 35 && m_settings.splitPct <= 45, qPrintable(QString::number(m_settings.splitPct)));
-    QCOMPARE(m_settings.splitPct7, quint16(60));
+    QVERIFY2(m_f->window->settings().splitPct >= 35 && m_f->window->settings().splitPct <= 45,
+             qPrintable(QString::number(m_f->window->settings().splitPct)));
+    QCOMPARE(m_f->window->settings().splitPct7, quint16(60));
     // A wide window puts the panes side by side with the second layout's value.
-    m_settings.splitPct7 = 70;
+    m_f->window->settings().splitPct7 = 70;
     m_view->resize(1000, 400);
     QCoreApplication::processEvents();
     QCOMPARE(splitter->orientation(), Qt::Horizontal);

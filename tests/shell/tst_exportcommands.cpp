@@ -1,11 +1,10 @@
 #include "support/shellfixture.h"
 
-#include "notes/notetext.h"
 #include "model/treewalker.h"
-#include "shell/commands/commandids.h"
+#include "notes/notetext.h"
 #include "shell/dialogs/itemexportdialog.h"
-#include "shell/widgets/nodetree.h"
 #include "shell/dialogs/textexportdialog.h"
+#include "shell/widgets/nodetree.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -90,7 +89,7 @@ private Q_SLOTS:
 
 void TestExportCommands::textExports_data()
 {
-    QTest::addColumn<int>("command");
+    QTest::addColumn<QByteArray>("command");
     QTest::addColumn<int>("choice");
     QTest::addColumn<int>("fileType");
     QTest::addColumn<QString>("note");
@@ -100,10 +99,10 @@ void TestExportCommands::textExports_data()
         QStringLiteral("Data will be exported based on current view excluding all filtering options.");
     const QString defaultView =
         QStringLiteral("Data will be exported based on default view excluding any filtering options.");
-    QTest::newRow("view, tab, text") << int(CommandId::ExportView) << 1 << 0 << currentView
+    QTest::newRow("view, tab, text") << QByteArray("actionExportView") << 1 << 0 << currentView
                                      << QByteArray("Trip\r\n\tPack\r\n\t\tBoots\r\n\tBook\r\n");
     QTest::newRow("links, bar, unicode")
-        << int(CommandId::ExportLinks) << 4 << 1 << defaultView
+        << QByteArray("actionExportLinks") << 4 << 1 << defaultView
         << QByteArray("\xff\xfe") +
                le(QStringLiteral("Trip|Pack\r\n(None)\r\n\r\nTrip|Pack|Boots\r\n(None)\r\n\r\nTrip|Book\r\n"
                                  "http://x.example\r\nBoots\r\n\r\n"));
@@ -111,7 +110,7 @@ void TestExportCommands::textExports_data()
 
 void TestExportCommands::textExports()
 {
-    QFETCH(int, command);
+    QFETCH(QByteArray, command);
     QFETCH(int, choice);
     QFETCH(int, fileType);
     QFETCH(QString, note);
@@ -123,16 +122,16 @@ void TestExportCommands::textExports()
     f.prompts.fileTypes.enqueue(fileType);
     f.prompts.dialogs.enqueue([&](QDialog *d) {
         QCOMPARE(child<QLabel>(d, "exportNote")->text(), note);
-        screenshot(d, QStringLiteral("export-%1").arg(command));
+        screenshot(d, QString::fromLatin1(command));
         child<QComboBox>(d, "exportChoice")->setCurrentIndex(choice);
         press(d);
     });
-    f.run(command);
+    f.run(command.constData());
     QVERIFY(f.prompts.shown.isEmpty());
     QCOMPARE(readFile(path), expected);
     // The choice is the next export's default.
     const Settings &s = f.window->settings();
-    QCOMPARE(int(command == CommandId::ExportView ? s.expViewSep : s.expOtherSep), choice);
+    QCOMPARE(int(command == "actionExportView" ? s.expViewSep : s.expOtherSep), choice);
 }
 
 void TestExportCommands::failedWriteIsReported()
@@ -140,9 +139,9 @@ void TestExportCommands::failedWriteIsReported()
     ShellFixture f;
     QVERIFY(f.open(sample()));
     const QString nowhere = f.dir.filePath(QStringLiteral("no/such/folder/out.txt"));
-    for (int command : {int(CommandId::ExportXml), int(CommandId::ExportNotes)}) {
+    for (const char *command : {"actionExportXml", "actionExportNotes"}) {
         f.prompts.fileNames.enqueue(nowhere);
-        if (command != CommandId::ExportXml)
+        if (QByteArray(command) != "actionExportXml")
             f.prompts.dialogs.enqueue([](QDialog *d) { press(d); });
         f.run(command);
     }
@@ -162,14 +161,14 @@ void TestExportCommands::cancelWritesNothing()
         child<QComboBox>(d, "exportChoice")->setCurrentIndex(5);
         press(d, QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::ExportLinks);
+    f.run("actionExportLinks");
     // Cancelled at the options: no file was asked for, and the choice is not kept.
     QCOMPARE(f.prompts.fileNames.size(), 1);
     QCOMPARE(f.window->settings().expOtherSep, quint16(0));
     f.prompts.fileNames.clear();
     f.prompts.dialogs.enqueue([](QDialog *d) { press(d); });
-    f.run(CommandId::ExportLinks); // cancelled at the file dialog
-    f.run(CommandId::ExportXml);
+    f.run("actionExportLinks"); // cancelled at the file dialog
+    f.run("actionExportXml");
     QVERIFY(!QFile::exists(path));
     QVERIFY(f.prompts.shown.isEmpty());
 }
@@ -178,21 +177,21 @@ void TestExportCommands::exportsFollowTheView()
 {
     ShellFixture f;
     QVERIFY(f.open(sample()));
-    const int exports[] = {CommandId::ExportView, CommandId::ExportXml, CommandId::ExportLinks, CommandId::ExportNotes};
-    for (int command : exports)
-        QVERIFY(f.view()->isCommandEnabled(command));
-    QVERIFY(f.view()->isCommandEnabled(CommandId::ImportFile));
+    const char *exports[] = {"actionExportView", "actionExportXml", "actionExportLinks", "actionExportNotes"};
+    for (const char *command : exports)
+        QVERIFY(f.enabled(command));
+    QVERIFY(f.enabled("actionImportFile"));
     f.document()->viewMode = Document::ByCategory;
-    for (int command : exports)
-        QVERIFY(!f.view()->isCommandEnabled(command));
-    QVERIFY(!f.view()->isCommandEnabled(CommandId::ImportFile));
+    for (const char *command : exports)
+        QVERIFY(!f.enabled(command));
+    QVERIFY(!f.enabled("actionImportFile"));
     f.document()->viewMode = Document::DefaultView;
     // A document without items has nothing to export, but can import.
     while (f.document()->root()->hasChildren())
         Editing::deleteItem(*f.document(), f.at({0}), &f.view()->clip());
-    for (int command : exports)
-        QVERIFY(!f.view()->isCommandEnabled(command));
-    QVERIFY(f.view()->isCommandEnabled(CommandId::ImportFile));
+    for (const char *command : exports)
+        QVERIFY(!f.enabled(command));
+    QVERIFY(f.enabled("actionImportFile"));
 }
 
 void TestExportCommands::xmlFromTheMenuEqualsQbx()
@@ -204,13 +203,13 @@ void TestExportCommands::xmlFromTheMenuEqualsQbx()
     const QString fromMenu = f.dir.filePath(QStringLiteral("menu.out"));
     f.window->settings().xmlEncode = 1;
     f.prompts.fileNames.enqueue(fromMenu);
-    f.run(CommandId::ExportXml);
+    f.run("actionExportXml");
     // qbx reads the document as saved (the open view keeps its top level open).
-    f.run(CommandId::Save);
+    f.run("actionSave");
 
     const QString fromQbx = f.dir.filePath(QStringLiteral("qbx.out"));
     const QStringList arguments{QStringLiteral("export"), QStringLiteral("xml"), QStringLiteral("--encoding"),
-                                QStringLiteral("1"), f.document()->path, fromQbx};
+                                QStringLiteral("1"),      f.document()->path,    fromQbx};
     QProcess process;
     // qbx must not read the settings of the person running the tests.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -291,7 +290,7 @@ void TestExportCommands::itemsExport()
         child<QCheckBox>(d, "deleteAfterExport")->setChecked(deleteAfter);
         press(d);
     });
-    f.run(CommandId::ExportItems);
+    f.run("actionExportItems");
     QCOMPARE(f.shownTexts(), QStringList{message});
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
     QCOMPARE(outline(f.document()->root()), remaining);

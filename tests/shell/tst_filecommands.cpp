@@ -1,12 +1,11 @@
 #include "support/shellfixture.h"
 
+#include "model/treewalker.h"
 #include "notes/notetext.h"
 #include "notes/rtfreader.h"
 #include "notes/rtfwriter.h"
-#include "model/treewalker.h"
-#include "shell/commands/commandids.h"
-#include "shell/dialogs/convertnotesdialog.h"
 #include "shell/commands/dialogcommands.h"
+#include "shell/dialogs/convertnotesdialog.h"
 #include "storage/password.h"
 
 #include <QAction>
@@ -108,7 +107,7 @@ void TestFileCommands::importFile()
     f.select(garden);
     f.prompts.passwords.append(passwords);
     f.prompts.fileNames.enqueue(path);
-    f.run(CommandId::ImportFile);
+    f.run("actionImportFile");
     QCOMPARE(f.shownTexts(), messages);
     for (const auto &shown : std::as_const(f.prompts.shown))
         QCOMPARE(shown.icon, Prompts::Icon::Stop);
@@ -160,7 +159,7 @@ void TestFileCommands::convertNotes()
         clickButton(child<QRadioButton>(d, QStringLiteral("target%1").arg(to).toLatin1().constData()));
         press(d, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::ConvertNotes);
+    f.run("actionConvertNotes");
     QCOMPARE(f.shownTexts(), messages);
     if (messages.size() == 2)
         QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Exclamation); // No is the safe default
@@ -198,7 +197,7 @@ void TestFileCommands::fileProperties()
         QCOMPARE(child<QLabel>(d, "links")->text(), QStringLiteral("1"));
         press(d);
     });
-    f.run(CommandId::FileProperties);
+    f.run("actionFileProperties");
     QCOMPARE(f.prompts.dialogsRun, QStringList{QStringLiteral("fileProperties")});
 }
 
@@ -275,11 +274,11 @@ void TestFileCommands::importTextMakesANewDocument()
         QVERIFY(DocumentFile::save(old));
     }
     f.window->updateActions();
-    QVERIFY(f.window->commandAction(CommandId::ImportText)->isEnabled());
+    QVERIFY(f.command("actionImportText")->isEnabled());
     f.prompts.fileNames.enqueue(source);
     f.prompts.noteTypes.enqueue(Document::RichText);
     f.prompts.yesNo.append(answers);
-    f.run(CommandId::ImportText);
+    f.run("actionImportText");
 
     QStringList expected = messages;
     for (QString &m : expected)
@@ -307,7 +306,7 @@ void TestFileCommands::importTextMakesANewDocument()
         QCOMPARE(item->image(), quint16(7));
     }
     QCOMPARE(f.document()->root()->name() + QStringLiteral(": ") + names.join(QLatin1Char(' ')), outline);
-    QVERIFY(!f.window->commandAction(CommandId::ImportText)->isEnabled());
+    QVERIFY(!f.command("actionImportText")->isEnabled());
 }
 
 QTEST_MAIN(TestFileCommands)

@@ -1,10 +1,9 @@
 #include "support/shellfixture.h"
 
-#include "notes/notetext.h"
 #include "model/editing.h"
-#include "shell/widgets/colourcombo.h"
-#include "shell/commands/commandids.h"
+#include "notes/notetext.h"
 #include "shell/dialogs/searchresultsdialog.h"
+#include "shell/widgets/colourcombo.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -161,7 +160,7 @@ void TestFindDialog::combinedCriteria()
         press(d);
     });
     f.prompts.dialogs.enqueue([&](QDialog *d) { listed = rows(d); });
-    f.run(CommandId::FindItem);
+    f.run("actionFindItem");
     QCOMPARE(listed, found);
     QVERIFY(f.prompts.shown.isEmpty());
 }
@@ -183,7 +182,7 @@ void TestFindDialog::chosenResultBecomesCurrent()
         QTest::keyClick(list, Qt::Key_Down);
         QTest::keyClick(list, Qt::Key_Return);
     });
-    f.run(CommandId::FindItem);
+    f.run("actionFindItem");
     // The child of a collapsed item is revealed and made current.
     QCOMPARE(f.current(), f.at({0, 0}));
 }
@@ -192,7 +191,7 @@ void TestFindDialog::findResultIsOfferedWhileAResultIsKept()
 {
     ShellFixture f;
     QVERIFY(f.open(sample()));
-    QAction *again = f.window->commandAction(CommandId::FindResult);
+    QAction *again = f.command("actionFindResult");
     f.window->updateActions();
     QVERIFY(!again->isEnabled());
 
@@ -201,7 +200,7 @@ void TestFindDialog::findResultIsOfferedWhileAResultIsKept()
         press(d);
     });
     f.prompts.dialogs.enqueue([](QDialog *d) { press(d, QDialogButtonBox::Cancel); });
-    f.run(CommandId::FindItem);
+    f.run("actionFindItem");
     QVERIFY(again->isEnabled());
 
     // The kept result leaves out a match deleted since.
@@ -211,7 +210,7 @@ void TestFindDialog::findResultIsOfferedWhileAResultIsKept()
         listed = rows(d);
         press(d);
     });
-    f.run(CommandId::FindResult);
+    f.run("actionFindResult");
     QCOMPARE(listed, QStringList{QStringLiteral("Xabcx")});
     QCOMPARE(f.current(), f.at({0}));
 
@@ -222,7 +221,7 @@ void TestFindDialog::findResultIsOfferedWhileAResultIsKept()
         QTest::keyClicks(name, QStringLiteral("nowhere"));
         press(d);
     });
-    f.run(CommandId::FindItem);
+    f.run("actionFindItem");
     QCOMPARE(f.prompts.shown.size(), 1);
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
     QCOMPARE(f.prompts.shown[0].text, QStringLiteral("No item matched the search criteria."));
@@ -255,9 +254,9 @@ void TestFindDialog::criteriaPresetTheNextFind()
         QVERIFY(!child<QCheckBox>(d, "findCaseInsensitive")->isChecked());
         press(d, QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::FindItem);
+    f.run("actionFindItem");
     QVERIFY(!f.window->settings().testFlag(Settings::CaseInsensitiveFind));
-    f.run(CommandId::FindItem);
+    f.run("actionFindItem");
     QCOMPARE(f.prompts.dialogsRun.size(), 3);
 }
 

@@ -1,13 +1,12 @@
 #include "support/shellfixture.h"
 
+#include "model/childorder.h"
+#include "noteeditor/notepane.h"
 #include "notes/notetext.h"
 #include "notes/rtfreader.h"
 #include "notes/rtfwriter.h"
-#include "model/childorder.h"
-#include "noteeditor/notepane.h"
-#include "shell/widgets/colourcombo.h"
-#include "shell/commands/commandids.h"
 #include "shell/dialogs/itempropertiesdialog.h"
+#include "shell/widgets/colourcombo.h"
 #include "storage/template.h"
 
 #include <QCheckBox>
@@ -85,7 +84,7 @@ void TestItemProperties::generalPageStoredOnlyOnOk()
         child<QCheckBox>(d, "showIcon")->setChecked(false);
         press(d, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::ModifyItem);
+    f.run("actionModifyItem");
     QCOMPARE(f.prompts.dialogsRun, QStringList{QStringLiteral("itemProperties")});
     if (ok) {
         QCOMPARE(beta->name(), QStringLiteral("Beta two"));
@@ -126,7 +125,7 @@ void TestItemProperties::storeReordersAndRollsUp()
         QVERIFY(!child<QSpinBox>(d, "progress")->isEnabled());
         press(d);
     });
-    f.run(CommandId::ModifyItem);
+    f.run("actionModifyItem");
     QVERIFY(work->autoProgress());
     QCOMPARE(work->progress(), quint16(66));
 
@@ -137,7 +136,7 @@ void TestItemProperties::storeReordersAndRollsUp()
         child<QSpinBox>(d, "progress")->setValue(90);
         press(d);
     });
-    f.run(CommandId::ModifyItem);
+    f.run("actionModifyItem");
     QCOMPARE(f.at({0, 0}), gamma);
     QCOMPARE(f.at({0, 1})->name(), QStringLiteral("Alpha"));
     QCOMPARE(f.current(), gamma);
@@ -202,7 +201,7 @@ void TestItemProperties::detailsPage()
             child<QDateTimeEdit>(d, "reminder")->setDateTime(reminder);
         press(d);
     });
-    f.run(CommandId::ModifyItem);
+    f.run("actionModifyItem");
     QCOMPARE(home->dueDate(), expectedDue);
     // The task time box takes seven characters.
     QCOMPARE(home->taskTime(), (taskTime + QStringLiteral("123456789")).left(7));
@@ -241,7 +240,7 @@ void TestItemProperties::newItemGoesWhereAsked()
         clickButton(d->findChild<QRadioButton *>(button));
         press(d);
     });
-    f.run(CommandId::New);
+    f.run("actionNew");
     if (index < 0) {
         QCOMPARE(f.document()->root()->childCount(), 2);
         QCOMPARE(f.at({0})->childCount(), 3);
@@ -317,7 +316,7 @@ void TestItemProperties::notePage()
                 screenshot(d, QStringLiteral("item-properties-note"));
             press(d, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
         });
-        f.run(CommandId::ModifyNote);
+        f.run("actionModifyNote");
         const QString expected = ok ? QStringLiteral("Buy milk") : QStringLiteral("old");
         QCOMPARE(NoteText::plainText(home->note(), Document::PlainText), expected);
         QCOMPARE(f.view()->notePane()->plainText(), expected);
@@ -356,7 +355,7 @@ void TestItemProperties::editInWord()
         QTest::mouseClick(child<QPushButton>(d, "editInWord"), Qt::LeftButton);
         press(d);
     });
-    f.run(CommandId::ModifyNote);
+    f.run("actionModifyNote");
     QVERIFY(exchangeFile.endsWith(QLatin1String(".rtf")));
     QVERIFY(QFileInfo(exchangeFile).fileName().startsWith(QLatin1String("qlb")));
     QCOMPARE(RtfReader::plainText(handedOver), QStringLiteral("draft"));
@@ -390,7 +389,7 @@ void TestItemProperties::modifyNoteGoesToTheWordProcessorWhenChosen()
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write("{\\rtf1\\ansi edited\\par}");
     };
-    f.run(CommandId::ModifyNote);
+    f.run("actionModifyNote");
     QCOMPARE(f.prompts.dialogsRun.isEmpty(), external);
     QCOMPARE(f.prompts.opened.size(), external ? 1 : 0);
     QCOMPARE(NoteText::plainText(home->note(), noteType),

@@ -1,7 +1,6 @@
 #include "support/shellfixture.h"
 
 #include "model/editing.h"
-#include "shell/commands/commandids.h"
 #include "shell/dialogs/itempickerdialog.h"
 #include "shell/dialogs/itempropertiesdialog.h"
 #include "shell/dialogs/linkspage.h"
@@ -76,7 +75,7 @@ void TestLinksPage::deadItemLinksReportedAndDroppedOnStore()
         QCOMPARE(rowTexts(d), QStringList{QStringLiteral("Kitchen")});
         press(d, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.prompts.shown.size(), 1);
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Exclamation);
     QCOMPARE(f.prompts.shown[0].text,
@@ -95,8 +94,8 @@ void TestLinksPage::addUrlRefusesEmptyText()
                             QStringLiteral("mailto:ann@example.org"), QStringLiteral("+44 20 7946 0000")});
     f.prompts.dialogs.enqueue([](QDialog *d) {
         screenshot(d, QStringLiteral("item-properties-links-empty"));
-        trigger(d, "action40026");
-        trigger(d, "action40026");
+        trigger(d, "actionAddUrl");
+        trigger(d, "actionAddUrl");
         trigger(d, "actionAddPhone");
         screenshot(d, QStringLiteral("item-properties-links"));
         QCOMPARE(rowTexts(d),
@@ -104,7 +103,7 @@ void TestLinksPage::addUrlRefusesEmptyText()
                               QStringLiteral("+44 20 7946 0000")}));
         press(d);
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.prompts.textPrompts, (QStringList{QStringLiteral("Enter URL:"), QStringLiteral("Enter URL:"),
                                                  QStringLiteral("Enter a phone number:")}));
     QCOMPARE(f.prompts.textPrefills, (QStringList{QStringLiteral("http://"), QStringLiteral("http://"), QString()}));
@@ -137,14 +136,14 @@ void TestLinksPage::fileLinksInsideTheDocumentsFolderAreRelative()
     f.select(f.at({1}));
     f.prompts.fileNames.enqueue(chosen);
     f.prompts.dialogs.enqueue([](QDialog *d) {
-        trigger(d, "action40025");
+        trigger(d, "actionAddFileLink");
         press(d);
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.at({1})->links(), QStringList{stored});
     // Both forms lead to the same file.
     f.prompts.dialogs.enqueue([](QDialog *d) { page(d)->follow(0); });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.prompts.opened, QList<QUrl>{QUrl::fromLocalFile(chosen)});
 }
 
@@ -156,7 +155,7 @@ void TestLinksPage::itemLinkPickerRefusesTheListTitle()
     Item *kitchen = f.at({0, 1});
     f.select(contacts);
     f.prompts.dialogs.enqueue([](QDialog *d) {
-        trigger(d, "action40027");
+        trigger(d, "actionAddItemLink");
         press(d);
     });
     f.prompts.dialogs.enqueue([&](QDialog *d) {
@@ -169,7 +168,7 @@ void TestLinksPage::itemLinkPickerRefusesTheListTitle()
         press(d);
         QVERIFY(!d->isVisible());
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.prompts.dialogsRun, (QStringList{QStringLiteral("itemProperties"), QStringLiteral("itemPicker")}));
     QCOMPARE(f.shownTexts(), QStringList{QStringLiteral("List title cannot be linked. Please choose an item.")});
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Exclamation);
@@ -190,14 +189,14 @@ void TestLinksPage::modifyAndDelete()
     f.prompts.yesNo.append({false, true});
     f.prompts.dialogs.enqueue([](QDialog *d) {
         selectRow(d, 0);
-        trigger(d, "action3080");
+        trigger(d, "actionModifyLink");
         selectRow(d, 1);
-        trigger(d, "action3080");
+        trigger(d, "actionModifyLink");
         selectRow(d, 2);
-        trigger(d, "action3080");
+        trigger(d, "actionModifyLink");
         selectRow(d, 3);
-        trigger(d, "action3081"); // No: kept
-        trigger(d, "action3081"); // Yes: gone
+        trigger(d, "actionDeleteLink"); // No: kept
+        trigger(d, "actionDeleteLink"); // Yes: gone
         press(d);
     });
     f.prompts.dialogs.enqueue([&](QDialog *d) {
@@ -207,7 +206,7 @@ void TestLinksPage::modifyAndDelete()
         picker->selectNode(kitchen);
         press(d);
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.prompts.textPrompts,
              (QStringList{QStringLiteral("Enter a phone number:"), QStringLiteral("Enter URL:")}));
     QCOMPARE(f.prompts.textPrefills, (QStringList{QStringLiteral("555 0100"), QStringLiteral("http://a.example")}));
@@ -220,13 +219,13 @@ void TestLinksPage::modifyAndDelete()
     f.prompts.shown.clear();
     f.prompts.yesNo.append({false, true});
     f.prompts.dialogs.enqueue([](QDialog *d) {
-        trigger(d, "action40031");
+        trigger(d, "actionDeleteAllLinks");
         QCOMPARE(rowTexts(d).size(), 3);
-        trigger(d, "action40031");
+        trigger(d, "actionDeleteAllLinks");
         QVERIFY(rowTexts(d).isEmpty());
         press(d);
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.shownTexts(), (QStringList{QStringLiteral("Are you sure to delete all links?"),
                                           QStringLiteral("Are you sure to delete all links?")}));
     QVERIFY(contacts->links().isEmpty());
@@ -257,7 +256,7 @@ void TestLinksPage::followingEachKind()
         QTest::keyClick(list, Qt::Key_Return);
         press(d, QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QCOMPARE(f.prompts.opened, QList<QUrl>{opened});
 }
 
@@ -271,10 +270,10 @@ void TestLinksPage::followingAnItemLinkSelectsItsTarget()
     f.select(contacts);
     f.prompts.texts.append({QStringLiteral("http://new.example")});
     f.prompts.dialogs.enqueue([](QDialog *d) {
-        trigger(d, "action40026");
+        trigger(d, "actionAddUrl");
         page(d)->follow(1);
     });
-    f.run(CommandId::Links);
+    f.run("actionLinks");
     QVERIFY(f.prompts.opened.isEmpty());
     QCOMPARE(f.current(), kitchen);
     // Following closes the dialog as OK would: the added link is kept.

@@ -1,16 +1,15 @@
-#include "notes/notetext.h"
 #include "model/document.h"
 #include "model/item.h"
 #include "noteeditor/notepane.h"
+#include "notes/notetext.h"
 #include "platform/messages.h"
-#include "shell/commands/commandids.h"
-#include "shell/document/documentview.h"
 #include "shell/app/mainwindow.h"
-#include "shell/document/quickentrybar.h"
-#include "support/scriptedprompts.h"
 #include "shell/app/singleinstance.h"
+#include "shell/document/documentview.h"
+#include "shell/document/quickentrybar.h"
 #include "shell/document/treepane.h"
 #include "storage/documentfile.h"
+#include "support/scriptedprompts.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -132,7 +131,7 @@ void TestMainWindow::startAndCloseFollowDefFile()
     w = makeWindow();
     w->start(QString());
     QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
-    w->runCommand(CommandId::CloseDocument);
+    run(w, "actionCloseDocument");
     QVERIFY(!w->view());
     QCOMPARE(w->documentList()->currentItem()->text(0), QStringLiteral("Beta"));
     QSettings store(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
@@ -147,7 +146,7 @@ void TestMainWindow::quickEntryBarChoiceIsSavedAtOnce()
     MainWindow *w = makeWindow();
     w->start(docPath(QStringLiteral("Alpha.qbx")));
     QVERIFY(!w->view()->isQuickEntryVisible());
-    w->view()->runCommand(CommandId::QuickEntryBar);
+    run(w, "actionQuickEntryBar");
     QVERIFY(w->view()->isQuickEntryVisible());
     QSettings store(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
     QCOMPARE(store.value(QStringLiteral("Flags")).toUInt(), 7u);
@@ -204,7 +203,7 @@ void TestMainWindow::createAndSaveAs()
 
     m_prompts->fileNames.enqueue(docPath(QStringLiteral("Fresh")));
     m_prompts->noteTypes.enqueue(Document::RichText);
-    w->runCommand(CommandId::New);
+    run(w, "actionNewDocument");
     QVERIFY(w->view());
     QCOMPARE(w->view()->document()->noteType, quint16(Document::RichText));
     QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Fresh.qbx")));
@@ -215,12 +214,13 @@ void TestMainWindow::createAndSaveAs()
         QTest::keyClicks(d->findChild<QLineEdit *>(QStringLiteral("name")), QStringLiteral("New Item"));
         d->accept();
     });
-    w->runCommand(CommandId::New);
+    run(w, "actionNew");
     QCOMPARE(w->view()->document()->root()->childCount(), 1);
 
     m_prompts->fileNames.enqueue(docPath(QStringLiteral("Copy.qbx")));
-    w->runCommand(CommandId::SaveAs);
+    run(w, "actionSaveAs");
     QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Copy.qbx")));
+    QVERIFY(w->windowTitle().startsWith(QStringLiteral("Copy - ")));
     QCOMPARE(namesOnDisk(docPath(QStringLiteral("Copy.qbx"))), QStringList({QStringLiteral("New Item")}));
 }
 
@@ -229,12 +229,12 @@ void TestMainWindow::saveFailureKeepsTheDocumentOpen()
     MainWindow *w = makeWindow();
     w->start(docPath(QStringLiteral("Alpha.qbx")));
     w->view()->document()->path = docPath(QStringLiteral("no-such-folder/Alpha.qbx"));
-    w->runCommand(CommandId::Save);
+    run(w, "actionSave");
     QCOMPARE(m_prompts->shown.size(), 1);
     QCOMPARE(m_prompts->shown.first().icon, Prompts::Icon::Stop);
     QCOMPARE(m_prompts->shown.first().text, QString::fromLatin1(Messages::SaveFailed));
     // Closing cannot lose the document either: it stays open.
-    w->runCommand(CommandId::CloseDocument);
+    run(w, "actionCloseDocument");
     QVERIFY(w->view());
 }
 
@@ -393,11 +393,8 @@ void TestMainWindow::menuBarWords()
              QStringList({"Move Up", "Move Down", "-", "Up a Level", "Down a Level"}));
     QVERIFY(!bar->actions().at(3)->menu()->icon().isNull());
     QCOMPARE(bar->actions().at(3)->text(), QString());
-    // Each command reached by its number.
-    QCOMPARE(w->commandAction(CommandId::HideProgressBar)->objectName(), QStringLiteral("action40090"));
-    QCOMPARE(w->commandAction(CommandId::ByPriority)->data().toInt(), 42003);
-    QCOMPARE(w->commandAction(CommandId::Save)->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
-    QCOMPARE(w->commandAction(CommandId::New)->shortcuts(),
+    QCOMPARE(command(w, "actionSave")->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
+    QCOMPARE(command(w, "actionNew")->shortcuts(),
              QList<QKeySequence>({QKeySequence(QStringLiteral("Ctrl+N")), QKeySequence(QStringLiteral("Ctrl+I"))}));
 }
 
@@ -405,30 +402,28 @@ void TestMainWindow::menusFollowTheState()
 {
     MainWindow *w = makeWindow();
     w->start(QString());
-    auto enabled = [w](int id) { return w->commandAction(id)->isEnabled(); };
     // The list: New, Refresh, About; nothing of a document.
-    QVERIFY(enabled(CommandId::Refresh));
-    QVERIFY(!enabled(CommandId::Save));
+    QVERIFY(enabled(w, "actionRefresh"));
+    QVERIFY(!enabled(w, "actionSave"));
 
     QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
-    QVERIFY(enabled(CommandId::Save));
-    QVERIFY(!enabled(CommandId::Refresh));
-    QVERIFY(w->commandAction(CommandId::DefaultView)->isChecked());
-    QVERIFY(w->commandAction(CommandId::NoteWindow)->isChecked());
-    QVERIFY(!enabled(CommandId::RecordingToolbar));
+    QVERIFY(enabled(w, "actionSave"));
+    QVERIFY(!enabled(w, "actionRefresh"));
+    QVERIFY(command(w, "actionDefaultView")->isChecked());
+    QVERIFY(command(w, "actionNoteWindow")->isChecked());
+    QVERIFY(!enabled(w, "actionRecordingToolbar"));
 
     // A grouped view: radio mark moves, the move menu greys.
     w->view()->treePane()->setCurrentRow(2);
-    w->updateActions();
-    QVERIFY(enabled(CommandId::MoveUp));
-    w->runCommand(CommandId::ByPriority);
-    QVERIFY(w->commandAction(CommandId::ByPriority)->isChecked());
-    QVERIFY(!w->commandAction(CommandId::DefaultView)->isChecked());
-    for (int id : {CommandId::MoveUp, CommandId::MoveDown, CommandId::UpALevel, CommandId::DownALevel})
-        QVERIFY(!enabled(id));
+    QVERIFY(enabled(w, "actionMoveUp"));
+    run(w, "actionByPriority");
+    QVERIFY(command(w, "actionByPriority")->isChecked());
+    QVERIFY(!command(w, "actionDefaultView")->isChecked());
+    for (const char *name : {"actionMoveUp", "actionMoveDown", "actionUpALevel", "actionDownALevel"})
+        QVERIFY(!enabled(w, name));
 
-    w->runCommand(CommandId::ShowStatistics);
-    QVERIFY(w->commandAction(CommandId::ShowStatistics)->isChecked());
+    run(w, "actionShowStatistics");
+    QVERIFY(command(w, "actionShowStatistics")->isChecked());
 }
 
 void TestMainWindow::ctrlAOpensTheAboutBox()

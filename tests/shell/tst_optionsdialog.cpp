@@ -1,7 +1,6 @@
 #include "support/shellfixture.h"
 
 #include "shell/widgets/colourcombo.h"
-#include "shell/commands/commandids.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -91,7 +90,7 @@ void TestOptionsDialog::everyPageMapsToTheSettings()
         choose(d, "importNoteType", 2);
         press(d);
     });
-    f.run(CommandId::Options);
+    f.run("actionOptions");
 
     for (const Settings &s : {f.window->settings(), stored(f)}) {
         QCOMPARE(s.fontSize, quint16(100));
@@ -126,14 +125,14 @@ void TestOptionsDialog::cancelKeepsTheSettings()
         child<QListWidget>(d, "favouriteIcons")->item(2)->setCheckState(Qt::Unchecked);
         press(d, QDialogButtonBox::Cancel);
     });
-    f.run(CommandId::Options);
+    f.run("actionOptions");
     QCOMPARE(f.window->settings().flags, before.flags);
     QCOMPARE(f.window->settings().xmlEncode, before.xmlEncode);
     QCOMPARE(f.window->settings().favIcons, before.favIcons);
 
     // OK without changes keeps a favourite beyond the chooser's pictures.
     f.prompts.dialogs.enqueue([](QDialog *d) { press(d); });
-    f.run(CommandId::Options);
+    f.run("actionOptions");
     QCOMPARE(stored(f).favIcons, (QList<quint16>{800, 2}));
 }
 
@@ -149,7 +148,7 @@ void TestOptionsDialog::unknownCodePageIsRefused()
         child<QComboBox>(d, "codePage")->setEditText(QStringLiteral("windows-1251"));
         press(d);
     });
-    f.run(CommandId::Options);
+    f.run("actionOptions");
     QCOMPARE(f.shownTexts(), QStringList{QStringLiteral(
                                  "The code page 'no-such-page' is not known. Please choose one from the list.")});
     QCOMPARE(f.window->settings().ansiCodePage, QStringLiteral("windows-1251"));

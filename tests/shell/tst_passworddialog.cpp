@@ -1,6 +1,5 @@
 #include "support/shellfixture.h"
 
-#include "shell/commands/commandids.h"
 #include "shell/dialogs/passworddialog.h"
 #include "storage/password.h"
 
@@ -83,7 +82,7 @@ void TestPasswordDialog::setMode()
         }
         closedWithOk = !d->isVisible() && d->result() == QDialog::Accepted;
     });
-    f.run(CommandId::SetPassword);
+    f.run("actionSetPassword");
     QCOMPARE(f.shownTexts(), messages);
     for (const auto &shown : std::as_const(f.prompts.shown))
         QCOMPARE(shown.icon, Prompts::Icon::Stop);
@@ -144,7 +143,7 @@ void TestPasswordDialog::protectedDocumentOpensOnlyWithItsPassword()
         type(d, "confirmPassword", QStringLiteral("abc"));
         press(d);
     });
-    f.run(CommandId::SetPassword);
+    f.run("actionSetPassword");
     f.window->closeDocument();
     QVERIFY(!f.view());
 

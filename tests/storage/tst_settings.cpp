@@ -190,6 +190,8 @@ void TestSettings::roundTrip()
     saved.flags = 0x3FF;
     saved.favIcons = {1, 826, 65535};
     saved.ansiCodePage = QStringLiteral("windows-1250");
+    saved.calendarStore = QStringLiteral("https://dav.example.org/calendars/ü/tasks/");
+    saved.calendarUser = QStringLiteral("ü@example.org");
     {
         QSettings store(path, QSettings::IniFormat);
         QVERIFY(saved.save(store));
@@ -213,6 +215,8 @@ void TestSettings::roundTrip()
     QCOMPARE(loaded.flags, saved.flags);
     QCOMPARE(loaded.favIcons, saved.favIcons);
     QCOMPARE(loaded.ansiCodePage, saved.ansiCodePage);
+    QCOMPARE(loaded.calendarStore, saved.calendarStore);
+    QCOMPARE(loaded.calendarUser, saved.calendarUser);
 }
 
 void TestSettings::unusableStoreKeepsDefaults()

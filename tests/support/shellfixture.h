@@ -1,13 +1,15 @@
 #pragma once
 
 #include "model/document.h"
-#include "shell/document/documentview.h"
 #include "shell/app/mainwindow.h"
-#include "support/scriptedprompts.h"
+#include "shell/commands/commandgroup.h"
+#include "shell/document/documentview.h"
 #include "shell/document/treepane.h"
 #include "storage/documentfile.h"
+#include "support/scriptedprompts.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -15,6 +17,53 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
+
+/// The window's command of that object name, with every command's state up
+/// to date.
+inline QAction *command(MainWindow *window, const char *name)
+{
+    window->updateActions();
+    QAction *action = window->command(QString::fromLatin1(name));
+    if (!action)
+        qWarning("no command named %s", name);
+    return action;
+}
+
+/// Triggers a command as a menu or shortcut would; false when it is greyed.
+inline bool run(MainWindow *window, const char *name)
+{
+    QAction *action = command(window, name);
+    if (!action || !action->isEnabled())
+        return false;
+    action->trigger();
+    return true;
+}
+
+inline bool enabled(MainWindow *window, const char *name)
+{
+    QAction *action = command(window, name);
+    return action && action->isEnabled();
+}
+
+inline bool checked(MainWindow *window, const char *name)
+{
+    QAction *action = command(window, name);
+    return action && action->isChecked();
+}
+
+/// Triggers a command of a window of its own (a branch view); false when it
+/// is greyed.
+inline bool runIn(QWidget *scope, const char *name)
+{
+    const auto groups = scope->findChildren<CommandGroup *>();
+    for (CommandGroup *group : groups)
+        group->update();
+    QAction *action = scope->findChild<QAction *>(QString::fromLatin1(name));
+    if (!action || !action->isEnabled())
+        return false;
+    action->trigger();
+    return true;
+}
 
 // A main window on a folder and settings file of the test's own, with every
 // question answered by ScriptedPrompts, and the helpers the dialog tests
@@ -60,7 +109,9 @@ struct ShellFixture {
     TreeNode *current() const { return window->view()->treePane()->currentNode(); }
 
     /// Runs a command and the dialog scripts queued for it.
-    void run(int command) { window->runCommand(command); }
+    bool run(const char *name) { return ::run(window.get(), name); }
+    bool enabled(const char *name) { return ::enabled(window.get(), name); }
+    QAction *command(const char *name) { return ::command(window.get(), name); }
 
     QList<QString> shownTexts() const
     {

@@ -1,14 +1,17 @@
 #include "shell/app/mainwindow.h"
 
-#include "exchange/textimport.h"
 #include "model/document.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
-#include "shell/commands/commandids.h"
-#include "shell/commands/dialogcommands.h"
+#include "shell/commands/exchangecommands.h"
+#include "shell/commands/filecommands.h"
+#include "shell/commands/findcommands.h"
+#include "shell/commands/itemcommands.h"
+#include "shell/commands/templatecommands.h"
+#include "shell/commands/viewcommands.h"
 #include "shell/document/documentview.h"
-#include "shell/widgets/prompts.h"
 #include "shell/document/treepane.h"
+#include "shell/widgets/prompts.h"
 #include "shell/widgets/waitcursor.h"
 #include "storage/documentfile.h"
 #include "storage/password.h"
@@ -36,14 +39,6 @@
 
 namespace {
 
-// The shell's own value in the settings store: whether the quick entry bar
-// is shown.
-
-QIcon themeIcon(const char *name, QStyle::StandardPixmap fallback, const QStyle *style)
-{
-    return QIcon::fromTheme(QString::fromLatin1(name), style->standardIcon(fallback));
-}
-
 QIcon moveMenuIcon()
 {
     QPixmap pm(32, 32);
@@ -55,18 +50,6 @@ QIcon moveMenuIcon()
     p.drawPolygon(QPolygonF() << QPointF(16, 2) << QPointF(25, 13) << QPointF(7, 13));
     p.drawPolygon(QPolygonF() << QPointF(16, 30) << QPointF(25, 19) << QPointF(7, 19));
     return QIcon(pm);
-}
-
-const char *noteTypeName(quint16 type)
-{
-    switch (type) {
-    case Document::RichInk:
-        return "Rich Ink";
-    case Document::RichText:
-        return "Rich Text";
-    default:
-        return "Plain Text";
-    }
 }
 
 } // namespace
@@ -82,8 +65,7 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
         m_prompts = m_ownPrompts.get();
     }
     if (environment.settingsFile.isEmpty())
-        m_store = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillbox"),
-                                              QStringLiteral("Quillbox"));
+        m_store = Settings::openUserStore();
     else
         m_store = std::make_unique<QSettings>(environment.settingsFile, QSettings::IniFormat);
 
@@ -125,8 +107,14 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
     m_status = new QLabel(this);
     statusBar()->addWidget(m_status, 1);
 
-    buildActions();
-    m_dialogs = new DialogCommands(this);
+    m_templates = new TemplateCommands(this, this);
+    m_exchange = new ExchangeCommands(this, this);
+    m_groups = {new FileCommands(this, this), m_templates, m_exchange, new FindCommands(this, m_templates, this),
+                new ViewCommands(this, this)};
+    // Every command is the window's, so that its shortcut works anywhere in
+    // it.
+    for (CommandGroup *group : std::as_const(m_groups))
+        addActions(group->actions());
     buildListMenus();
     updateActions();
     qApp->installEventFilter(this);
@@ -169,83 +157,31 @@ void MainWindow::start(const QString &commandLinePath)
 
 // ---- actions and menus
 
-QAction *MainWindow::makeAction(int id, const QString &text)
+QAction *MainWindow::command(const QString &name) const
 {
-    auto *action = new QAction(text, this);
-    action->setObjectName(QStringLiteral("action%1").arg(id));
-    action->setData(id);
-    connect(action, &QAction::triggered, this, [this, id] { runCommand(id); });
-    addAction(action);
-    m_actions.insert(id, action);
-    return action;
+    if (m_items) {
+        if (QAction *action = m_items->action(name))
+            return action;
+    }
+    for (const CommandGroup *group : m_groups) {
+        if (QAction *action = group->action(name))
+            return action;
+    }
+    return nullptr;
 }
 
-void MainWindow::buildActions()
+QMenu *MainWindow::addMenu(const QString &title, const char *name, std::initializer_list<const char *> commands)
 {
-    using namespace CommandId;
-    const QStyle *s = style();
-    QAction *closeAction = makeAction(CloseDocument, QStringLiteral("Close Document"));
-    closeAction->setIcon(themeIcon("go-home", QStyle::SP_DirHomeIcon, s));
-    closeAction->setIconText(QStringLiteral("Documents"));
-    closeAction->setToolTip(QStringLiteral("Save and close the document, back to the list of documents"));
-    makeAction(Exit, QStringLiteral("Exit"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
-    makeAction(About, QStringLiteral("About..."))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_A));
-    QAction *newAction = makeAction(New, QStringLiteral("New"));
-    newAction->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_N), QKeySequence(Qt::CTRL | Qt::Key_I)});
-    newAction->setToolTip(QStringLiteral("New (Ctrl+N)"));
-    makeAction(Refresh, QStringLiteral("Refresh"));
-    makeAction(ImportText, QStringLiteral("Import..."));
-
-    makeAction(MoveUp, QStringLiteral("Move Up"))->setIcon(themeIcon("go-up", QStyle::SP_ArrowUp, s));
-    makeAction(MoveDown, QStringLiteral("Move Down"))->setIcon(themeIcon("go-down", QStyle::SP_ArrowDown, s));
-    makeAction(UpALevel, QStringLiteral("Up a Level"))->setIcon(themeIcon("go-previous", QStyle::SP_ArrowLeft, s));
-    makeAction(DownALevel, QStringLiteral("Down a Level"))->setIcon(themeIcon("go-next", QStyle::SP_ArrowRight, s));
-    makeAction(ModifyItem, QStringLiteral("Modify Item"));
-    makeAction(ModifyNote, QStringLiteral("Modify Note"));
-    makeAction(CommandId::Links, QStringLiteral("Links"));
-    makeAction(BranchView, QStringLiteral("Branch View"));
-
-    auto *viewGroup = new QActionGroup(this);
-    const char *modes[] = {"Default View", "By Category", "By Task/Due Date", "By Priority"};
-    for (int m = 0; m < 4; ++m) {
-        QAction *action = makeAction(DefaultView + m, QString::fromLatin1(modes[m]));
-        action->setCheckable(true);
-        viewGroup->addAction(action);
+    auto *menu = new QMenu(title, menuBar());
+    menu->setObjectName(QString::fromLatin1(name));
+    for (const char *commandName : commands) {
+        if (*commandName)
+            menu->addAction(command(QString::fromLatin1(commandName)));
+        else
+            menu->addSeparator();
     }
-    auto checkable = [this](int id, const char *text) {
-        makeAction(id, QString::fromLatin1(text))->setCheckable(true);
-    };
-    checkable(HideCompleted, "Hide Completed Items");
-    checkable(HideNoStatus, "No Status");
-    checkable(HideCheckBox, "Check Box");
-    checkable(HideProgressBar, "Progress Bar");
-    checkable(ShowDueDate, "Show Due Date");
-    checkable(ShowStatistics, "Show Statistics");
-    checkable(NoteWindow, "Note Window");
-    checkable(CommandId::QuickEntryBar, "Quick Entry Bar");
-    checkable(RecordingToolbar, "Recording Toolbar");
-    makeAction(ExpandAll, QStringLiteral("Expand All"))
-        ->setIcon(themeIcon("list-add", QStyle::SP_ToolBarVerticalExtensionButton, s));
-    makeAction(CollapseAll, QStringLiteral("Collapse All"))
-        ->setIcon(themeIcon("list-remove", QStyle::SP_ToolBarHorizontalExtensionButton, s));
-
-    makeAction(FindItem, QStringLiteral("Find Item..."))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
-    makeAction(FindResult, QStringLiteral("Find Result..."));
-    makeAction(SetPassword, QStringLiteral("Set Password..."));
-    QAction *save = makeAction(Save, QStringLiteral("Save"));
-    save->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
-    save->setIcon(themeIcon("document-save", QStyle::SP_DialogSaveButton, s));
-    makeAction(FileProperties, QStringLiteral("File Properties..."));
-    makeAction(ConvertNotes, QStringLiteral("Convert Notes..."));
-    makeAction(SaveAs, QStringLiteral("Save As..."));
-    makeAction(ImportFile, QStringLiteral("Import File..."));
-    makeAction(ExportView, QStringLiteral("View..."));
-    makeAction(ExportXml, QStringLiteral("XML..."));
-    makeAction(ExportLinks, QStringLiteral("Links..."));
-    makeAction(ExportNotes, QStringLiteral("All Notes..."));
-    makeAction(ExportItems, QStringLiteral("Items..."));
-    makeAction(Options, QStringLiteral("Options..."));
-    makeAction(ItemTemplates, QStringLiteral("Item Templates..."));
+    connect(menu, &QMenu::aboutToShow, this, &MainWindow::updateActions);
+    return menu;
 }
 
 void MainWindow::clearMenus()
@@ -262,191 +198,86 @@ void MainWindow::clearMenus()
 
 void MainWindow::buildListMenus()
 {
-    using namespace CommandId;
     clearMenus();
-    menuBar()->addAction(m_actions[New]);
-    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
-    menuBar()->addMenu(tools);
-    tools->setObjectName(QStringLiteral("menuTools"));
-    tools->addAction(m_actions[Refresh]);
-    tools->addSeparator();
-    tools->addAction(m_actions[ImportText]);
-    tools->addSeparator();
-    tools->addAction(m_actions[About]);
-    connect(tools, &QMenu::aboutToShow, this, &MainWindow::updateActions);
-
+    menuBar()->addAction(command(QStringLiteral("actionNewDocument")));
+    menuBar()->addMenu(
+        addMenu(QStringLiteral("Tools"), "menuTools", {"actionRefresh", "", "actionImportText", "", "actionAbout"}));
     m_toolBar->hide();
 }
 
 QMenu *MainWindow::buildMoveMenu(QWidget *parent)
 {
-    using namespace CommandId;
     auto *move = new QMenu(parent);
     move->setObjectName(QStringLiteral("menuMove"));
     move->setIcon(moveMenuIcon());
-    move->menuAction()->setObjectName(QStringLiteral("action%1").arg(MoveMenu));
+    move->menuAction()->setObjectName(QStringLiteral("actionMoveMenu"));
     move->menuAction()->setToolTip(QStringLiteral("Move"));
-    move->addAction(m_actions[MoveUp]);
-    move->addAction(m_actions[MoveDown]);
-    move->addSeparator();
-    move->addAction(m_actions[UpALevel]);
-    move->addAction(m_actions[DownALevel]);
+    for (const char *name : {"actionMoveUp", "actionMoveDown", "", "actionUpALevel", "actionDownALevel"}) {
+        if (*name)
+            move->addAction(command(QString::fromLatin1(name)));
+        else
+            move->addSeparator();
+    }
     connect(move, &QMenu::aboutToShow, this, &MainWindow::updateActions);
     return move;
 }
 
 void MainWindow::buildViewMenus()
 {
-    using namespace CommandId;
     clearMenus();
-    menuBar()->addAction(m_actions[New]);
+    menuBar()->addAction(command(QStringLiteral("actionNew")));
 
-    auto *view = new QMenu(QStringLiteral("View"), menuBar());
+    QMenu *view = addMenu(
+        QStringLiteral("View"), "menuView",
+        {"actionDefaultView", "actionByCategory", "actionByDueDate", "actionByPriority", "", "actionHideCompleted"});
+    QMenu *hide = addMenu(QStringLiteral("Hide By Status"), "menuHideByStatus",
+                          {"actionHideNoStatus", "actionHideCheckBox", "actionHideProgressBar"});
+    view->addMenu(hide);
+    view->addMenu(addMenu(QStringLiteral("Item Display Options"), "menuItemDisplay",
+                          {"actionShowDueDate", "actionShowStatistics"}));
+    view->addSeparator();
+    view->addMenu(addMenu(QStringLiteral("Windows && Toolbars"), "menuWindows",
+                          {"actionNoteWindow", "actionQuickEntryBar", "actionRecordingToolbar"}));
+    view->addSeparator();
+    view->addAction(command(QStringLiteral("actionExpandAll")));
+    view->addAction(command(QStringLiteral("actionCollapseAll")));
     menuBar()->addMenu(view);
-    view->setObjectName(QStringLiteral("menuView"));
-    for (int m = 0; m < 4; ++m)
-        view->addAction(m_actions[DefaultView + m]);
-    view->addSeparator();
-    view->addAction(m_actions[HideCompleted]);
-    QMenu *hide = view->addMenu(QStringLiteral("Hide By Status"));
-    hide->addAction(m_actions[HideNoStatus]);
-    hide->addAction(m_actions[HideCheckBox]);
-    hide->addAction(m_actions[HideProgressBar]);
-    QMenu *display = view->addMenu(QStringLiteral("Item Display Options"));
-    display->addAction(m_actions[ShowDueDate]);
-    display->addAction(m_actions[ShowStatistics]);
-    view->addSeparator();
-    QMenu *windows = view->addMenu(QStringLiteral("Windows && Toolbars"));
-    windows->addAction(m_actions[NoteWindow]);
-    windows->addAction(m_actions[CommandId::QuickEntryBar]);
-    windows->addAction(m_actions[RecordingToolbar]);
-    view->addSeparator();
-    view->addAction(m_actions[ExpandAll]);
-    view->addAction(m_actions[CollapseAll]);
 
-    auto *tools = new QMenu(QStringLiteral("Tools"), menuBar());
+    QMenu *tools = addMenu(QStringLiteral("Tools"), "menuTools",
+                           {"actionFindItem", "actionFindResult", "", "actionSetPassword", "actionSave"});
+    tools->addMenu(addMenu(QStringLiteral("File"), "menuFile",
+                           {"actionFileProperties", "actionConvertNotes", "", "actionSaveAs"}));
+    tools->addSeparator();
+    tools->addMenu(addMenu(QStringLiteral("Import/Export"), "menuImportExport",
+                           {"actionImportFile", "", "actionExportView", "actionExportXml", "actionExportLinks",
+                            "actionExportNotes", "", "actionExportItems"}));
+    tools->addSeparator();
+    tools->addAction(command(QStringLiteral("actionOptions")));
+    tools->addAction(command(QStringLiteral("actionItemTemplates")));
+    tools->addAction(command(QStringLiteral("actionAbout")));
     menuBar()->addMenu(tools);
-    tools->setObjectName(QStringLiteral("menuTools"));
-    tools->addAction(m_actions[FindItem]);
-    tools->addAction(m_actions[FindResult]);
-    tools->addSeparator();
-    tools->addAction(m_actions[SetPassword]);
-    tools->addAction(m_actions[Save]);
-    QMenu *file = tools->addMenu(QStringLiteral("File"));
-    file->addAction(m_actions[FileProperties]);
-    file->addAction(m_actions[ConvertNotes]);
-    file->addSeparator();
-    file->addAction(m_actions[SaveAs]);
-    tools->addSeparator();
-    QMenu *exchange = tools->addMenu(QStringLiteral("Import/Export"));
-    exchange->addAction(m_actions[ImportFile]);
-    exchange->addSeparator();
-    exchange->addAction(m_actions[ExportView]);
-    exchange->addAction(m_actions[ExportXml]);
-    exchange->addAction(m_actions[ExportLinks]);
-    exchange->addAction(m_actions[ExportNotes]);
-    exchange->addSeparator();
-    exchange->addAction(m_actions[ExportItems]);
-    tools->addSeparator();
-    tools->addAction(m_actions[Options]);
-    tools->addAction(m_actions[ItemTemplates]);
-    tools->addAction(m_actions[About]);
-
-    QMenu *move = buildMoveMenu(menuBar());
-    menuBar()->addMenu(move);
-    for (QMenu *menu : {view, hide, display, windows, tools, file, exchange})
-        connect(menu, &QMenu::aboutToShow, this, &MainWindow::updateActions);
+    menuBar()->addMenu(buildMoveMenu(menuBar()));
 
     m_toolBar->clear();
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_toolBar->show();
-    m_toolBar->addAction(m_actions[CloseDocument]);
-    m_toolBar->addAction(m_actions[Save]);
-    m_toolBar->addSeparator();
-    m_toolBar->addAction(m_actions[MoveUp]);
-    m_toolBar->addAction(m_actions[MoveDown]);
-    m_toolBar->addAction(m_actions[UpALevel]);
-    m_toolBar->addAction(m_actions[DownALevel]);
-    m_toolBar->addSeparator();
-    m_toolBar->addAction(m_actions[ExpandAll]);
-    m_toolBar->addAction(m_actions[CollapseAll]);
-    // The property, note, links and branch buttons join when their windows
-    // exist.
-    for (int id : {ModifyItem, ModifyNote, CommandId::Links, BranchView}) {
-        if (m_view && m_view->hasCommand(id))
-            m_toolBar->addAction(m_actions[id]);
+    for (const char *name : {"actionCloseDocument", "actionSave", "", "actionMoveUp", "actionMoveDown",
+                             "actionUpALevel", "actionDownALevel", "", "actionExpandAll", "actionCollapseAll",
+                             "actionModifyItem", "actionModifyNote", "actionLinks", "actionBranchView"}) {
+        if (*name)
+            m_toolBar->addAction(command(QString::fromLatin1(name)));
+        else
+            m_toolBar->addSeparator();
     }
 }
 
 void MainWindow::updateActions()
 {
-    using namespace CommandId;
-    for (auto it = m_actions.cbegin(); it != m_actions.cend(); ++it) {
-        const int id = it.key();
-        QAction *action = it.value();
-        bool enabled = false;
-        bool checked = false;
-        switch (id) {
-        case About:
-        case Exit:
-            enabled = true;
-            break;
-        case New:
-            enabled = !m_view || m_view->isCommandEnabled(id);
-            break;
-        case Refresh:
-            enabled = !m_view;
-            break;
-        case CloseDocument:
-            enabled = m_view != nullptr;
-            break;
-        case ImportText:
-            enabled = !m_view;
-            break;
-        default:
-            enabled = m_view && m_view->isCommandEnabled(id);
-            checked = m_view && m_view->isCommandChecked(id);
-            break;
-        }
-        action->setEnabled(enabled);
-        if (action->isCheckable())
-            action->setChecked(checked);
-    }
-}
-
-void MainWindow::runCommand(int id)
-{
-    using namespace CommandId;
-    switch (id) {
-    case About:
-        m_prompts->about(this);
-        return;
-    case Exit:
-        close();
-        return;
-    case CloseDocument:
-        closeDocument();
-        return;
-    case Refresh:
-        refreshDocumentList();
-        return;
-    case ImportText:
-        if (!m_view)
-            importTextDocument();
-        return;
-    case New:
-        if (!m_view) {
-            createDocument();
-            return;
-        }
-        break;
-    default:
-        break;
-    }
-    if (m_view) {
-        m_view->runCommand(id);
-        updateActions();
-    }
+    for (CommandGroup *group : std::as_const(m_groups))
+        group->update();
+    if (m_items)
+        m_items->update();
+    updateTitle();
 }
 
 // ---- the document list
@@ -493,7 +324,10 @@ void MainWindow::showView(DocumentView *view)
     view->setQuickEntryVisible(m_settings.testFlag(Settings::QuickEntryBar));
     connect(view, &DocumentView::stateChanged, this, &MainWindow::updateActions);
     connect(view, &DocumentView::settingsChanged, this, &MainWindow::saveSettings);
-    Q_EMIT viewOpened(view);
+    // The item commands live and go with the view.
+    m_items = new ItemCommands(view, this, m_templates, view);
+    addActions(m_items->actions());
+    m_templates->viewOpened();
     buildViewMenus();
     updateActions();
     updateTitle();
@@ -545,12 +379,13 @@ bool MainWindow::createDocument()
     document->path = QFileInfo(path).absoluteFilePath();
     // Written at once, so the new document is in the list from now on.
     bool saved = false;
+    QString error;
     {
         WaitCursor wait;
-        saved = DocumentFile::save(*document);
+        saved = DocumentFile::save(*document, QString(), &error);
     }
     if (!saved) {
-        m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
+        m_prompts->message(this, Prompts::Icon::Stop, Prompts::withReason(Messages::SaveFailed, error));
         return false;
     }
     showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
@@ -559,7 +394,7 @@ bool MainWindow::createDocument()
 
 bool MainWindow::importTextDocument()
 {
-    return m_dialogs->importText();
+    return m_exchange->importText();
 }
 
 void MainWindow::closeDocument()
@@ -567,7 +402,7 @@ void MainWindow::closeDocument()
     if (!m_view)
         return;
     // Closing saves first, as switching away does: an edit is never lost.
-    if (!m_view->save())
+    if (!saveView())
         return;
     const QString path = m_view->document()->path;
     m_settings.setFlag(Settings::QuickEntryBar, m_view->isQuickEntryVisible());
@@ -611,7 +446,16 @@ void MainWindow::saveOnDeactivation()
 {
     if (!m_view)
         return;
-    m_view->save();
+    saveView();
+}
+
+bool MainWindow::saveView()
+{
+    QString error;
+    if (m_view->save(QString(), &error))
+        return true;
+    m_prompts->message(this, Prompts::Icon::Stop, Prompts::withReason(Messages::SaveFailed, error));
+    return false;
 }
 
 void MainWindow::updateTitle()
@@ -627,13 +471,13 @@ void MainWindow::updateTitle()
     setWindowTitle(QStringLiteral("%1 - %2").arg(info.completeBaseName(), caption));
     m_status->setText(QStringLiteral("%1    %2 notes")
                           .arg(QDir::toNativeSeparators(info.absoluteFilePath()),
-                               QString::fromLatin1(noteTypeName(m_view->document()->noteType))));
+                               Document::noteTypeName(m_view->document()->noteType)));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (m_view) {
-        if (!m_view->save()) {
+        if (!saveView()) {
             event->ignore();
             return;
         }

@@ -1,13 +1,17 @@
 #pragma once
 
+#include "shell/commands/commandhost.h"
 #include "storage/settings.h"
 
-#include <QHash>
 #include <QMainWindow>
+#include <QPointer>
 #include <functional>
 #include <memory>
 
-class DialogCommands;
+class CommandGroup;
+class ExchangeCommands;
+class ItemCommands;
+class TemplateCommands;
 class DocumentView;
 class Prompts;
 class QAction;
@@ -32,8 +36,9 @@ struct ShellEnvironment {
 /// The frame: the document list while no document is open, and the view of
 /// the one open document. It runs the document's lifecycle (create, open
 /// with the password prompt, save, close, hand-over from a second start) and
-/// keeps DefFile so that the next start reopens what was open at exit.
-class MainWindow : public QMainWindow {
+/// keeps DefFile so that the next start reopens what was open at exit. Its
+/// menus, tool bar and shortcuts are made of the commands' actions.
+class MainWindow : public QMainWindow, public CommandHost {
     Q_OBJECT
 public:
     explicit MainWindow(const ShellEnvironment &environment = ShellEnvironment(), QWidget *parent = nullptr);
@@ -45,14 +50,14 @@ public:
 
     /// Opens a document in the view: the load result's message on failure,
     /// the password prompt for a protected one (Cancel closes it again).
-    bool openDocument(const QString &path);
+    bool openDocument(const QString &path) override;
     /// Asks for a path and a note type and opens an empty document there.
-    bool createDocument();
+    bool createDocument() override;
     /// Asks for a text outline and a note type, and opens the document made
     /// from it beside the text file.
     bool importTextDocument();
     /// Saves and closes the open document, back to the list; DefFile empties.
-    void closeDocument();
+    void closeDocument() override;
     /// A second start handed over a path: save and close, then open it.
     void handOver(const QString &path);
     /// Brings the window forward (a second start without a path).
@@ -60,24 +65,18 @@ public:
     /// The deactivation save: commit the selection and the note, then write.
     void saveOnDeactivation();
 
-    DocumentView *view() const { return m_view; }
+    QWidget *frame() override { return this; }
+    DocumentView *view() const override { return m_view; }
     QTreeWidget *documentList() const { return m_list; }
-    QString documentsFolder() const;
-    Settings &settings() { return m_settings; }
-    Prompts *prompts() const { return m_prompts; }
-    void saveSettings();
-    /// The action of a command number (named "action<number>").
-    QAction *commandAction(int id) const { return m_actions.value(id); }
-    /// Runs a numbered command in the frame or the view.
-    void runCommand(int id);
-    /// Greys and marks every action for the present state.
-    void updateActions();
-    void refreshDocumentList();
-
-Q_SIGNALS:
-    /// A document view was made, before its menus: the place to register
-    /// the handlers of further commands on it.
-    void viewOpened(DocumentView *view);
+    QString documentsFolder() const override;
+    Settings &settings() override { return m_settings; }
+    Prompts *prompts() const override { return m_prompts; }
+    void saveSettings() override;
+    /// The command of that object name ("actionExportXml"), of the window or
+    /// of the open document's items; null when there is none.
+    QAction *command(const QString &name) const;
+    void updateActions() override;
+    void refreshDocumentList() override;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -85,13 +84,14 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QAction *makeAction(int id, const QString &text);
-    void buildActions();
     void clearMenus();
+    QMenu *addMenu(const QString &title, const char *name, std::initializer_list<const char *> commands);
     void buildListMenus();
     void buildViewMenus();
     QMenu *buildMoveMenu(QWidget *parent);
     void showView(DocumentView *view);
+    /// Saves the open document; the failure and its reason are shown.
+    bool saveView();
     void onListActivated();
     void updateTitle();
 
@@ -106,6 +106,8 @@ private:
     DocumentView *m_view = nullptr;
     QToolBar *m_toolBar = nullptr;
     QLabel *m_status = nullptr;
-    QHash<int, QAction *> m_actions;
-    DialogCommands *m_dialogs = nullptr;
+    TemplateCommands *m_templates = nullptr;
+    ExchangeCommands *m_exchange = nullptr;
+    QList<CommandGroup *> m_groups;
+    QPointer<ItemCommands> m_items;
 };

@@ -1,5 +1,6 @@
 #include "shell/dialogs/convertnotesdialog.h"
 
+#include "model/document.h"
 #include "platform/messages.h"
 
 #include <QButtonGroup>
@@ -31,11 +32,10 @@ ConvertNotesDialog::ConvertNotesDialog(const QString &path, quint16 noteType, QW
     auto *targetBox = new QGroupBox(QStringLiteral("Notes will be converted to:"), this);
     auto *targetLayout = new QVBoxLayout(targetBox);
     m_targets = new QButtonGroup(this);
-    const char *names[] = {"Plain Text", "Rich Ink", "Rich Text"};
     const char *descriptions[] = {Messages::PlainTextDescription, Messages::RichInkDescription,
                                   Messages::RichTextDescription};
     for (int t = 0; t < 3; ++t) {
-        auto *button = new QRadioButton(QString::fromLatin1(names[t]), targetBox);
+        auto *button = new QRadioButton(Document::noteTypeName(quint16(t)), targetBox);
         button->setObjectName(QStringLiteral("target%1").arg(t));
         m_targets->addButton(button, t);
         targetLayout->addWidget(button);

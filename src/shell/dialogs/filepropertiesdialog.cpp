@@ -62,12 +62,9 @@ FilePropertiesDialog::FilePropertiesDialog(const Document &document, QWidget *pa
         links += int(item->links().size());
         completed += item->isComplete();
     }
-    const char *noteTypes[] = {"Plain Text", "Rich Ink", "Rich Text"};
 
     auto *form = new QFormLayout;
-    form->addRow(
-        QStringLiteral("Note type:"),
-        value(QString::fromLatin1(noteTypes[document.noteType < 3 ? document.noteType : 0]), "noteType", this));
+    form->addRow(QStringLiteral("Note type:"), value(Document::noteTypeName(document.noteType), "noteType", this));
     form->addRow(QStringLiteral("Location:"), value(QDir::toNativeSeparators(info.absolutePath()), "location", this));
     form->addRow(
         QStringLiteral("Modified:"),

@@ -7,10 +7,10 @@
 #include "noteeditor/notepane.h"
 #include "platform/collation.h"
 #include "platform/messages.h"
-#include "shell/widgets/colourcombo.h"
 #include "shell/dialogs/externalnoteeditor.h"
-#include "shell/widgets/iconbutton.h"
 #include "shell/dialogs/linkspage.h"
+#include "shell/widgets/colourcombo.h"
+#include "shell/widgets/iconbutton.h"
 #include "shell/widgets/prompts.h"
 #include "storage/template.h"
 
@@ -362,51 +362,35 @@ InsertPosition ItemPropertiesDialog::position() const
 
 void ItemPropertiesDialog::store()
 {
-    Item *item = m_item;
-    item->setName(m_name->text());
-    Editing::setPriority(item, quint16(m_priority->currentIndex() + 1));
-    if (m_context.forTemplate)
-        item->setCategory(m_category->currentText());
-    else
-        item->setCategory(m_context.document->collectCategory(m_category->currentText()));
-    item->setImage(m_icon->image());
-    item->setColour(quint16(m_colour->colour()));
-    item->setShowIcon(m_showIcon->isChecked());
-    item->setItalic(m_italic->isChecked());
-    item->setStatusType(quint16(m_status->currentIndex()));
-
+    ItemProperties p;
+    p.name = m_name->text();
+    p.priority = quint16(m_priority->currentIndex() + 1);
+    p.category = m_category->currentText();
+    p.image = m_icon->image();
+    p.colour = quint16(m_colour->colour());
+    p.showIcon = m_showIcon->isChecked();
+    p.italic = m_italic->isChecked();
+    p.statusType = quint16(m_status->currentIndex());
     // A date the person left alone keeps its stored time of day.
     if (!m_hasDueDate->isChecked())
-        item->setDueDate({});
+        p.dueDate = {};
     else if (!m_dueDate.hasDate() || m_dueDate.toDate() != m_dueDateEdit->date())
-        item->setDueDate(dateOnly(m_dueDateEdit->date()));
+        p.dueDate = dateOnly(m_dueDateEdit->date());
     else
-        item->setDueDate(m_dueDate);
-    item->setTaskTime(m_taskTime->text());
-    item->setTaskTimeType(quint16(m_taskUnit->currentIndex()));
+        p.dueDate = m_dueDate;
+    p.taskTime = m_taskTime->text();
+    p.taskTimeType = quint16(m_taskUnit->currentIndex());
     if (!m_hasReminder->isChecked())
-        item->setReminderTime({});
+        p.reminderTime = {};
     else if (!m_reminder.hasDate() || withoutSeconds(m_reminder.toDateTime()) != m_reminderEdit->dateTime())
-        item->setReminderTime(SystemTime::fromDateTime(withoutSeconds(m_reminderEdit->dateTime())));
+        p.reminderTime = SystemTime::fromDateTime(withoutSeconds(m_reminderEdit->dateTime()));
     else
-        item->setReminderTime(m_reminder);
-
+        p.reminderTime = m_reminder;
     if (m_links->isFilled() && !m_context.forTemplate)
-        item->setLinks(m_links->links());
+        p.links = m_links->links();
     if (m_note->isModified())
-        item->setNote(m_note->noteBytes());
-
-    // Progress comes last, since its roll-up climbs from here. Switching to
-    // "Automatic" computes the item's own progress at once.
-    if (m_automatic->isChecked()) {
-        item->setAutoProgress(true);
-        item->progressChanged();
-    } else {
-        item->setAutoProgress(false);
-        if (item->progress() != m_progress->value())
-            item->setProgress(quint16(m_progress->value()));
-    }
-    if (TreeNode *parent = item->parent())
-        ChildOrder::sortAgain(parent);
-    Progress::resortAncestors(item);
+        p.note = m_note->noteBytes();
+    p.autoProgress = m_automatic->isChecked();
+    p.progress = quint16(m_progress->value());
+    Editing::applyProperties(m_item, p, m_context.forTemplate ? nullptr : m_context.document);
 }

@@ -100,15 +100,18 @@ LinksPage::LinksPage(Document *document, Prompts *prompts, const QString &docume
     auto *addMenu = new QMenu(this);
     addMenu->setObjectName(QStringLiteral("menuAddLink"));
     addMenu->addAction(
-        makeAction(QStringLiteral("action40025"), QStringLiteral("File Link..."), &LinksPage::addFileLink));
-    addMenu->addAction(makeAction(QStringLiteral("action40026"), QStringLiteral("URL..."), &LinksPage::addUrl));
+        makeAction(QStringLiteral("actionAddFileLink"), QStringLiteral("File Link..."), &LinksPage::addFileLink));
+    addMenu->addAction(makeAction(QStringLiteral("actionAddUrl"), QStringLiteral("URL..."), &LinksPage::addUrl));
     addMenu->addAction(
         makeAction(QStringLiteral("actionAddPhone"), QStringLiteral("Phone Number..."), &LinksPage::addPhoneNumber));
     addMenu->addAction(
-        makeAction(QStringLiteral("action40027"), QStringLiteral("Item Link..."), &LinksPage::addItemLink));
-    QAction *modify = makeAction(QStringLiteral("action3080"), QStringLiteral("Modify..."), &LinksPage::modifySelected);
-    QAction *remove = makeAction(QStringLiteral("action3081"), QStringLiteral("Delete"), &LinksPage::deleteSelected);
-    QAction *removeAll = makeAction(QStringLiteral("action40031"), QStringLiteral("All Links"), &LinksPage::deleteAll);
+        makeAction(QStringLiteral("actionAddItemLink"), QStringLiteral("Item Link..."), &LinksPage::addItemLink));
+    QAction *modify =
+        makeAction(QStringLiteral("actionModifyLink"), QStringLiteral("Modify..."), &LinksPage::modifySelected);
+    QAction *remove =
+        makeAction(QStringLiteral("actionDeleteLink"), QStringLiteral("Delete"), &LinksPage::deleteSelected);
+    QAction *removeAll =
+        makeAction(QStringLiteral("actionDeleteAllLinks"), QStringLiteral("All Links"), &LinksPage::deleteAll);
 
     auto *buttons = new QHBoxLayout;
     auto *add = new QPushButton(QStringLiteral("&Add"), this);
@@ -215,11 +218,11 @@ void LinksPage::updateButtons()
     m_modify->setEnabled(selected);
     m_delete->setEnabled(selected);
     m_deleteAll->setEnabled(!m_rows.isEmpty());
-    if (QAction *a = action(QStringLiteral("action3080")))
+    if (QAction *a = action(QStringLiteral("actionModifyLink")))
         a->setEnabled(selected);
-    if (QAction *a = action(QStringLiteral("action3081")))
+    if (QAction *a = action(QStringLiteral("actionDeleteLink")))
         a->setEnabled(selected);
-    if (QAction *a = action(QStringLiteral("action40031")))
+    if (QAction *a = action(QStringLiteral("actionDeleteAllLinks")))
         a->setEnabled(!m_rows.isEmpty());
 }
 

@@ -31,9 +31,9 @@ public:
     const QList<Links::Row> &rows() const { return m_rows; }
 
     QTreeWidget *list() const { return m_list; }
-    /// The page's commands, named "action<number>": 40025 "File Link...",
-    /// 40026 "URL...", 40027 "Item Link...", 40031 "All Links", 3080
-    /// "Modify...", 3081 "Delete"; and "actionAddPhone" "Phone Number...".
+    /// The page's commands: "actionAddFileLink", "actionAddUrl",
+    /// "actionAddPhone", "actionAddItemLink", "actionModifyLink",
+    /// "actionDeleteLink" and "actionDeleteAllLinks".
     QAction *action(const QString &name) const;
 
     void addFileLink();

@@ -2,6 +2,7 @@
 
 #include "exchange/textexport.h"
 #include "exchange/xmlexport.h"
+#include "model/document.h"
 #include "platform/codepage.h"
 #include "platform/messages.h"
 #include "rows/iconset.h"
@@ -252,7 +253,7 @@ QWidget *OptionsDialog::buildExchange()
     iconLabel->setBuddy(m_importIcon);
     importForm->addRow(iconLabel, iconRow);
     m_importNoteType = combo("importNoteType", importBox);
-    m_importNoteType->addItems({QStringLiteral("Plain Text"), QStringLiteral("Rich Ink"), QStringLiteral("Rich Text")});
+    m_importNoteType->addItems({Document::noteTypeName(0), Document::noteTypeName(1), Document::noteTypeName(2)});
     const int noteType = int(m_settings.textImport >> 16);
     m_importNoteType->setCurrentIndex(noteType < 3 ? noteType : 1);
     importForm->addRow(QStringLiteral("Default &note type:"), m_importNoteType);

@@ -1,5 +1,6 @@
 #include "shell/dialogs/templatenamedialog.h"
 
+#include "model/document.h"
 #include "platform/messages.h"
 #include "shell/widgets/prompts.h"
 #include "storage/template.h"
@@ -28,7 +29,7 @@ TemplateNameDialog::TemplateNameDialog(const QString &name, quint16 noteType, bo
     auto *form = new QFormLayout;
     m_noteType = new QComboBox(this);
     m_noteType->setObjectName(QStringLiteral("templateNoteType"));
-    m_noteType->addItems({QStringLiteral("Plain Text"), QStringLiteral("Rich Ink"), QStringLiteral("Rich Text")});
+    m_noteType->addItems({Document::noteTypeName(0), Document::noteTypeName(1), Document::noteTypeName(2)});
     m_noteType->setCurrentIndex(noteType < 3 ? noteType : 0);
     m_noteType->setEnabled(!noteTypeFixed);
     form->addRow(QStringLiteral("&Note type:"), m_noteType);

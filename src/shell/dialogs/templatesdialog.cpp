@@ -3,8 +3,8 @@
 #include "model/document.h"
 #include "platform/messages.h"
 #include "rows/iconset.h"
-#include "shell/widgets/prompts.h"
 #include "shell/dialogs/templatenamedialog.h"
+#include "shell/widgets/prompts.h"
 #include "storage/templatefile.h"
 
 #include <QDialogButtonBox>
@@ -16,12 +16,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-const char *noteTypeName(quint16 type)
-{
-    const char *names[] = {"Plain Text", "Rich Ink", "Rich Text"};
-    return type < 3 ? names[type] : "";
-}
 
 } // namespace
 
@@ -86,7 +80,8 @@ void TemplatesDialog::showList(int select)
         auto *row = new QTreeWidgetItem(m_list);
         row->setText(0, entry->templateName());
         row->setIcon(0, QIcon(IconSet::instance().icon(entry->image(), 16, dpr)));
-        row->setText(1, QString::fromLatin1(noteTypeName(entry->templateNoteType())));
+        const quint16 type = entry->templateNoteType();
+        row->setText(1, type <= Document::RichText ? Document::noteTypeName(type) : QString());
     }
     if (select >= 0 && select < m_list->topLevelItemCount())
         m_list->setCurrentItem(m_list->topLevelItem(select));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/editing.h"
+#include "shell/document/itemhost.h"
 
 #include <QDialog>
 #include <functional>
@@ -9,16 +10,18 @@
 class Document;
 class Item;
 class Prompts;
+class QAction;
+class QToolBar;
 class Settings;
 class TreeNode;
 class TreePane;
 class ViewRows;
 
 /// "Branch View": one item's branch in a window of its own, with the item
-/// menu, status taps, renaming and dragging of the main list, and a Move and
-/// Copy mark of its own. When a change leaves nothing of the branch shown
+/// menu (its own item commands), status taps, renaming and dragging of the
+/// main list, and a Move and Copy mark of its own. When a change leaves nothing of the branch shown
 /// (the filters hide it), it says so and closes.
-class BranchView : public QDialog {
+class BranchView : public QDialog, public ItemHost {
     Q_OBJECT
 public:
     /// otherClip is the main view's mark, which must let go of an item that
@@ -29,28 +32,26 @@ public:
     ~BranchView() override;
 
     void setAfterChange(std::function<void()> afterChange) { m_afterChange = std::move(afterChange); }
-    /// Edits one item's attributes (the main view's properties dialog).
-    void setPropertiesEditor(std::function<bool(Item *)> editor) { m_editProperties = std::move(editor); }
+    /// Puts a command on the window's tool bar.
+    void addToolBarAction(QAction *action);
 
-    TreePane *treePane() const { return m_tree; }
-    ViewRows *rows() const { return m_rows.get(); }
-    ItemClip &clip() { return m_clip; }
+    Document *document() const override { return m_document; }
+    TreePane *treePane() const override { return m_tree; }
+    ViewRows *rows() const override { return m_rows.get(); }
+    ItemClip &clip() override { return m_clip; }
+    QWidget *hostWidget() override { return this; }
+    bool isBranchView() const override { return true; }
+    void commitEdits() override {}
+    /// Rebuilds the rows; closes the window when the top was deleted or the
+    /// filters hide the whole branch.
+    void changed(TreeNode *select) override;
+    /// The main view's mark lets go of the branch too.
+    void forgetBranch(const Item *item) override;
     /// The top item, or null once it was deleted.
     Item *top() const;
 
-    /// Runs an item menu command on the selected row; false when it is not
-    /// available there.
-    bool runCommand(int id);
-    /// Opens the item menu of a row.
-    void showItemMenu(int row, const QPoint &globalPos);
-
 private:
-    Item *currentItem() const;
-    void changed(TreeNode *select);
     void onStatusTapped(Item *item, const QPoint &globalPos);
-    void deleteCurrent();
-    void paste();
-    bool isAvailable(int id) const;
 
     Document *m_document;
     quint32 m_topHandle;
@@ -60,6 +61,6 @@ private:
     ItemClip m_clip;
     std::unique_ptr<ViewRows> m_rows;
     TreePane *m_tree = nullptr;
+    QToolBar *m_toolBar = nullptr;
     std::function<void()> m_afterChange;
-    std::function<bool(Item *)> m_editProperties;
 };

@@ -6,21 +6,15 @@
 #include "model/progress.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
-#include "shell/commands/commandids.h"
 #include "shell/document/itemactions.h"
-#include "shell/document/itemmenu.h"
-#include "shell/widgets/prompts.h"
 #include "shell/document/quickentrybar.h"
 #include "shell/document/treepane.h"
+#include "shell/widgets/prompts.h"
 #include "shell/widgets/waitcursor.h"
 #include "storage/documentfile.h"
 #include "storage/settings.h"
 #include "views/viewrows.h"
 
-#include <QAction>
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QMenu>
 #include <QSplitter>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -66,15 +60,11 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
 
     connect(m_tree, &TreePane::currentChanged, this, &DocumentView::onCurrentChanged);
     connect(m_tree, &TreePane::statusTapped, this, &DocumentView::onStatusTapped);
-    connect(m_tree, &TreePane::contextMenuRequested, this, &DocumentView::showItemMenu);
     connect(m_tree, &TreePane::dropRequested, this, &DocumentView::onDrop);
     connect(m_tree, &TreePane::renameCommitted, this, &DocumentView::onRename);
-    connect(m_tree, &TreePane::deleteRequested, this, [this] { runCommand(CommandId::DeleteItem); });
-    connect(m_tree, &TreePane::renameRequested, this, [this] { runCommand(CommandId::Rename); });
     connect(m_tree, &TreePane::expansionChanged, this, &DocumentView::stateChanged);
     connect(m_splitter, &QSplitter::splitterMoved, this, &DocumentView::onSplitterMoved);
     connect(m_quick, &QuickEntryBar::addRequested, this, &DocumentView::onQuickAdd);
-    registerCommands();
 
     // Start on the node the document names as current, when it is shown.
     const int start = m_rows->reveal(m_document->current());
@@ -87,15 +77,7 @@ DocumentView::~DocumentView() = default;
 
 void DocumentView::applyRowStyle()
 {
-    RowStyle style;
-    if (m_settings) {
-        style.fontSize = m_settings->fontSize;
-        style.flags = m_settings->flags;
-        style.prgColour = m_settings->prgColour;
-    }
-    style.showDueDate = m_document->showDueDate;
-    style.showStatistics = m_document->showStatistics;
-    m_tree->setRowStyle(style);
+    m_tree->setRowStyle(m_settings, *m_document);
 }
 
 TreeNode *DocumentView::currentNode() const
@@ -201,33 +183,37 @@ void DocumentView::commitEdits()
     storeNote();
 }
 
-bool DocumentView::save()
+bool DocumentView::save(const QString &path, QString *error)
 {
     commitEdits();
-    bool saved = false;
-    {
-        WaitCursor wait;
-        saved = DocumentFile::save(*m_document);
-    }
-    if (!saved)
-        m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
-    return saved;
+    WaitCursor wait;
+    if (!DocumentFile::save(*m_document, path, error))
+        return false;
+    if (!path.isEmpty())
+        m_document->path = path;
+    return true;
 }
 
-bool DocumentView::saveAs(const QString &path)
+void DocumentView::forgetBranch(const Item *item)
 {
-    commitEdits();
-    bool saved = false;
-    {
-        WaitCursor wait;
-        saved = DocumentFile::save(*m_document, path);
+    if (m_noteItem && (m_noteItem == item || item->isAncestorOf(m_noteItem))) {
+        m_noteItem = nullptr;
+        m_notes->setModified(false);
     }
-    if (!saved) {
-        m_prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
-        return false;
-    }
-    m_document->path = path;
-    return true;
+}
+
+void DocumentView::setNoteWindowVisible(bool visible)
+{
+    storeNote();
+    m_document->showNoteWindow = visible;
+    m_notes->setVisible(visible);
+    applySplit();
+}
+
+void DocumentView::setRecordingToolbarVisible(bool visible)
+{
+    m_recordingToolbar = visible;
+    m_notes->setRecordingToolbarVisible(visible);
 }
 
 // ---- rows
@@ -244,253 +230,31 @@ void DocumentView::refresh(TreeNode *select)
     Q_EMIT stateChanged();
 }
 
-// ---- commands
+// ---- view changes
 
-bool DocumentView::hasCommand(int id) const
+void DocumentView::expandAll()
 {
-    return m_commands.contains(id);
+    WaitCursor wait;
+    const TreeNode *keep = currentNode();
+    const bool heading = keep == nullptr;
+    const int before = m_tree->currentRow();
+    m_rows->expandAll();
+    // Expanding adds rows only below their parents: a heading's row is
+    // found again by counting, a node's by looking it up.
+    m_tree->rowsChanged(heading ? before : std::max(0, m_rows->indexOf(keep)));
+    Q_EMIT stateChanged();
 }
 
-void DocumentView::setCommand(int id, std::function<void()> handler)
+void DocumentView::collapseAll()
 {
-    m_commands.insert(id, std::move(handler));
-}
-
-void DocumentView::setCommand(int id, std::function<void()> handler, std::function<bool()> enabled)
-{
-    m_commands.insert(id, std::move(handler));
-    m_enabledRules.insert(id, std::move(enabled));
-}
-
-bool DocumentView::isCommandEnabled(int id) const
-{
-    using namespace CommandId;
-    if (!hasCommand(id))
-        return false;
-    if (const auto rule = m_enabledRules.constFind(id); rule != m_enabledRules.constEnd())
-        return (*rule)();
-    const Document &d = *m_document;
-    const bool defaultView = d.viewMode == Document::DefaultView;
-    switch (id) {
-    case MoveUp:
-        return Editing::canMove(d, currentItem(), Editing::Move::Up);
-    case MoveDown:
-        return Editing::canMove(d, currentItem(), Editing::Move::Down);
-    case UpALevel:
-        return Editing::canMove(d, currentItem(), Editing::Move::UpLevel);
-    case DownALevel:
-        return Editing::canMove(d, currentItem(), Editing::Move::DownLevel);
-    case RecordingToolbar:
-        return d.noteType == Document::RichInk && d.showNoteWindow;
-    case ExportView:
-    case ExportXml:
-    case ExportLinks:
-    case ExportNotes:
-    case ExportItems:
-        return defaultView && d.root()->hasChildren();
-    case ImportFile:
-        return defaultView;
-    case Rename: {
-        // An item, or the root's title in the default view.
-        const TreeNode *node = currentNode();
-        return node && (node->isItem() || defaultView);
-    }
-    default:
-        return true;
-    }
-}
-
-bool DocumentView::isCommandChecked(int id) const
-{
-    using namespace CommandId;
-    const Document &d = *m_document;
-    switch (id) {
-    case CommandId::QuickEntryBar:
-        return isQuickEntryVisible();
-    case RecordingToolbar:
-        return d.noteType == Document::RichInk && m_recordingToolbar;
-    case NoteWindow:
-        return d.showNoteWindow;
-    case HideCompleted:
-        return d.hideCompleted;
-    case HideNoStatus:
-        return d.hideByStatus & Document::HideNoStatus;
-    case HideCheckBox:
-        return d.hideByStatus & Document::HideCheckBox;
-    case HideProgressBar:
-        return d.hideByStatus & Document::HideProgressBar;
-    case ShowDueDate:
-        return d.showDueDate;
-    case ShowStatistics:
-        return d.showStatistics;
-    case DefaultView:
-    case ByCategory:
-    case ByDueDate:
-    case ByPriority:
-        return d.viewMode == id - DefaultView;
-    default:
-        return false;
-    }
-}
-
-bool DocumentView::runCommand(int id)
-{
-    auto it = m_commands.constFind(id);
-    if (it == m_commands.constEnd() || !isCommandEnabled(id))
-        return false;
-    (*it)();
-    return true;
-}
-
-void DocumentView::registerCommands()
-{
-    using namespace CommandId;
-    auto onItem = [this](auto fn) {
-        return [this, fn] {
-            if (Item *item = currentItem())
-                fn(item);
-        };
-    };
-
-    setCommand(Save, [this] { save(); });
-    setCommand(SaveAs, [this] {
-        const QString path = m_prompts->saveFileName(this, QStringLiteral("Save As"), m_document->path,
-                                                     QString::fromLatin1(Messages::FileFilter));
-        if (!path.isEmpty())
-            saveAs(path);
-    });
-    setCommand(New, [this] {
-        insertNewItem(new Item(QStringLiteral("New Item")), InsertPosition::Same);
-        m_tree->startRename();
-    });
-    setCommand(MoveUp, [this] { moveCurrent(Editing::Move::Up); });
-    setCommand(MoveDown, [this] { moveCurrent(Editing::Move::Down); });
-    setCommand(UpALevel, [this] { moveCurrent(Editing::Move::UpLevel); });
-    setCommand(DownALevel, [this] { moveCurrent(Editing::Move::DownLevel); });
-    setCommand(ExpandAll, [this] {
-        WaitCursor wait;
-        const TreeNode *keep = currentNode();
-        const bool heading = keep == nullptr;
-        const int before = m_tree->currentRow();
-        m_rows->expandAll();
-        // Expanding adds rows only below their parents: a heading's row is
-        // found again by counting, a node's by looking it up.
-        m_tree->rowsChanged(heading ? before : std::max(0, m_rows->indexOf(keep)));
-        Q_EMIT stateChanged();
-    });
-    setCommand(CollapseAll, [this] {
-        WaitCursor wait;
-        const TreeNode *keep = currentNode();
-        m_rows->collapseAll();
-        int row = 0;
-        for (const TreeNode *n = keep; n && row == 0; n = n->parent())
-            row = std::max(0, m_rows->indexOf(n));
-        m_tree->rowsChanged(row);
-        Q_EMIT stateChanged();
-    });
-    const std::pair<int, VisibilityFilter::Toggle> toggles[] = {
-        {HideCompleted, VisibilityFilter::HideCompleted}, {HideNoStatus, VisibilityFilter::HideNoStatus},
-        {HideCheckBox, VisibilityFilter::HideCheckBox},   {HideProgressBar, VisibilityFilter::HideProgressBar},
-        {ShowDueDate, VisibilityFilter::ShowDueDate},     {ShowStatistics, VisibilityFilter::ShowStatistics},
-    };
-    for (auto [id, toggle] : toggles)
-        setCommand(id, [this, toggle = toggle] { toggleFilter(toggle); });
-    setCommand(NoteWindow, [this] {
-        storeNote();
-        m_document->showNoteWindow = !m_document->showNoteWindow;
-        m_notes->setVisible(m_document->showNoteWindow);
-        applySplit();
-    });
-    setCommand(CommandId::QuickEntryBar, [this] {
-        setQuickEntryVisible(!isQuickEntryVisible());
-        Q_EMIT settingsChanged();
-    });
-    setCommand(RecordingToolbar, [this] {
-        m_recordingToolbar = !m_recordingToolbar;
-        m_notes->setRecordingToolbarVisible(m_recordingToolbar);
-    });
-    for (int m = 0; m < 4; ++m)
-        setCommand(DefaultView + m, [this, m] { setViewMode(quint16(m)); });
-
-    // The item menu.
-    setCommand(Rename, [this] { m_tree->startRename(); });
-    for (int p = 1; p <= 20; ++p) {
-        setCommand(Priority1 + p - 1, onItem([this, p](Item *item) {
-                       Editing::setPriority(item, quint16(p));
-                       const bool sorted = item->parent() && item->parent()->sort() == TreeNode::SortPriority;
-                       if (sorted || m_rows->isGrouped())
-                           refresh(item);
-                       else
-                           m_tree->viewport()->update();
-                   }));
-    }
-    setCommand(ChangeIcon, onItem([this](Item *item) {
-                   const int icon =
-                       m_prompts->chooseIcon(this, item->image(), m_settings ? m_settings->favIcons : QList<quint16>());
-                   if (icon >= 0) {
-                       item->setImage(quint16(icon));
-                       m_tree->viewport()->update();
-                   }
-               }));
-    for (int c = 0; c < 36; ++c) {
-        setCommand(Colour0 + c, onItem([this, c](Item *item) {
-                       item->setColour(quint16(c));
-                       m_tree->viewport()->update();
-                   }));
-    }
-    setCommand(ShowIcon, onItem([this](Item *item) {
-                   item->setShowIcon(!item->showIcon());
-                   m_tree->viewport()->update();
-               }));
-    setCommand(ItalicStyle, onItem([this](Item *item) {
-                   item->setItalic(!item->isItalic());
-                   m_tree->viewport()->update();
-               }));
-    for (int t = 0; t < 3; ++t) {
-        setCommand(NoStatus + t, onItem([this, t](Item *item) {
-                       item->setStatusType(quint16(t));
-                       // A filter by status type may hide the item now.
-                       refresh(item);
-                   }));
-    }
-    for (int k = 0; k < 6; ++k)
-        setCommand(OrderByName + k, [this, k] { orderChildren(quint16(k)); });
-    setCommand(OrderManual, [this] { orderChildren(TreeNode::SortManual); });
-    setCommand(Ascending, [this] { setDirection(true); });
-    setCommand(Descending, [this] { setDirection(false); });
-    setCommand(CreateCopy, onItem([this](Item *item) {
-                   Item *copy = Editing::createCopy(item);
-                   const int row = m_rows->itemInserted(copy);
-                   m_tree->rowsChanged(row >= 0 ? row : m_tree->currentRow());
-                   Q_EMIT stateChanged();
-               }));
-    setCommand(MarkMove, onItem([this](Item *item) { m_clip.markMove(item); }));
-    setCommand(MarkCopy, onItem([this](Item *item) {
-                   m_clip.markCopy(item);
-                   if (QClipboard *clipboard = QGuiApplication::clipboard())
-                       clipboard->setText(item->name());
-               }));
-    setCommand(Paste, [this] { paste(); });
-    setCommand(DeleteItem, [this] { deleteCurrent(); });
-}
-
-void DocumentView::showItemMenu(int row, const QPoint &globalPos)
-{
-    if (row < 0 || row >= m_rows->count())
-        return;
-    m_tree->setCurrentRow(row);
-    const ViewRows::Row &r = m_rows->row(row);
-    ItemMenu::State state;
-    state.kind = r.kind == ViewRows::Kind::Item ? ItemMenu::RowKind::Item : ItemMenu::RowKind::Title;
-    state.grouped = m_rows->isGrouped();
-    state.node = r.kind == ViewRows::Kind::Heading ? nullptr : r.node;
-    state.viewOrder = m_document->viewOrder;
-    state.viewAscending = m_document->viewAscending;
-    state.canPaste = !state.grouped && m_clip.canPaste(r.node);
-    // An entry whose operation is not available here stays greyed.
-    ItemActions::popupItemMenu(
-        ItemMenu::build(state, this), globalPos, m_prompts, this, [this](int id) { return hasCommand(id); },
-        [this](int id) { runCommand(id); });
+    WaitCursor wait;
+    const TreeNode *keep = currentNode();
+    m_rows->collapseAll();
+    int row = 0;
+    for (const TreeNode *n = keep; n && row == 0; n = n->parent())
+        row = std::max(0, m_rows->indexOf(n));
+    m_tree->rowsChanged(row);
+    Q_EMIT stateChanged();
 }
 
 void DocumentView::onStatusTapped(Item *item, const QPoint &globalPos)
@@ -553,38 +317,6 @@ void DocumentView::insertNewItem(Item *item, InsertPosition position)
     Q_EMIT stateChanged();
 }
 
-void DocumentView::paste()
-{
-    if (Item *pasted = ItemActions::paste(m_clip, currentNode(), m_prompts, this))
-        refresh(pasted);
-}
-
-void DocumentView::deleteCurrent()
-{
-    Item *item = currentItem();
-    if (!item)
-        return;
-    if (!m_prompts->askYesNo(this, QString::fromLatin1(Messages::AskDelete)))
-        return;
-    if (m_noteItem && (m_noteItem == item || item->isAncestorOf(m_noteItem))) {
-        m_noteItem = nullptr;
-        m_notes->setModified(false);
-    }
-    TreeNode *parent = nullptr;
-    {
-        WaitCursor wait;
-        parent = Editing::deleteItem(*m_document, item, &m_clip);
-    }
-    refresh(parent);
-}
-
-void DocumentView::moveCurrent(Editing::Move move)
-{
-    Item *item = currentItem();
-    if (item && Editing::move(*m_document, item, move))
-        refresh(item);
-}
-
 void DocumentView::setViewMode(quint16 mode)
 {
     WaitCursor wait;
@@ -606,36 +338,4 @@ void DocumentView::toggleFilter(VisibilityFilter::Toggle toggle)
         row = std::max(0, m_rows->indexOf(n));
     m_tree->rowsChanged(row);
     Q_EMIT stateChanged();
-}
-
-void DocumentView::orderChildren(quint16 key)
-{
-    TreeNode *node = currentNode();
-    if (!node)
-        return;
-    {
-        WaitCursor wait;
-        ChildOrder::orderChildrenBy(node, key);
-    }
-    refresh(node);
-}
-
-void DocumentView::setDirection(bool ascending)
-{
-    if (m_rows->isGrouped()) {
-        // A heading's menu orders the whole view.
-        WaitCursor wait;
-        m_rows->setViewOrder(m_document->viewOrder, ascending);
-        m_tree->rowsChanged(m_rows->rebuild(m_tree->currentRow()));
-        Q_EMIT stateChanged();
-        return;
-    }
-    TreeNode *node = currentNode();
-    if (!node)
-        return;
-    {
-        WaitCursor wait;
-        ChildOrder::setDirection(node, ascending);
-    }
-    refresh(node);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "model/editing.h"
+#include "shell/document/itemhost.h"
 #include "views/visibilityfilter.h"
 
-#include <QHash>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -19,67 +19,63 @@ class ViewRows;
 
 /// The view of the open document: the tree pane, the note pane below or
 /// beside it behind a 7-pixel splitter, and the quick entry bar. It owns the
-/// Document and runs the numbered commands on it through the core's
-/// operations; it only shows results and asks questions.
-class DocumentView : public QWidget {
+/// Document; the commands act on it from outside, through the core's
+/// operations and the view changes below.
+class DocumentView : public QWidget, public ItemHost {
     Q_OBJECT
 public:
     DocumentView(std::unique_ptr<Document> document, Settings *settings, Prompts *prompts, QWidget *parent = nullptr);
     ~DocumentView() override;
 
-    Document *document() const { return m_document.get(); }
-    TreePane *treePane() const { return m_tree; }
+    Document *document() const override { return m_document.get(); }
+    TreePane *treePane() const override { return m_tree; }
+    ViewRows *rows() const override { return m_rows.get(); }
+    ItemClip &clip() override { return m_clip; }
+    QWidget *hostWidget() override { return this; }
+    bool isBranchView() const override { return false; }
+    void changed(TreeNode *select) override { refresh(select); }
+    /// A note pane showing an item of the branch lets go of it.
+    void forgetBranch(const Item *item) override;
     NotePane *notePane() const { return m_notes; }
     QuickEntryBar *quickEntryBar() const { return m_quick; }
     QSplitter *splitter() const { return m_splitter; }
-    ViewRows *rows() const { return m_rows.get(); }
-    ItemClip &clip() { return m_clip; }
-
-    /// Whether a command has a handler here.
-    bool hasCommand(int id) const;
-    /// The greying rules of the menu bar's commands (an unknown command is
-    /// greyed).
-    bool isCommandEnabled(int id) const;
-    /// Check and radio marks of the menu bar's commands.
-    bool isCommandChecked(int id) const;
-    /// Runs a command when it is enabled; false otherwise.
-    bool runCommand(int id);
-    /// Registers the handler of a command (the dialogs plug in here).
-    void setCommand(int id, std::function<void()> handler);
-    /// The same with its own greying rule, asked instead of the built-in one.
-    void setCommand(int id, std::function<void()> handler, std::function<bool()> enabled);
 
     /// The selected row becomes the document's current node (the root for a
     /// heading); a changed note in the pane is stored in its item.
-    void commitEdits();
-    /// Commits and writes the document; shows the save failure message.
-    bool save();
-    /// Writes the document under a new path, which it keeps from then on.
-    bool saveAs(const QString &path);
+    void commitEdits() override;
+    /// Commits and writes the document under its path, or under path from
+    /// then on; false with the reason in error.
+    bool save(const QString &path = QString(), QString *error = nullptr);
 
     void setQuickEntryVisible(bool visible);
     bool isQuickEntryVisible() const;
+    void setNoteWindowVisible(bool visible);
+    void setRecordingToolbarVisible(bool visible);
+    bool isRecordingToolbarVisible() const { return m_recordingToolbar; }
     /// Shows the rows again after the settings changed (font, colours,
     /// compact mode).
     void applySettings() { applyRowStyle(); }
-    /// Opens the item menu for a row at a global position.
-    void showItemMenu(int row, const QPoint &globalPos);
     /// Rebuilds the rows and makes node current, revealing it; without a
     /// node (or when the filters hide it) the nearest remaining row.
     void refresh(TreeNode *select = nullptr);
+    /// Inserts a new item where position says and selects it.
+    void insertNewItem(Item *item, InsertPosition position);
+
+    void setViewMode(quint16 mode);
+    void toggleFilter(VisibilityFilter::Toggle toggle);
+    void expandAll();
+    void collapseAll();
 
 Q_SIGNALS:
     /// A value of the settings changed (the split) and should be saved.
     void settingsChanged();
     /// The selection or the document changed: the menus' states may differ.
     void stateChanged();
-    void frameCommand(int id);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void registerCommands();
     void applyRowStyle();
     void applySplit();
     void onSplitterMoved();
@@ -91,14 +87,6 @@ private:
     void onDrop(Item *dragged, TreeNode *target);
     void onRename(TreeNode *node, const QString &name);
     void onQuickAdd(const QString &text, quint16 icon, bool italic, bool child);
-    void insertNewItem(Item *item, InsertPosition position);
-    void paste();
-    void deleteCurrent();
-    void moveCurrent(Editing::Move move);
-    void setViewMode(quint16 mode);
-    void toggleFilter(VisibilityFilter::Toggle toggle);
-    void orderChildren(quint16 key);
-    void setDirection(bool ascending);
     Item *currentItem() const;
     TreeNode *currentNode() const;
 
@@ -114,6 +102,4 @@ private:
     Item *m_noteItem = nullptr;
     bool m_recordingToolbar = false;
     bool m_applyingSplit = false;
-    QHash<int, std::function<void()>> m_commands;
-    QHash<int, std::function<bool()>> m_enabledRules;
 };

@@ -1,31 +1,24 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
+#include <functional>
 
+class QAction;
 class QMenu;
 class QWidget;
-class TreeNode;
 
-/// The item menu, built afresh each time it opens, with its words, command
-/// numbers, marks and greying decided by the kind of row and the view.
+/// The layout of the item menu and of a progress bar's presets. The menu's
+/// entries stand for the item commands: each copies its command's text,
+/// object name, greying and mark, and triggers the command once the menu
+/// has closed.
 class ItemMenu {
 public:
-    enum class RowKind { Title, Item, Other };
+    using CommandLookup = std::function<QAction *(const QString &objectName)>;
 
-    /// What the menu depends on.
-    struct State {
-        RowKind kind = RowKind::Item;
-        bool grouped = false;           ///< a grouped view is shown
-        const TreeNode *node = nullptr; ///< the row's node (root or item); null for a heading
-        quint16 viewOrder = 0;
-        bool viewAscending = true;
-        bool canPaste = false; ///< the marked item may be pasted onto node
-    };
-
-    /// The menu, owned by parent. Every entry is a QAction named
-    /// "action<number>" carrying its number as data; the submenus are
-    /// "menuPriority", "menuColour", "menuSet", "menuOrder" and "menuCreate".
-    static QMenu *build(const State &state, QWidget *parent);
+    /// The item menu, owned by parent; the submenus are "menuPriority",
+    /// "menuColour", "menuSet", "menuOrder" and "menuCreate", each greyed
+    /// when none of its entries is available.
+    static QMenu *build(QWidget *parent, const CommandLookup &command);
 
     /// The popup of a progress bar tap: "0%" to "100%", each action named
     /// "preset<value>" with its value as data.

@@ -95,11 +95,6 @@ bool QuickEntryBar::isChild() const
     return m_child->isChecked();
 }
 
-void QuickEntryBar::setChild(bool on)
-{
-    m_child->setChecked(on);
-}
-
 void QuickEntryBar::chooseIcon()
 {
     const int chosen = m_chooser ? m_chooser(m_icon) : -1;

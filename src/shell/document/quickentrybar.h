@@ -21,7 +21,6 @@ public:
     bool isItalic() const;
     void setItalic(bool on);
     bool isChild() const;
-    void setChild(bool on);
     const QStringList &history() const { return m_history; }
 
     /// The bar's line edit, the italic and child toggles, by object name

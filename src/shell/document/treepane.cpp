@@ -1,5 +1,6 @@
 #include "shell/document/treepane.h"
 
+#include "storage/settings.h"
 #include "model/document.h"
 #include "model/editing.h"
 #include "model/item.h"
@@ -56,6 +57,19 @@ const void *TreePane::identityOf(int row) const
         return nullptr;
     const ViewRows::Row &r = m_rows->row(row);
     return r.kind == ViewRows::Kind::Heading ? static_cast<const void *>(r.heading) : r.node;
+}
+
+void TreePane::setRowStyle(const Settings *settings, const Document &document)
+{
+    RowStyle style;
+    if (settings) {
+        style.fontSize = settings->fontSize;
+        style.flags = settings->flags;
+        style.prgColour = settings->prgColour;
+    }
+    style.showDueDate = document.showDueDate;
+    style.showStatistics = document.showStatistics;
+    setRowStyle(style);
 }
 
 void TreePane::setRowStyle(const RowStyle &style)

@@ -9,7 +9,9 @@
 #include <QTimer>
 #include <memory>
 
+class Document;
 class Item;
+class Settings;
 #include <QLineEdit>
 class GroupHeading;
 class ViewRows;
@@ -27,11 +29,13 @@ public:
     void setRows(ViewRows *rows);
     ViewRows *rows() const { return m_rows; }
     void setRowStyle(const RowStyle &style);
+    /// The rows' look from the settings (font size, flags, progress colour;
+    /// none for the defaults) and the document's display options.
+    void setRowStyle(const Settings *settings, const Document &document);
     /// Rows are indented by their level less this less one: 0 for the main
     /// list, whose title row is not an item; -1 indents an item's branch
     /// below its top row.
     void setBaseLevel(int level) { m_baseLevel = level; }
-    const RowPainter &rowPainter() const { return *m_painter; }
 
     /// Call after the rows changed, with the row to make current: updates
     /// the scroll range, repaints, and tells when the current row now shows

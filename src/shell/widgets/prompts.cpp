@@ -1,8 +1,8 @@
 #include "shell/widgets/prompts.h"
 
 #include "platform/messages.h"
-#include "shell/widgets/iconchooser.h"
 #include "shell/dialogs/passworddialog.h"
+#include "shell/widgets/iconchooser.h"
 
 #include <QAction>
 #include <QApplication>
@@ -219,4 +219,10 @@ QStringList Prompts::filtersOf(const QString &pairs)
         filters.append(name.endsWith(QLatin1Char(')')) ? name : QStringLiteral("%1 (%2)").arg(name, patterns));
     }
     return filters;
+}
+
+QString Prompts::withReason(const char *message, const QString &reason)
+{
+    const QString text = QString::fromLatin1(message);
+    return reason.isEmpty() ? text : text + QStringLiteral("\n\n") + reason;
 }

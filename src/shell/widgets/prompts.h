@@ -73,6 +73,9 @@ public:
 
     /// The file dialog filters for a filter text in the form the document
     /// formats name them ("Text Files|*.txt|Unicode Files|*.txt|").
+    /// A failure message followed by the reason the core gave (which names
+    /// the file), or the message alone when there is no reason.
+    static QString withReason(const char *message, const QString &reason);
     static QStringList filtersOf(const QString &pairs);
 };
 

@@ -1,0 +1,79 @@
+#pragma once
+
+// Test helper: the fields of one iCalendar object as libical itself reads
+// them, so tests check what a calendar program would see.
+
+#include <QDate>
+#include <QDateTime>
+#include <QStringList>
+#include <QTimeZone>
+#include <cstdlib>
+#include <libical/ical.h>
+
+struct IcalObject {
+    bool valid = false;
+    QString kind; // "VTODO" or "VEVENT"
+    QString prodId;
+    QString uid;
+    QString summary;
+    QString description;
+    QStringList categories;
+    QDate due;
+    bool dueIsDate = false;
+    QDate start;
+    bool startIsDate = false;
+    QDateTime stamp;
+    QByteArray attachment;
+    QString attachmentEncoding;
+
+    static IcalObject parse(const QByteArray &ics)
+    {
+        IcalObject object;
+        icalcomponent *calendar = icalparser_parse_string(ics.constData());
+        if (!calendar)
+            return object;
+        icalproperty *prodId = icalcomponent_get_first_property(calendar, ICAL_PRODID_PROPERTY);
+        object.prodId = prodId ? QString::fromUtf8(icalproperty_get_prodid(prodId)) : QString();
+        icalcomponent *component = icalcomponent_get_first_real_component(calendar);
+        if (component) {
+            object.valid = true;
+            object.kind = QString::fromUtf8(icalcomponent_kind_to_string(icalcomponent_isa(component)));
+            const auto text = [component](icalproperty_kind kind, const char *(*get)(const icalproperty *)) {
+                icalproperty *property = icalcomponent_get_first_property(component, kind);
+                return property ? QString::fromUtf8(get(property)) : QString();
+            };
+            object.uid = text(ICAL_UID_PROPERTY, icalproperty_get_uid);
+            object.summary = text(ICAL_SUMMARY_PROPERTY, icalproperty_get_summary);
+            object.description = text(ICAL_DESCRIPTION_PROPERTY, icalproperty_get_description);
+            for (icalproperty *p = icalcomponent_get_first_property(component, ICAL_CATEGORIES_PROPERTY); p;
+                 p = icalcomponent_get_next_property(component, ICAL_CATEGORIES_PROPERTY))
+                object.categories.append(QString::fromUtf8(icalproperty_get_categories(p)));
+            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DUE_PROPERTY)) {
+                const icaltimetype t = icalproperty_get_due(p);
+                object.due = QDate(t.year, t.month, t.day);
+                object.dueIsDate = t.is_date;
+            }
+            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DTSTART_PROPERTY)) {
+                const icaltimetype t = icalproperty_get_dtstart(p);
+                object.start = QDate(t.year, t.month, t.day);
+                object.startIsDate = t.is_date;
+            }
+            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DTSTAMP_PROPERTY)) {
+                const icaltimetype t = icalproperty_get_dtstamp(p);
+                object.stamp = QDateTime(QDate(t.year, t.month, t.day), QTime(t.hour, t.minute, t.second),
+                                         icaltime_is_utc(t) ? Qt::UTC : Qt::LocalTime);
+            }
+            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_ATTACH_PROPERTY)) {
+                icalattach *attach = icalproperty_get_attach(p);
+                if (attach && !icalattach_get_is_url(attach))
+                    object.attachment =
+                        QByteArray::fromBase64(reinterpret_cast<const char *>(icalattach_get_data(attach)));
+                if (icalparameter *e = icalproperty_get_first_parameter(p, ICAL_ENCODING_PARAMETER))
+                    object.attachmentEncoding =
+                        QString::fromUtf8(icalparameter_enum_to_string(icalparameter_get_encoding(e)));
+            }
+        }
+        icalcomponent_free(calendar);
+        return object;
+    }
+};
