@@ -117,6 +117,34 @@ inline constexpr const char *UnknownCodePage = "The code page '%1' is not known.
 
 } // namespace Messages
 
+// The reminder bubble and its two commands.
+namespace Messages {
+
+inline constexpr const char *ReminderTitle = "Quillbox Reminder";
+/// The page for two reminders; {0} takes the entries.
+inline constexpr const char *ReminderPageTable =
+    "<html><body><table border=\"1\" rules=\"None\" frame=\"Box\" cellspacing=\"0\" cellpadding=\"1\" "
+    "width=\"100%\">{0}</table><p align=right><input type=button name=\"cmd:1990\" value=\"Dismiss All\"></p>"
+    "</body></html>";
+/// One entry of the table: {0} the name, {1} the date, {2} the separator.
+inline constexpr const char *ReminderTableEntry = "<tr><td><b>{0}</b><br />{1}{2}</td></tr>";
+/// %d is the count, three or more.
+inline constexpr const char *ReminderCountPage =
+    "<html><body><p><b>There are %d reminders.</b></p><p align=\"right\"><a href=\"cmd:1991\">View "
+    "Reminders</a></p></body></html>";
+/// The page for one reminder; {0} takes the entry.
+inline constexpr const char *ReminderPageSingle =
+    "<html><body>{0}<p align=right><input type=button name=\"cmd:1990\" value=\"Dismiss All\"></p></body></html>";
+/// The one entry: {0} the name, {1} the date.
+inline constexpr const char *ReminderSingleEntry = "<b>{0}</b><br />{1}";
+inline constexpr const char *ReminderSeparator = "<hr  size=\"1\" width=\"100%\" />";
+inline constexpr const char *DismissAll = "Dismiss All";
+inline constexpr const char *ViewReminders = "View Reminders";
+/// The "Reminder sound:" choice that plays nothing.
+inline constexpr const char *NoSound = "(None)";
+
+} // namespace Messages
+
 // Tasks and appointments in the calendar store.
 namespace Messages {
 
