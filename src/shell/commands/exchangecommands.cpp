@@ -105,6 +105,7 @@ void ExchangeCommands::importOutline()
         prompts->message(view, Prompts::Icon::Stop, message);
         return;
     }
+    view->edited(ItemHost::Edit::ItemsAdded, target->asItem());
     view->refresh(target);
 }
 
@@ -168,8 +169,10 @@ void ExchangeCommands::importFile()
     const QString message = DocumentFile::importMessage(result);
     if (!message.isEmpty())
         prompts->message(view, Prompts::Icon::Stop, message);
-    if (result == DocumentFile::Loaded)
+    if (result == DocumentFile::Loaded) {
+        view->edited(ItemHost::Edit::ItemsAdded, target->asItem());
         view->refresh(target);
+    }
 }
 
 void ExchangeCommands::exportText(TextKind kind)
@@ -283,6 +286,7 @@ void ExchangeCommands::exportItems()
     if (deleting && result > 0) {
         if (marked && !document->liveItem(marked))
             view->clip().clear();
+        view->edited(ItemHost::Edit::ItemsRemoved, nullptr);
         view->refresh(document->current());
     }
     if (result == ItemExport::Failed)
