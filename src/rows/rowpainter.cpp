@@ -49,7 +49,7 @@ RowPainter::RowPainter(const RowStyle &style, const QPalette &palette, qreal dev
     // its proportions, centred in taller rows.
     m_scaleA = m_scaleB = qreal(rowHeight()) / 17.0;
     const QFontMetrics dfm(m_dateFont);
-    m_dateWidth = dfm.horizontalAdvance(QStringLiteral("00 MMM")) + 8;
+    m_dateWidth = dfm.horizontalAdvance(QStringLiteral("00 MMM 00")) + 8;
 }
 
 QFont RowPainter::itemFont(const Item *item) const
@@ -98,7 +98,7 @@ QString RowPainter::itemText(const Item *item, int state) const
     QString text = item->name();
     if (m_style.showStatistics && !(state & Flat) && item->hasChildren()) {
         const Progress::Statistics s = Progress::statistics(item);
-        text += QStringLiteral("[%1,%2,%3]").arg(s.notStarted).arg(s.started).arg(s.completed);
+        text += QStringLiteral(" [%1,%2,%3]").arg(s.notStarted).arg(s.started).arg(s.completed);
     }
     return text;
 }
@@ -110,6 +110,9 @@ QString RowPainter::dueDateText(const Item *item) const
     const QDate date = item->dueDate().toDate();
     if (!date.isValid())
         return {};
+    // A date of another year says which.
+    if (date.year() != QDate::currentDate().year())
+        return QLocale().toString(date, QStringLiteral("d MMM yy"));
     return QLocale().toString(date, QStringLiteral("d MMM")).left(DateChars);
 }
 

@@ -14,6 +14,8 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDialog>
+#include <QDir>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -71,7 +73,10 @@ private Q_SLOTS:
     void secondProcessHandsOverAndExits();
     void menuBarWords();
     void menusFollowTheState();
-    void ctrlAOpensTheAboutBox();
+    void ctrlASelectsAllInTextAndIsAboutElsewhere();
+    void onlyAChangeIsWritten();
+    void treeKeys();
+    void followsTheFile();
 
 private:
     MainWindow *makeWindow();
@@ -228,14 +233,33 @@ void TestMainWindow::saveFailureKeepsTheDocumentOpen()
 {
     MainWindow *w = makeWindow();
     w->start(docPath(QStringLiteral("Alpha.qbx")));
-    w->view()->document()->path = docPath(QStringLiteral("no-such-folder/Alpha.qbx"));
+    const QString gone = docPath(QStringLiteral("no-such-folder/Alpha.qbx"));
+    w->view()->document()->path = gone;
     run(w, "actionSave");
     QCOMPARE(m_prompts->shown.size(), 1);
     QCOMPARE(m_prompts->shown.first().icon, Prompts::Icon::Stop);
-    QCOMPARE(m_prompts->shown.first().text, QString::fromLatin1(Messages::SaveFailed));
-    // Closing cannot lose the document either: it stays open.
+    QVERIFY(m_prompts->shown.first().text.contains(QDir::toNativeSeparators(gone)));
+
+    // Closing asks: no Save As and no Discard keeps the document open.
+    m_prompts->yesNo = {false, false};
     run(w, "actionCloseDocument");
     QVERIFY(w->view());
+    // Save As writes it elsewhere and closes it.
+    const QString elsewhere = docPath(QStringLiteral("Elsewhere.qbx"));
+    m_prompts->yesNo = {true};
+    m_prompts->fileNames = {elsewhere};
+    run(w, "actionCloseDocument");
+    QVERIFY(!w->view());
+    QCOMPARE(namesOnDisk(elsewhere), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    QCOMPARE(w->recentDocuments().first(), elsewhere);
+
+    // Discard lets it go without writing: quitting is always possible.
+    QVERIFY(w->openDocument(elsewhere));
+    w->view()->document()->path = gone;
+    m_prompts->yesNo = {false, true};
+    run(w, "actionCloseDocument");
+    QVERIFY(!w->view());
+    QVERIFY(!QFileInfo::exists(gone));
 }
 
 void TestMainWindow::saveOnDeactivation()
@@ -372,27 +396,43 @@ void TestMainWindow::menuBarWords()
     MainWindow *w = makeWindow();
     w->start(QString());
     QMenuBar *bar = w->menuBar();
-    QCOMPARE(bar->actions().size(), 2);
-    QCOMPARE(bar->actions().at(0)->text(), QStringLiteral("New"));
-    QCOMPARE(words(bar->actions().at(1)->menu()), QStringList({"Refresh", "-", "Import...", "-", "About..."}));
+    auto titles = [bar] {
+        QStringList out;
+        for (QAction *action : bar->actions())
+            out.append(action->text());
+        return out;
+    };
+    QCOMPARE(titles(), QStringList({"&File", "New", "&Tools", "&Help"}));
+    QCOMPARE(words(bar->actions().at(2)->menu()), QStringList({"Refresh", "-", "Import...", "-", "About..."}));
+    QCOMPARE(words(bar->actions().at(0)->menu()),
+             QStringList({"New", "&Open...", "Open &Recent > []", "-", "Import...", "&Autosave", "-", "Exit"}));
 
     QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
-    QCOMPARE(bar->actions().size(), 4);
+    QCOMPARE(titles(), QStringList({"&File", "&Edit", "New", "&View", "&Tools", "", "&Help"}));
+    QCOMPARE(words(bar->actions().at(0)->menu()),
+             QStringList({"&New Document...", "&Open...", "Open &Recent > [&1 Alpha.qbx]", "-", "Save",
+                          "Save As...", "File Properties...",
+                          "&Import/Export > [Import File..., -, View..., XML..., Links..., All Notes..., -, Items...]",
+                          "-", "Close Document", "&Autosave", "-", "Exit"}));
     QCOMPARE(words(bar->actions().at(1)->menu()),
+             QStringList({"Move", "Copy", "Paste", "Delete Item", "-", "Rename", "-", "Find Item..."}));
+    QCOMPARE(command(w, "actionMarkMove")->shortcut(), QKeySequence(QKeySequence::Cut));
+    QCOMPARE(command(w, "actionPaste")->shortcut(), QKeySequence(QKeySequence::Paste));
+    QCOMPARE(words(bar->actions().at(6)->menu()), QStringList({"Help", "-", "About..."}));
+    QCOMPARE(words(bar->actions().at(3)->menu()),
              QStringList({"Default View", "By Category", "By Task/Due Date", "By Priority", "-", "Hide Completed Items",
                           "Hide By Status > [No Status, Check Box, Progress Bar]",
                           "Item Display Options > [Show Due Date, Show Statistics]", "-",
                           "Windows && Toolbars > [Note Window, Quick Entry Bar, Recording Toolbar]", "-", "Expand All",
                           "Collapse All"}));
-    QCOMPARE(words(bar->actions().at(2)->menu()),
+    QCOMPARE(words(bar->actions().at(4)->menu()),
              QStringList({"Find Item...", "Find Result...", "-", "Set Password...", "Save",
                           "File > [File Properties..., Convert Notes..., -, Save As...]", "-",
                           "Import/Export > [Import File..., -, View..., XML..., Links..., All Notes..., -, Items...]",
                           "-", "Options...", "Item Templates...", "About..."}));
-    QCOMPARE(words(bar->actions().at(3)->menu()),
+    QCOMPARE(words(bar->actions().at(5)->menu()),
              QStringList({"Move Up", "Move Down", "-", "Up a Level", "Down a Level"}));
-    QVERIFY(!bar->actions().at(3)->menu()->icon().isNull());
-    QCOMPARE(bar->actions().at(3)->text(), QString());
+    QVERIFY(!bar->actions().at(5)->menu()->icon().isNull());
     QCOMPARE(command(w, "actionSave")->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
     QCOMPARE(command(w, "actionNew")->shortcuts(),
              QList<QKeySequence>({QKeySequence(QStringLiteral("Ctrl+N")), QKeySequence(QStringLiteral("Ctrl+I"))}));
@@ -426,7 +466,7 @@ void TestMainWindow::menusFollowTheState()
     QVERIFY(command(w, "actionShowStatistics")->isChecked());
 }
 
-void TestMainWindow::ctrlAOpensTheAboutBox()
+void TestMainWindow::ctrlASelectsAllInTextAndIsAboutElsewhere()
 {
     MainWindow *w = makeWindow();
     w->start(docPath(QStringLiteral("Alpha.qbx")));
@@ -437,14 +477,133 @@ void TestMainWindow::ctrlAOpensTheAboutBox()
     editor->setFocus();
     QTest::keyClicks(editor, QStringLiteral("text"));
     QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(m_prompts->aboutShown, 0);
+    QCOMPARE(editor->textCursor().selectedText(), QStringLiteral("text"));
+    QLineEdit *entry = w->view()->quickEntryBar()->textBox()->lineEdit();
+    entry->setFocus();
+    QTest::keyClicks(entry, QStringLiteral("abc"));
+    QTest::keyClick(entry, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(entry->selectedText(), QStringLiteral("abc"));
+    QCOMPARE(m_prompts->aboutShown, 0);
+    w->view()->treePane()->setFocus();
+    QTest::keyClick(w->view()->treePane(), Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(m_prompts->aboutShown, 1);
-    QVERIFY(!editor->textCursor().hasSelection());
-    QTest::keyClick(w->view()->treePane(), Qt::Key_S, Qt::ControlModifier);
-    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))),
-             QStringList({QStringLiteral("one"), QStringLiteral("two")}));
-    QByteArray note;
-    namesOnDisk(docPath(QStringLiteral("Alpha.qbx")), &note);
-    QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("text"));
+}
+
+void TestMainWindow::onlyAChangeIsWritten()
+{
+    MainWindow *w = makeWindow();
+    const QString path = docPath(QStringLiteral("Alpha.qbx"));
+    w->start(path);
+    w->setAutosaveDelay(50);
+    const QDateTime old = QDateTime::currentDateTime().addDays(-3);
+    auto age = [&path, &old] {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(old, QFileDevice::FileModificationTime));
+    };
+    age();
+    // Switching away with nothing changed leaves the file alone.
+    w->saveOnDeactivation();
+    QCOMPARE(QFileInfo(path).lastModified(), old);
+    QVERIFY(!w->isWindowModified());
+
+    // A change is marked in the title and written a moment later.
+    w->view()->treePane()->setCurrentRow(1);
+    QVERIFY(run(w, "actionMoveDown"));
+    QVERIFY(w->isWindowModified());
+    QTRY_COMPARE(namesOnDisk(path), QStringList({QStringLiteral("two"), QStringLiteral("one")}));
+    QVERIFY(!w->isWindowModified());
+
+    // Without the autosave it waits for a save.
+    QVERIFY(run(w, "actionAutosave"));
+    QVERIFY(!w->isAutosaveOn());
+    age();
+    QVERIFY(run(w, "actionMoveUp"));
+    QTest::qWait(200);
+    QCOMPARE(QFileInfo(path).lastModified(), old);
+    w->saveOnDeactivation();
+    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+}
+
+void TestMainWindow::treeKeys()
+{
+    MainWindow *w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    w->setAutosaveOn(false);
+    QApplication::setActiveWindow(w);
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    TreePane *tree = w->view()->treePane();
+    Document *doc = w->view()->document();
+    tree->setFocus();
+    auto names = [doc] {
+        QStringList out;
+        doc->root()->forEachDescendant([&](Item *item) {
+            out.append(QString(item->level() > 1 ? "." : "") + item->name());
+        });
+        return out;
+    };
+    w->view()->refresh(doc->root()->child(1));
+    QTest::keyClick(tree, Qt::Key_Tab);
+    QCOMPARE(names(), QStringList({"one", ".two"}));
+    QTest::keyClick(tree, Qt::Key_Backtab, Qt::ShiftModifier);
+    QCOMPARE(names(), QStringList({"one", "two"}));
+    QTest::keyClick(tree, Qt::Key_Up, Qt::ControlModifier);
+    QCOMPARE(names(), QStringList({"two", "one"}));
+    QTest::keyClick(tree, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(names(), QStringList({"one", "two"}));
+
+    // Insert adds a child and names it in place; Enter in the editor ends
+    // the rename and adds nothing.
+    QTest::keyClick(tree, Qt::Key_Insert);
+    QWidget *editor = QApplication::focusWidget();
+    QVERIFY(qobject_cast<QLineEdit *>(editor));
+    QTest::keyClicks(editor, QStringLiteral("kid"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCOMPARE(names(), QStringList({"one", "two", ".kid"}));
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_Return);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("next"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QCOMPARE(names(), QStringList({"one", "two", ".kid", ".next"}));
+    QVERIFY(w->isWindowModified());
+}
+
+void TestMainWindow::followsTheFile()
+{
+    MainWindow *w = makeWindow();
+    const QString path = docPath(QStringLiteral("Alpha.qbx"));
+    w->start(path);
+    w->setAutosaveOn(false);
+    auto shownNames = [w] {
+        QStringList out;
+        w->view()->document()->root()->forEachDescendant([&](Item *item) { out.append(item->name()); });
+        return out;
+    };
+    // Our own save is no change from outside.
+    w->view()->insertNewItem(new Item(QStringLiteral("three")), InsertPosition::Top);
+    QVERIFY(run(w, "actionSave"));
+    QTest::qWait(600);
+    QVERIFY(m_prompts->shown.isEmpty());
+
+    // Unchanged here: another program's version is shown.
+    QTest::qWait(20);
+    writeDocument(path, {QStringLiteral("theirs")});
+    QTRY_COMPARE(shownNames(), QStringList({QStringLiteral("theirs")}));
+    QVERIFY(m_prompts->shown.isEmpty());
+
+    // Changed here: keeping ours writes it, theirs stays beside it.
+    w->view()->insertNewItem(new Item(QStringLiteral("mine")), InsertPosition::Top);
+    m_prompts->yesNo = {false};
+    QTest::qWait(20);
+    writeDocument(path, {QStringLiteral("theirs again")});
+    QTRY_COMPARE(m_prompts->shown.size(), 1);
+    QCOMPARE(shownNames(), QStringList({QStringLiteral("theirs"), QStringLiteral("mine")}));
+    QVERIFY(run(w, "actionSave"));
+    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("theirs"), QStringLiteral("mine")}));
+    const QStringList conflicts = QDir(m_dir->path()).entryList({QStringLiteral("Alpha (conflict *).qbx")});
+    QCOMPARE(conflicts.size(), 1);
+    QCOMPARE(namesOnDisk(docPath(conflicts.first())), QStringList({QStringLiteral("theirs again")}));
 }
 
 QTEST_MAIN(TestMainWindow)
