@@ -273,6 +273,9 @@ void RowPainter::paintItem(QPainter *p, const QRect &rect, const Item *item, int
     if (item->colour() != 0 && item->colour() < ColourTable::Count) {
         if (!selected) {
             text = grey ? m_palette.color(QPalette::Disabled, QPalette::Text) : ColourTable::colour(item->colour());
+            // On a dark base a dark colour is lightened, keeping its hue.
+            if (!grey && base.lightnessF() < 0.5 && text.lightnessF() < 0.6)
+                text = QColor::fromHslF(text.hslHueF(), text.hslSaturationF(), 0.7);
         } else {
             const quint32 ref = ColourTable::colorRef(item->colour());
             background = ColourTable::fromColorRef(ref);

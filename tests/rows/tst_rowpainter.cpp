@@ -93,6 +93,7 @@ private Q_SLOTS:
     void contrast();
     void textColours_data();
     void textColours();
+    void darkBaseLightensDarkColours();
     void completedStyle();
     void statistics();
     void expandGlyph();
@@ -276,6 +277,24 @@ void TestRowPainter::textColours()
     }
     // The columns in front of the text keep the list's background.
     QCOMPARE(r.image.pixelColor(r.geometry.glyphRect().left() + 1, 1), Base);
+}
+
+void TestRowPainter::darkBaseLightensDarkColours()
+{
+    QPalette dark = fixedPalette();
+    const QColor darkBase(0x20, 0x20, 0x24);
+    dark.setColor(QPalette::Base, darkBase);
+    dark.setColor(QPalette::AlternateBase, darkBase);
+    dark.setColor(QPalette::Text, Base);
+    const RowPainter painter(compactStyle(), dark);
+    Item item(QStringLiteral("HHHHHHHH"));
+    item.setColour(1); // pure blue, unreadable on dark grey
+    const Rendered r = render(painter, &item);
+    const QRect textArea = r.geometry.textRect();
+    QCOMPARE(r.image.pixelColor(textArea.right() - 2, 1), darkBase);
+    QCOMPARE(countColour(r.image, textArea, QColor(0, 0, 255)), 0);
+    const QColor light = QColor::fromHslF(QColor(0, 0, 255).hslHueF(), 1.0, 0.7).toRgb();
+    QVERIFY(countColour(r.image, textArea, QColor(light.red(), light.green(), light.blue())) > 20);
 }
 
 void TestRowPainter::completedStyle()

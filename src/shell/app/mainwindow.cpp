@@ -696,9 +696,10 @@ void MainWindow::autosave()
     // A failure is not shown every few seconds: the status bar says it, and
     // the next Save or the close asks what to do.
     QString error;
-    if (!writeView(QString(), &error))
-        m_status->setText(QStringLiteral("Autosave failed: %1").arg(error));
+    const bool written = writeView(QString(), &error);
     updateTitle();
+    if (!written)
+        statusBar()->showMessage(QStringLiteral("Autosave failed: %1").arg(error));
 }
 
 void MainWindow::quitOnSignal()
@@ -823,8 +824,8 @@ void MainWindow::onFileChanged()
         if (m_fileSize < 0)
             return;
         m_fileSize = -1;
-        m_status->setText(QStringLiteral("%1 was deleted; the next save writes it again.")
-                              .arg(QDir::toNativeSeparators(path)));
+        statusBar()->showMessage(QStringLiteral("%1 was deleted; the next save writes it again.")
+                                     .arg(QDir::toNativeSeparators(path)));
         m_view->markChanged();
         return;
     }
@@ -874,15 +875,15 @@ void MainWindow::reloadDocument()
     showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
     if (current != m_view->document()->root())
         m_view->refresh(current);
-    m_status->setText(QStringLiteral("Reloaded: %1 was changed by another program.")
-                          .arg(QDir::toNativeSeparators(path)));
+    statusBar()->showMessage(QStringLiteral("Reloaded: %1 was changed by another program.")
+                                 .arg(QDir::toNativeSeparators(path)),
+                             10000);
 }
 
 void MainWindow::updateTitle()
 {
     const QString caption = QString::fromLatin1(Messages::Caption);
     if (!m_view) {
-        setWindowModified(false);
         setWindowTitle(caption);
         const int count = m_list->topLevelItemCount();
         m_status->setText(count == 1 ? QStringLiteral("1 document") : QStringLiteral("%1 documents").arg(count));
@@ -890,8 +891,9 @@ void MainWindow::updateTitle()
     }
     const QFileInfo info(m_view->document()->path);
     const QString readOnly = m_readOnly ? QStringLiteral(" (read-only)") : QString();
-    setWindowTitle(QStringLiteral("%1%2[*] - %3").arg(info.completeBaseName(), readOnly, caption));
-    setWindowModified(m_view->isModified());
+    // A star marks changes not yet written.
+    const QString modified = m_view->isModified() ? QStringLiteral("*") : QString();
+    setWindowTitle(QStringLiteral("%1%2%3 - %4").arg(modified, info.completeBaseName(), readOnly, caption));
     m_status->setText(QStringLiteral("%1    %2 notes")
                           .arg(QDir::toNativeSeparators(info.absoluteFilePath()),
                                Document::noteTypeName(m_view->document()->noteType)));
