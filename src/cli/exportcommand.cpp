@@ -2,6 +2,8 @@
 #include "cli/documentloading.h"
 #include "cli/positions.h"
 #include "exchange/itemexport.h"
+#include "exchange/markdownexport.h"
+#include "exchange/opmlexport.h"
 #include "exchange/textexport.h"
 #include "exchange/xmlexport.h"
 #include "platform/messages.h"
@@ -39,6 +41,8 @@ int run(const QStringList &arguments)
     parser.setApplicationDescription(QStringLiteral(
         "Exports a document.\n"
         "  xml FILE OUT        the whole tree as XML\n"
+        "  opml FILE OUT       the whole tree as an OPML 2.0 outline\n"
+        "  markdown FILE OUT   the whole tree as a Markdown list\n"
         "  view FILE OUT       the document's view as an indented outline\n"
         "  notes FILE OUT      every item's path and note\n"
         "  links FILE OUT      every item's path and links\n"
@@ -70,7 +74,8 @@ int run(const QStringList &arguments)
     const QCommandLineOption remove(QStringLiteral("delete"),
                                     QStringLiteral("items: delete the exported items from FILE afterwards."));
     parser.addOptions({encoding, indent, separator, unicode, choice, select, remove});
-    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("xml, view, notes, links, items or branch."));
+    parser.addPositionalArgument(QStringLiteral("KIND"),
+                                 QStringLiteral("xml, opml, markdown, view, notes, links, items or branch."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The .qbx document."));
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
     if (const int status = DocumentLoading::parse(parser, arguments, "export", 3, 4); status >= 0)
@@ -79,8 +84,9 @@ int run(const QStringList &arguments)
     QTextStream err(stderr);
     const QStringList args = parser.positionalArguments();
     const QString kind = args.at(0);
-    static const QStringList kinds = {QStringLiteral("xml"),   QStringLiteral("view"),  QStringLiteral("notes"),
-                                      QStringLiteral("links"), QStringLiteral("items"), QStringLiteral("branch")};
+    static const QStringList kinds = {QStringLiteral("xml"),      QStringLiteral("opml"),  QStringLiteral("markdown"),
+                                      QStringLiteral("view"),     QStringLiteral("notes"), QStringLiteral("links"),
+                                      QStringLiteral("items"),    QStringLiteral("branch")};
     if (!kinds.contains(kind)) {
         err << "qbx: unknown export '" << kind << "'\n";
         return 2;
@@ -103,6 +109,28 @@ int run(const QStringList &arguments)
         options.codePage = settings.ansiCodePage;
         options.noteType = document.noteType;
         return XmlExport::exportXml(args.at(2), document.root(), options) ? 0 : failed(Messages::ExportFailed, 5);
+    }
+
+    if (kind == QLatin1String("opml")) {
+        QString error;
+        if (!OpmlExport::exportOpml(args.at(2), document.root(), {document.noteType}, &error)) {
+            err << Messages::ExportFailed << "\n" << error << "\n";
+            return 5;
+        }
+        return 0;
+    }
+
+    if (kind == QLatin1String("markdown")) {
+        QString error;
+        const MarkdownExport::Result result =
+            MarkdownExport::exportMarkdown(args.at(2), document.root(), {document.noteType}, &error);
+        if (result != MarkdownExport::Result::Ok) {
+            err << MarkdownExport::message(result) << "\n";
+            if (!error.isEmpty())
+                err << error << "\n";
+            return 5;
+        }
+        return 0;
     }
 
     if (kind == QLatin1String("view") || kind == QLatin1String("notes") || kind == QLatin1String("links")) {
@@ -180,6 +208,7 @@ int run(const QStringList &arguments)
     return 0;
 }
 
-const CliCommand command("export", "Export a document as XML, text, or chosen items as a new document", run);
+const CliCommand command("export", "Export a document as XML, OPML, Markdown, text, or chosen items as a new document",
+                         run);
 
 } // namespace

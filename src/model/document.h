@@ -17,7 +17,9 @@ public:
     /// The name of a note type; an unknown one is named as plain text.
     static QString noteTypeName(quint16 type)
     {
-        return QString::fromLatin1(NoteTypeNames[type <= RichText ? type : PlainText]);
+        if (type > RichText)
+            type = PlainText;
+        return QString::fromLatin1(NoteTypeNames[type]);
     }
     /// HideByStatus bits: hide items whose StatusType is "No Status",
     /// "Check Box" or "Progress Bar".

@@ -46,6 +46,12 @@ inline constexpr const char *AskConvertNotes = "Converting notes to a different 
 inline constexpr const char *ImportFormatInvalid =
     "The format of the import text file is invalid. Please correct the file and try again.";
 inline constexpr const char *XmlFileFilter = "XML Files|*.xml|";
+inline constexpr const char *OutlineImportInvalid =
+    "The file is not an outline this program can read. Please correct the file and try again.";
+inline constexpr const char *MarkdownTooDeep =
+    "The outline is nested too deeply for Markdown. Export it as OPML or XML instead.";
+inline constexpr const char *OpmlFileFilter = "OPML Files|*.opml|";
+inline constexpr const char *MarkdownFileFilter = "Markdown Files|*.md;*.markdown|";
 
 inline constexpr const char *NoteTypeQuestion = "Select the type of note to be used in this file:";
 inline constexpr const char *NoteTypePlain = "Plain Text Note";

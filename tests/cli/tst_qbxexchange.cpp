@@ -28,6 +28,8 @@ private Q_SLOTS:
     void exportItemsAndBranch();
     void importText();
     void importDocumentConvertsNotes();
+    void outlinesOutAndIn_data();
+    void outlinesOutAndIn();
     void convertNotes();
     void failuresPrintTheMessage();
 
@@ -198,6 +200,40 @@ void TestQbxExchange::importText()
     QCOMPARE(run.err,
              QByteArray("The format of the import text file is invalid. Please correct the file and try again.\n"));
     QVERIFY(!QFile::exists(doc));
+}
+
+void TestQbxExchange::outlinesOutAndIn_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("extension");
+    QTest::newRow("opml") << "opml" << "opml";
+    QTest::newRow("markdown") << "markdown" << "md";
+}
+
+void TestQbxExchange::outlinesOutAndIn()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, extension);
+    const QString doc = writeSample();
+    const QString outline = path(QStringLiteral("out.") + extension);
+    QCOMPARE(qbx({"export", kind, doc, outline}).status, 0);
+
+    // A new document beside the outline...
+    Run run = qbx({"import", kind, outline});
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.out, path(QStringLiteral("out.qbx")).toUtf8() + "\n");
+    Document made;
+    QCOMPARE(DocumentFile::load(path(QStringLiteral("out.qbx")), &made), DocumentFile::Loaded);
+    QCOMPARE(describe(made.root()), QStringLiteral("R(a(b),c)"));
+    QCOMPARE(qbx({"import", kind, outline}).status, 3);
+
+    // ...or its items under an item of a document; a missing file changes nothing.
+    QCOMPARE(qbx({"import", kind, doc, path(QStringLiteral("missing"))}).status, 4);
+    QCOMPARE(qbx({"import", kind, doc, outline, "--into", "3"}).status, 0);
+    Document joined;
+    QCOMPARE(DocumentFile::load(doc, &joined), DocumentFile::Loaded);
+    QCOMPARE(describe(joined.root()), QStringLiteral("R(a(b),c(a(b),c))"));
+    QVERIFY(joined.root()->child(1)->child(0)->isComplete());
 }
 
 void TestQbxExchange::importDocumentConvertsNotes()

@@ -1,129 +1,117 @@
 #include "model/item.h"
-#include "shell/document/itemmenu.h"
-#include "support/scriptedprompts.h"
+#include "support/shellfixture.h"
+#include "views/viewrows.h"
 
 #include <QMenu>
 #include <QTest>
 
 namespace {
 
-QHash<QString, ScriptedPrompts::ActionState> statesOf(const ItemMenu::State &state)
-{
-    std::unique_ptr<QMenu> menu(ItemMenu::build(state, nullptr));
-    return ScriptedPrompts::actionStates(menu.get());
-}
-
-QStringList enabledNames(const QHash<QString, ScriptedPrompts::ActionState> &states)
+QStringList namesWhere(const QHash<QString, ScriptedPrompts::ActionState> &states, bool checked)
 {
     QStringList names;
     for (auto it = states.cbegin(); it != states.cend(); ++it)
-        if (it->enabled)
+        if (checked ? it->checked : it->enabled)
             names.append(it.key());
     names.sort();
     return names;
 }
 
-QStringList checkedNames(const QHash<QString, ScriptedPrompts::ActionState> &states)
+QStringList range(const char *pattern, int first, int last)
 {
     QStringList names;
-    for (auto it = states.cbegin(); it != states.cend(); ++it)
-        if (it->checked)
-            names.append(it.key());
-    names.sort();
+    for (int i = first; i <= last; ++i)
+        names.append(QString::fromLatin1(pattern).arg(i));
     return names;
 }
 
-QStringList range(int first, int last)
+// Root > Task (priority 5, colour 2, progress bar, due, with a child).
+std::unique_ptr<Document> sample()
 {
-    QStringList names;
-    for (int id = first; id <= last; ++id)
-        names.append(QStringLiteral("action%1").arg(id));
-    return names;
+    auto doc = std::make_unique<Document>();
+    auto *task = new Item(QStringLiteral("Task"));
+    task->setPriority(5);
+    task->setColour(2);
+    task->setStatusType(Item::ProgressBar);
+    task->appendChild(new Item(QStringLiteral("child")));
+    doc->root()->appendChild(task);
+    return doc;
 }
 
 } // namespace
 
-// The item menu's greying and marks in the grouped views, where the
-// document view cannot reach every row kind on its own.
+// The item menu's greying and marks in the grouped views, and its layout.
 class TestItemMenu : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void grouped_data();
     void grouped();
-    void otherRowsGreyEverything();
     void twentyPrioritiesInTwoColumns();
 };
 
 void TestItemMenu::grouped_data()
 {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<bool>("children");
+    QTest::addColumn<bool>("heading");
     QTest::addColumn<QStringList>("enabled");
     QTest::addColumn<QStringList>("checked");
 
     // A heading: only the view's direction can change; the keys show the view's order.
-    QTest::newRow("heading") << int(ItemMenu::RowKind::Title) << false
-                             << QStringList{"actionAscending", "actionDescending"}
-                             << QStringList{"actionOrderByTaskDueDate", "actionDescending"};
+    QTest::newRow("heading") << true << QStringList{"actionAscending", "actionDescending"}
+                             << QStringList{"actionDescending", "actionOrderByTaskDueDate"};
     // An item: no apply attributes, ordering, move, copy or paste.
-    QStringList item =
-        range(20100, 20119) + range(20200, 20235) +
-        QStringList{"actionRename",     "actionChangeIcon",        "actionShowIcon",    "actionItalicStyle",
-                    "actionNoStatus",   "actionCheckBox",          "actionProgressBar", "actionCreateCopy",
-                    "actionCreateTask", "actionCreateAppointment", "actionDeleteItem"};
+    QStringList item = range("actionPriority%1", 1, 20) + range("actionColour%1", 0, 35) +
+                       QStringList{"actionRename",   "actionChangeIcon", "actionShowIcon",   "actionItalicStyle",
+                                   "actionNoStatus", "actionCheckBox",   "actionProgressBar", "actionCreateCopy",
+                                   "actionDeleteItem"};
     item.sort();
-    QTest::newRow("item") << int(ItemMenu::RowKind::Item) << true << item
-                          << QStringList{"actionPriority5", "actionColour2", "actionShowIcon", "actionProgressBar",
-                                         "actionOrderManual"};
+    QTest::newRow("item") << false << item
+                          << QStringList{"actionColour2", "actionOrderManual", "actionPriority5", "actionProgressBar",
+                                         "actionShowIcon"};
 }
 
 void TestItemMenu::grouped()
 {
-    QFETCH(int, kind);
-    QFETCH(bool, children);
+    QFETCH(bool, heading);
     QFETCH(QStringList, enabled);
     QFETCH(QStringList, checked);
-    Item node(QStringLiteral("Task"));
-    node.setPriority(5);
-    node.setColour(2);
-    node.setStatusType(Item::ProgressBar);
-    if (children)
-        node.appendChild(new Item(QStringLiteral("child")));
-    ItemMenu::State state;
-    state.kind = ItemMenu::RowKind(kind);
-    state.grouped = true;
-    state.node = state.kind == ItemMenu::RowKind::Item ? &node : nullptr;
-    state.viewOrder = 4;
-    state.viewAscending = false;
-    state.canPaste = true; // a marked item never makes Paste available in a grouped view
-    const auto states = statesOf(state);
-    QCOMPARE(enabledNames(states), enabled);
-    QCOMPARE(checkedNames(states), checked);
-}
-
-void TestItemMenu::otherRowsGreyEverything()
-{
-    ItemMenu::State state;
-    state.kind = ItemMenu::RowKind::Other;
-    state.canPaste = true;
-    const auto states = statesOf(state);
-    QCOMPARE(states.size(), 80);
-    QCOMPARE(enabledNames(states), QStringList());
+    ShellFixture f;
+    auto doc = sample();
+    doc->viewMode = Document::ByDueDate;
+    doc->viewOrder = 4;
+    doc->viewAscending = false;
+    QVERIFY(f.open(std::move(doc)));
+    // A marked item never makes Paste available in a grouped view.
+    f.view()->clip().markCopy(f.at({0, 0}));
+    ViewRows *rows = f.view()->rows();
+    QVERIFY(rows->isGrouped());
+    f.view()->expandAll();
+    int row = -1;
+    for (int r = 0; r < rows->count() && row < 0; ++r) {
+        const bool isHeading = rows->row(r).kind == ViewRows::Kind::Heading;
+        if (heading ? isHeading : rows->row(r).node == f.at({0}))
+            row = r;
+    }
+    QVERIFY(row >= 0);
+    Q_EMIT f.view()->treePane()->contextMenuRequested(row, QPoint());
+    QCOMPARE(namesWhere(f.prompts.lastMenu, false), enabled);
+    QCOMPARE(namesWhere(f.prompts.lastMenu, true), checked);
 }
 
 void TestItemMenu::twentyPrioritiesInTwoColumns()
 {
-    Item node(QStringLiteral("Task"));
-    ItemMenu::State state;
-    state.node = &node;
-    std::unique_ptr<QMenu> menu(ItemMenu::build(state, nullptr));
+    ShellFixture f;
+    QVERIFY(f.open(sample()));
+    f.select(f.at({0}));
+    QMenu *menu = nullptr;
+    f.prompts.onMenu = [&menu](QMenu *shown) { menu = shown; };
+    Q_EMIT f.view()->treePane()->contextMenuRequested(1, QPoint());
+    QVERIFY(menu);
     auto *priority = menu->findChild<QMenu *>(QStringLiteral("menuPriority"));
     QVERIFY(priority);
     QList<QWidget *> buttons;
     for (int p = 1; p <= 20; ++p) {
-        auto *action = menu->findChild<QAction *>(QStringLiteral("action%1").arg(20099 + p));
+        auto *action = priority->findChild<QAction *>(QStringLiteral("actionPriority%1").arg(p));
         QCOMPARE(action->text(), QString::number(p));
-        QCOMPARE(action->data().toInt(), 20099 + p);
         QCOMPARE(action->associatedObjects().size(), 1); // its button in the grid
         buttons.append(qobject_cast<QWidget *>(action->associatedObjects().first()));
     }

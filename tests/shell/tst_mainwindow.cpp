@@ -73,7 +73,7 @@ private Q_SLOTS:
     void saveOnDeactivation();
     void handOverFromASecondInstance();
     void secondProcessHandsOverAndExits();
-    void menuBarWords();
+    void openAndRecentDocuments();
     void menusFollowTheState();
     void ctrlASelectsAllInTextAndIsAboutElsewhere();
     void onlyAChangeIsWritten();
@@ -376,70 +376,34 @@ void TestMainWindow::secondProcessHandsOverAndExits()
     QCOMPARE(received.first().first().toString(), docPath(QStringLiteral("Beta.qbx")));
 }
 
-namespace {
-// The entries of a menu as the person reads them: "-" for a separator,
-// submenus as "title > [entries]".
-QStringList words(const QMenu *menu)
-{
-    QStringList out;
-    for (QAction *action : menu->actions()) {
-        if (action->isSeparator())
-            out.append(QStringLiteral("-"));
-        else if (action->menu())
-            out.append(action->text() + QStringLiteral(" > [") + words(action->menu()).join(QStringLiteral(", ")) +
-                       QStringLiteral("]"));
-        else
-            out.append(action->text());
-    }
-    return out;
-}
-} // namespace
-
-void TestMainWindow::menuBarWords()
+void TestMainWindow::openAndRecentDocuments()
 {
     MainWindow *w = makeWindow();
     w->start(QString());
-    QMenuBar *bar = w->menuBar();
-    auto titles = [bar] {
-        QStringList out;
-        for (QAction *action : bar->actions())
-            out.append(action->text());
-        return out;
-    };
-    QCOMPARE(titles(), QStringList({"&File", "New", "&Tools", "&Help"}));
-    QCOMPARE(words(bar->actions().at(2)->menu()), QStringList({"Refresh", "-", "Import...", "-", "About..."}));
-    QCOMPARE(words(bar->actions().at(0)->menu()),
-             QStringList({"New", "&Open...", "Open &Recent > []", "-", "Import...", "&Autosave", "-", "Exit"}));
+    QStringList titles;
+    for (QAction *action : w->menuBar()->actions())
+        titles.append(action->text());
+    QVERIFY(titles.contains(QStringLiteral("&File")) && titles.contains(QStringLiteral("&Help")));
 
-    QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
-    QCOMPARE(titles(), QStringList({"&File", "&Edit", "New", "&View", "&Tools", "", "&Help"}));
-    QCOMPARE(words(bar->actions().at(0)->menu()),
-             QStringList({"&New Document...", "&Open...", "Open &Recent > [&1 Alpha.qbx]", "-", "Save",
-                          "Save As...", "File Properties...",
-                          "&Import/Export > [Import File..., -, View..., XML..., Links..., All Notes..., -, Items...]",
-                          "-", "Close Document", "&Autosave", "-", "Exit"}));
-    QCOMPARE(words(bar->actions().at(1)->menu()),
-             QStringList({"Move", "Copy", "Paste", "Delete Item", "-", "Rename", "-", "Find Item..."}));
-    QCOMPARE(command(w, "actionMarkMove")->shortcut(), QKeySequence(QKeySequence::Cut));
-    QCOMPARE(command(w, "actionPaste")->shortcut(), QKeySequence(QKeySequence::Paste));
-    QCOMPARE(words(bar->actions().at(6)->menu()), QStringList({"Help", "-", "About..."}));
-    QCOMPARE(words(bar->actions().at(3)->menu()),
-             QStringList({"Default View", "By Category", "By Task/Due Date", "By Priority", "-", "Hide Completed Items",
-                          "Hide By Status > [No Status, Check Box, Progress Bar]",
-                          "Item Display Options > [Show Due Date, Show Statistics]", "-",
-                          "Windows && Toolbars > [Note Window, Quick Entry Bar, Recording Toolbar]", "-", "Expand All",
-                          "Collapse All"}));
-    QCOMPARE(words(bar->actions().at(4)->menu()),
-             QStringList({"Find Item...", "Find Result...", "-", "Set Password...", "Save",
-                          "File > [File Properties..., Convert Notes..., -, Save As...]", "-",
-                          "Import/Export > [Import File..., -, View..., XML..., Links..., All Notes..., -, Items...]",
-                          "-", "Options...", "Item Templates...", "About..."}));
-    QCOMPARE(words(bar->actions().at(5)->menu()),
-             QStringList({"Move Up", "Move Down", "-", "Up a Level", "Down a Level"}));
-    QVERIFY(!bar->actions().at(5)->menu()->icon().isNull());
-    QCOMPARE(command(w, "actionSave")->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
-    QCOMPARE(command(w, "actionNew")->shortcuts(),
-             QList<QKeySequence>({QKeySequence(QStringLiteral("Ctrl+N")), QKeySequence(QStringLiteral("Ctrl+I"))}));
+    const QString alpha = docPath(QStringLiteral("Alpha.qbx"));
+    const QString beta = docPath(QStringLiteral("Beta.qbx"));
+    m_prompts->fileNames = {beta};
+    QVERIFY(run(w, "actionOpen"));
+    QCOMPARE(w->view()->document()->path, beta);
+    QVERIFY(w->openDocument(alpha));
+    QCOMPARE(w->recentDocuments(), QStringList({alpha, beta}));
+    auto *recent = w->menuBar()->findChild<QMenu *>(QStringLiteral("menuOpenRecent"));
+    QVERIFY(recent);
+    Q_EMIT recent->aboutToShow();
+    QCOMPARE(recent->actions().size(), 2);
+    QCOMPARE(recent->actions().at(1)->text(), QStringLiteral("&2 Beta.qbx"));
+    recent->actions().at(1)->trigger();
+    QCOMPARE(w->view()->document()->path, beta);
+    QCOMPARE(w->recentDocuments(), QStringList({beta, alpha}));
+    for (int i = 0; i < 12; ++i)
+        w->addRecent(docPath(QStringLiteral("n%1.qbx").arg(i)));
+    QCOMPARE(w->recentDocuments().size(), 10);
+    QCOMPARE(w->recentDocuments().first(), docPath(QStringLiteral("n11.qbx")));
 }
 
 void TestMainWindow::menusFollowTheState()

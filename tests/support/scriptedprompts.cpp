@@ -62,6 +62,8 @@ QHash<QString, ScriptedPrompts::ActionState> ScriptedPrompts::actionStates(QMenu
 
 QAction *ScriptedPrompts::popupMenu(QMenu *menu, const QPoint &)
 {
+    if (onMenu)
+        onMenu(menu);
     lastMenu = actionStates(menu);
     lastMenuTexts.clear();
     for (QAction *action : menu->actions())

@@ -3,6 +3,7 @@
 #include "shell/widgets/prompts.h"
 
 #include <QHash>
+#include <functional>
 #include <QList>
 #include <QQueue>
 #include <QStringList>
@@ -66,6 +67,8 @@ public:
     /// Every named action of the last popup menu and its submenus; an entry
     /// of a greyed submenu counts as greyed.
     QHash<QString, ActionState> lastMenu;
+    /// Called with every menu popped up, before an entry is chosen.
+    std::function<void(QMenu *)> onMenu;
     /// The texts of the last popup menu's top-level entries, in order
     /// ("-" for separators).
     QStringList lastMenuTexts;

@@ -283,8 +283,9 @@ void MainWindow::buildFileMenus(bool viewOpen)
         for (const char *name : {"actionSave", "actionSaveAs", "actionFileProperties"})
             file->addAction(command(QString::fromLatin1(name)));
         file->addMenu(addMenu(QStringLiteral("&Import/Export"), "menuDesktopImportExport",
-                              {"actionImportFile", "", "actionExportView", "actionExportXml", "actionExportLinks",
-                               "actionExportNotes", "", "actionExportItems"}));
+                              {"actionImportFile", "actionImportOutline", "", "actionExportView", "actionExportXml",
+                               "actionExportLinks", "actionExportNotes", "", "actionExportItems", "",
+                               "actionExportOpml", "actionExportMarkdown"}));
         file->addSeparator();
         file->addAction(command(QStringLiteral("actionCloseDocument")));
     } else {
@@ -410,8 +411,9 @@ void MainWindow::buildViewMenus()
                            {"actionFileProperties", "actionConvertNotes", "", "actionSaveAs"}));
     tools->addSeparator();
     tools->addMenu(addMenu(QStringLiteral("Import/Export"), "menuImportExport",
-                           {"actionImportFile", "", "actionExportView", "actionExportXml", "actionExportLinks",
-                            "actionExportNotes", "", "actionExportItems"}));
+                           {"actionImportFile", "actionImportOutline", "", "actionExportView", "actionExportXml",
+                            "actionExportLinks", "actionExportNotes", "", "actionExportItems", "", "actionExportOpml",
+                            "actionExportMarkdown"}));
     tools->addSeparator();
     tools->addAction(command(QStringLiteral("actionOptions")));
     tools->addAction(command(QStringLiteral("actionItemTemplates")));

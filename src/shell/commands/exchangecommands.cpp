@@ -2,6 +2,10 @@
 
 #include "exchange/documentimport.h"
 #include "exchange/itemexport.h"
+#include "exchange/markdownexport.h"
+#include "exchange/markdownimport.h"
+#include "exchange/opmlexport.h"
+#include "exchange/opmlimport.h"
 #include "exchange/textexport.h"
 #include "exchange/textimport.h"
 #include "exchange/xmlexport.h"
@@ -195,7 +199,8 @@ bool ExchangeCommands::importText()
     Settings &settings = m_host->settings();
     const QString path = prompts->openFileName(
         frame, QStringLiteral("Import"), m_host->documentsFolder(),
-        Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)).join(QStringLiteral(";;")));
+        Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)).join(QStringLiteral(";;")) +
+            QStringLiteral(";;") + outlineFilters());
     if (path.isEmpty())
         return false;
     const QString target = TextImport::documentPath(path);
@@ -209,20 +214,30 @@ bool ExchangeCommands::importText()
             frame, QString::fromLatin1(Messages::AskReplaceDocument).arg(QDir::toNativeSeparators(target))))
         return false;
     Document document;
-    TextImport::Options options;
-    options.icon = TextImport::iconOf(settings.textImport);
-    options.codePage = settings.ansiCodePage;
-    TextImport::Result result = TextImport::Result::Unreadable;
+    const quint16 icon = TextImport::iconOf(settings.textImport);
+    QString failure;
     bool saved = false;
     QString error;
     {
         WaitCursor wait;
-        result = TextImport::importDocument(path, quint16(noteType), options, &document);
-        if (result == TextImport::Result::Ok)
+        if (isOpml(path)) {
+            QString detail;
+            const OpmlImport::Result result =
+                OpmlImport::importDocument(path, {quint16(noteType), icon}, &document, &detail);
+            failure = OpmlImport::message(result, detail);
+        } else if (isMarkdown(path)) {
+            failure = MarkdownImport::message(MarkdownImport::importDocument(path, {quint16(noteType), icon}, &document));
+        } else {
+            TextImport::Options options;
+            options.icon = icon;
+            options.codePage = settings.ansiCodePage;
+            failure = TextImport::message(TextImport::importDocument(path, quint16(noteType), options, &document));
+        }
+        if (failure.isEmpty())
             saved = DocumentFile::save(document, QString(), &error);
     }
-    if (result != TextImport::Result::Ok) {
-        prompts->message(frame, Prompts::Icon::Stop, TextImport::message(result));
+    if (!failure.isEmpty()) {
+        prompts->message(frame, Prompts::Icon::Stop, failure);
         return false;
     }
     if (!saved) {
