@@ -4,7 +4,6 @@
 #include "notes/notetext.h"
 #include "notes/rtfreader.h"
 #include "notes/rtfwriter.h"
-#include "shell/commands/dialogcommands.h"
 #include "shell/dialogs/convertnotesdialog.h"
 #include "storage/password.h"
 

@@ -875,8 +875,6 @@ void MainWindow::reloadDocument()
     }
     document->setCurrent(current);
     showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
-    if (current != m_view->document()->root())
-        m_view->refresh(current);
     statusBar()->showMessage(QStringLiteral("Reloaded: %1 was changed by another program.")
                                  .arg(QDir::toNativeSeparators(path)),
                              10000);
