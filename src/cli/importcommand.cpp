@@ -11,11 +11,12 @@
 #include "storage/settings.h"
 
 #include <QFileInfo>
+#include <memory>
 
 namespace {
 
 int importText(const QCommandLineParser &parser, const QStringList &args, const QCommandLineOption &noteType,
-               const QCommandLineOption &icon, const QCommandLineOption &force)
+               const QCommandLineOption &icon, const QCommandLineOption &force, const QCommandLineOption &encoding)
 {
     QTextStream err(stderr);
     Settings settings;
@@ -37,6 +38,15 @@ int importText(const QCommandLineParser &parser, const QStringList &args, const 
         }
         options.icon = quint16(value);
     }
+    if (parser.isSet(encoding)) {
+        const QString name = parser.value(encoding).toLower();
+        if (name == QLatin1String("utf-8") || name == QLatin1String("utf8")) {
+            options.encoding = TextImport::Encoding::Utf8;
+        } else if (name != QLatin1String("ansi")) {
+            err << "qbx: --encoding is ansi or utf-8\n";
+            return 2;
+        }
+    }
     const QString textPath = args.at(1);
     // An existing document is never replaced by accident.
     const QString documentPath = TextImport::documentPath(textPath);
@@ -45,15 +55,16 @@ int importText(const QCommandLineParser &parser, const QStringList &args, const 
         return 3;
     }
     Document document;
-    const TextImport::Result result = TextImport::importDocument(textPath, type, options, &document);
+    int line = 0;
+    const TextImport::Result result = TextImport::importDocument(textPath, type, options, &document, &line);
     if (result != TextImport::Result::Ok) {
-        err << TextImport::message(result) << "\n";
-        return result == TextImport::Result::FormatError ? 3 : 1;
+        err << TextImport::message(result, line) << "\n";
+        return result == TextImport::Result::FormatError ? ExitCode::Refused : ExitCode::Damaged;
     }
     QString error;
-    if (!DocumentFile::save(document, document.path, &error)) {
-        err << Messages::SaveFailed << "\n" << error << "\n";
-        return 5;
+    if (!DocumentFile::save(document, document.path, &error, textPath)) {
+        DocumentLoading::reportWriteFailure(Messages::SaveFailed, error);
+        return ExitCode::WriteFailed;
     }
     QTextStream(stdout) << document.path << "\n";
     return 0;
@@ -67,7 +78,8 @@ int importDocument(const QCommandLineParser &parser, const QStringList &args, co
         return 2;
     }
     Document document;
-    if (const int status = DocumentLoading::load(args.at(1), &document))
+    DocumentLoading::Update update(args.at(1));
+    if (const int status = DocumentLoading::loadForUpdate(&update, &document))
         return status;
     TreeNode *target = document.current();
     if (parser.isSet(into)) {
@@ -98,12 +110,7 @@ int importDocument(const QCommandLineParser &parser, const QStringList &args, co
         err << DocumentFile::importMessage(result) << "\n";
         return int(result);
     }
-    QString error;
-    if (!DocumentFile::save(document, args.at(1), &error)) {
-        err << Messages::SaveFailed << "\n" << error << "\n";
-        return 5;
-    }
-    return 0;
+    return DocumentLoading::saveUpdate(update, document, parser.isSet(QStringLiteral("force")));
 }
 
 // Reads an OPML or Markdown file into document, under target when given,
@@ -152,10 +159,13 @@ int importOutline(const QCommandLineParser &parser, const QStringList &args, con
     Document document;
     TreeNode *target = nullptr;
     QString savePath;
+    std::unique_ptr<DocumentLoading::Update> update;
     if (args.size() == 3) {
-        // Into an existing document: its current item, or --into.
+        // Into an existing document, held from the load to the save: its
+        // current item, or --into.
         savePath = args.at(1);
-        if (const int status = DocumentLoading::load(savePath, &document))
+        update = std::make_unique<DocumentLoading::Update>(savePath);
+        if (const int status = DocumentLoading::loadForUpdate(update.get(), &document))
             return status;
         target = document.current();
         if (parser.isSet(into)) {
@@ -185,6 +195,8 @@ int importOutline(const QCommandLineParser &parser, const QStringList &args, con
         err << error << "\n";
         return status;
     }
+    if (update)
+        return DocumentLoading::saveUpdate(*update, document, parser.isSet(force));
     if (!DocumentFile::save(document, savePath, &error)) {
         err << Messages::SaveFailed << "\n" << error << "\n";
         return 5;
@@ -215,20 +227,29 @@ int run(const QStringList &arguments)
     const QCommandLineOption icon(QStringLiteral("icon"),
                                   QStringLiteral("text, opml, markdown: icon of every item (default: the settings)."),
                                   QStringLiteral("N"));
-    const QCommandLineOption force(QStringLiteral("force"), QStringLiteral("text, opml, markdown: replace an existing document."));
+    const QCommandLineOption force(QStringLiteral("force"),
+                                   QStringLiteral("text, opml, markdown: replace an existing document. doc, and an "
+                                                  "outline into FILE: save even when FILE changed on disk since it "
+                                                  "was read."));
     const QCommandLineOption into(QStringLiteral("into"),
                                   QStringLiteral("doc, opml, markdown: the position to import under (0 the root)."),
                                   QStringLiteral("POSITION"));
-    parser.addOptions({noteType, icon, force, into});
+    const QCommandLineOption encoding(QStringLiteral("encoding"),
+                                      QStringLiteral("text: how a file without a byte-order mark is read, ansi "
+                                                     "(the settings' code page, the default) or utf-8."),
+                                      QStringLiteral("NAME"));
+    parser.addOptions({noteType, icon, force, into, encoding});
     parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("text, doc, opml or markdown."));
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The file to import, or the .qbx document to import into."));
-    parser.addPositionalArgument(QStringLiteral("OTHER"), QStringLiteral("doc, opml, markdown: the file to import into FILE."),
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("The file to import, or the .qbx document to import into."));
+    parser.addPositionalArgument(QStringLiteral("OTHER"),
+                                 QStringLiteral("doc, opml, markdown: the file to import into FILE."),
                                  QStringLiteral("[OTHER]"));
     if (const int status = DocumentLoading::parse(parser, arguments, "import", 2, 3); status >= 0)
         return status;
     const QStringList args = parser.positionalArguments();
     if (args.at(0) == QLatin1String("text") && args.size() == 2)
-        return importText(parser, args, noteType, icon, force);
+        return importText(parser, args, noteType, icon, force, encoding);
     if (args.at(0) == QLatin1String("doc"))
         return importDocument(parser, args, into);
     if (args.at(0) == QLatin1String("opml") || args.at(0) == QLatin1String("markdown"))

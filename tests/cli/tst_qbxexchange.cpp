@@ -3,10 +3,14 @@
 #include "storage/documentfile.h"
 #include "storage/settings.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
 
 namespace {
 
@@ -197,8 +201,8 @@ void TestQbxExchange::importText()
     QFile::remove(doc);
     run = qbx({"import", "text", text});
     QCOMPARE(run.status, 3);
-    QCOMPARE(run.err,
-             QByteArray("The format of the import text file is invalid. Please correct the file and try again.\n"));
+    QCOMPARE(run.err, QByteArray("The format of the import text file is invalid. Please correct the file and try "
+                                 "again. (line 2)\n"));
     QVERIFY(!QFile::exists(doc));
 }
 
@@ -270,16 +274,33 @@ void TestQbxExchange::convertNotes()
 
 void TestQbxExchange::failuresPrintTheMessage()
 {
+    // The fixed storage-space message only when the disk is full; always the
+    // file and the reason.
     const QString doc = writeSample();
     const QString missing = path(QStringLiteral("no/such/dir/out"));
-    const QByteArray exportFailed("Export has failed. Please make sure you have enough storage space and try again.\n");
     const Run run = qbx({"export", "notes", doc, missing});
     QCOMPARE(run.status, 5);
-    QCOMPARE(run.err, exportFailed);
-    const Run items = qbx({"export", "items", doc, missing, "--choice", "0"});
+    QCOMPARE(run.err, "qbx: " + QFile::encodeName(missing) + ": folder missing\n");
+    const Run items = qbx({"export", "items", doc, path(QStringLiteral(".")), "--choice", "0"});
     QCOMPARE(items.status, 5);
-    QVERIFY(items.err.startsWith("Item Export has failed. Please make sure you have enough storage space and try "
-                                 "again.\n"));
+    QCOMPARE(items.err, "qbx: " + QFile::encodeName(m_dir->path()) + ": is a directory\n");
+
+    // A file size limit fails the writes as a full disk does.
+    const QString out = path(QStringLiteral("full.xml"));
+    QProcess process;
+    process.setChildProcessModifier([] {
+        const rlimit limit{100, 100};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        ::signal(SIGXFSZ, SIG_IGN);
+    });
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), {"export", "xml", doc, out});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 5);
+    QCOMPARE(process.readAllStandardError(),
+             "Export has failed. Please make sure you have enough storage space and try again.\nqbx: " +
+                 QFile::encodeName(out) + ": disk full\n");
+    QVERIFY(!QFile::exists(out));
+    QCOMPARE(QDir(m_dir->path()).entryList({QStringLiteral("*.part")}, QDir::Files | QDir::Hidden), QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestQbxExchange)

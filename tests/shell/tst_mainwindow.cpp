@@ -346,6 +346,12 @@ void TestMainWindow::handOverFromASecondInstance()
     QTRY_COMPARE(raised.count(), 1);
     QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
 
+    // A path that does not open leaves the open document open.
+    m_prompts->shown.clear();
+    w->handOver(docPath(QStringLiteral("missing.qbx")));
+    QCOMPARE(m_prompts->shown.size(), 1);
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
+
     // Nobody listening: the start goes on as the first instance.
     QVERIFY(!SingleInstance(name + QStringLiteral("-none")).handOver(QStringLiteral("x"), 500));
 }

@@ -8,6 +8,7 @@
 #include "shell/commands/filecommands.h"
 #include "shell/commands/findcommands.h"
 #include "shell/commands/itemcommands.h"
+#include "shell/commands/remindercommands.h"
 #include "shell/commands/templatecommands.h"
 #include "shell/commands/viewcommands.h"
 #include "shell/document/documentview.h"
@@ -492,7 +493,7 @@ void MainWindow::showView(DocumentView *view)
     view->setQuickEntryVisible(m_settings.testFlag(Settings::QuickEntryBar));
     connect(view, &DocumentView::stateChanged, this, &MainWindow::updateActions);
     connect(view, &DocumentView::settingsChanged, this, &MainWindow::saveSettings);
-    connect(view, &DocumentView::edited, this, [this] {
+    connect(view, &DocumentView::documentChanged, this, [this] {
         if (isAutosaveOn() && !m_readOnly)
             m_autosave->start();
         updateTitle();
@@ -500,6 +501,7 @@ void MainWindow::showView(DocumentView *view)
     // The item commands live and go with the view.
     m_items = new ItemCommands(view, this, m_templates, view);
     addActions(m_items->actions());
+    addActions((new ReminderCommands(view, this))->actions());
     const struct {
         const char *name;
         QKeySequence key;

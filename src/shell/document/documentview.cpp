@@ -207,7 +207,7 @@ bool DocumentView::save(const QString &path, QString *error)
 void DocumentView::markChanged()
 {
     ++m_changes;
-    Q_EMIT edited();
+    Q_EMIT documentChanged();
 }
 
 bool DocumentView::isModified() const

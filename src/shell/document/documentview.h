@@ -42,6 +42,7 @@ public:
     quint64 changeCount() const { return m_changes; }
     /// A note pane showing an item of the branch lets go of it.
     void forgetBranch(const Item *item) override;
+    void edited(Edit edit, Item *item) override { Q_EMIT itemsEdited(edit, item); }
     NotePane *notePane() const { return m_notes; }
     QuickEntryBar *quickEntryBar() const { return m_quick; }
     QSplitter *splitter() const { return m_splitter; }
@@ -77,8 +78,10 @@ Q_SIGNALS:
     void settingsChanged();
     /// The selection or the document changed: the menus' states may differ.
     void stateChanged();
-    /// The document was edited (markChanged).
-    void edited();
+    /// The document was changed (markChanged).
+    void documentChanged();
+    /// An edit here or in a branch view that the reminders follow.
+    void itemsEdited(ItemHost::Edit edit, Item *item);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
