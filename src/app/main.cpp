@@ -1,6 +1,7 @@
 #include "platform/largeheap.h"
 #include "rows/iconset.h"
 #include "shell/app/mainwindow.h"
+#include "shell/app/quitsignals.h"
 #include "shell/app/singleinstance.h"
 
 #include <QApplication>
@@ -12,13 +13,14 @@
 
 namespace {
 constexpr char Usage[] =
-    "Usage: quillbox [OPTION] [FILE]\n"
+    "Usage: quillbox [OPTION] [FILE]...\n"
     "\n"
     "Quillbox, a hierarchical note-taking and task outliner.\n"
     "\n"
     "Opens FILE, a .qbx document, or else the document that was open when\n"
-    "Quillbox last closed. When Quillbox is already running, FILE is handed\n"
-    "to the running window, which comes forward, and this start ends.\n"
+    "Quillbox last closed; further FILEs join the recent documents. When\n"
+    "Quillbox is already running, FILE is handed to the running window,\n"
+    "which comes forward, and this start ends.\n"
     "\n"
     "Options:\n"
     "  -h, --help     show this help and exit\n"
@@ -69,7 +71,12 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "quillbox: unknown option '%s'\n\n%s", qPrintable(args.at(1)), Usage);
         return 2;
     }
-    const QString path = args.size() > 1 ? QFileInfo(args.at(1)).absoluteFilePath() : QString();
+    // The desktop entry hands over several files at once (%F): the first
+    // opens, the others wait among the recent documents.
+    QStringList paths;
+    for (qsizetype i = 1; i < args.size(); ++i)
+        paths.append(QFileInfo(args.at(i)).absoluteFilePath());
+    const QString path = paths.isEmpty() ? QString() : paths.first();
 
     SingleInstance instance;
     if (instance.handOver(path, 1500))
@@ -82,6 +89,12 @@ int main(int argc, char *argv[])
     QApplication::setWindowIcon(icon);
 
     MainWindow window;
+    QuitSignals quitSignals;
+    QObject::connect(&quitSignals, &QuitSignals::quitRequested, &window, &MainWindow::quitOnSignal);
+    // The session's end (logout) saves as a quit signal does.
+    QObject::connect(&app, &QGuiApplication::commitDataRequest, &window, [&window] { window.saveOnDeactivation(); });
+    for (qsizetype i = paths.size() - 1; i > 0; --i)
+        window.addRecent(paths.at(i));
     QObject::connect(&instance, &SingleInstance::pathReceived, &window, &MainWindow::handOver);
     QObject::connect(&instance, &SingleInstance::raiseRequested, &window, &MainWindow::bringForward);
     window.show();

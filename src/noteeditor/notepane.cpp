@@ -3,6 +3,7 @@
 #include "noteeditor/notecodec.h"
 
 #include <QAction>
+#include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QStackedWidget>
 #include <QTextDocument>
@@ -59,6 +60,10 @@ NotePane::NotePane(QWidget *parent) : QWidget(parent)
     addFormat(QStringLiteral("I"), QStringLiteral("Italic"), [](QTextCharFormat &f, bool on) { f.setFontItalic(on); });
     addFormat(QStringLiteral("U"), QStringLiteral("Underline"),
               [](QTextCharFormat &f, bool on) { f.setFontUnderline(on); });
+
+    // Ctrl+B, Ctrl+I and Ctrl+U format the rich note, before the window's
+    // own shortcuts of those keys.
+    m_rich->installEventFilter(this);
 
     for (const char *name : {"Record", "Stop", "Play"}) {
         QAction *action = m_recording->addAction(QString::fromLatin1(name));
@@ -148,4 +153,30 @@ void NotePane::setRecordingToolbarVisible(bool visible)
 bool NotePane::isRecordingToolbarVisible() const
 {
     return !m_recording->isHidden();
+}
+
+bool NotePane::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_rich && (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress)) {
+        auto *key = static_cast<QKeyEvent *>(event);
+        const char *name = nullptr;
+        if (key->modifiers() == Qt::ControlModifier) {
+            if (key->key() == Qt::Key_B)
+                name = "formatB";
+            else if (key->key() == Qt::Key_I)
+                name = "formatI";
+            else if (key->key() == Qt::Key_U)
+                name = "formatU";
+        }
+        if (name) {
+            if (event->type() == QEvent::ShortcutOverride) {
+                event->accept();
+                return true;
+            }
+            if (QAction *action = m_format->findChild<QAction *>(QString::fromLatin1(name)))
+                action->trigger();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }

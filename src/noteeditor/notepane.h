@@ -41,6 +41,9 @@ public:
 Q_SIGNALS:
     void modificationChanged(bool modified);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     quint16 m_noteType = 0;
     QByteArray m_original; // the note as loaded, for what the editor does not show

@@ -49,7 +49,7 @@ RowPainter::RowPainter(const RowStyle &style, const QPalette &palette, qreal dev
     // its proportions, centred in taller rows.
     m_scaleA = m_scaleB = qreal(rowHeight()) / 17.0;
     const QFontMetrics dfm(m_dateFont);
-    m_dateWidth = dfm.horizontalAdvance(QStringLiteral("00 MMM")) + 8;
+    m_dateWidth = dfm.horizontalAdvance(QStringLiteral("00 MMM 00")) + 8;
 }
 
 QFont RowPainter::itemFont(const Item *item) const
@@ -98,7 +98,7 @@ QString RowPainter::itemText(const Item *item, int state) const
     QString text = item->name();
     if (m_style.showStatistics && !(state & Flat) && item->hasChildren()) {
         const Progress::Statistics s = Progress::statistics(item);
-        text += QStringLiteral("[%1,%2,%3]").arg(s.notStarted).arg(s.started).arg(s.completed);
+        text += QStringLiteral(" [%1,%2,%3]").arg(s.notStarted).arg(s.started).arg(s.completed);
     }
     return text;
 }
@@ -110,6 +110,9 @@ QString RowPainter::dueDateText(const Item *item) const
     const QDate date = item->dueDate().toDate();
     if (!date.isValid())
         return {};
+    // A date of another year says which.
+    if (date.year() != QDate::currentDate().year())
+        return QLocale().toString(date, QStringLiteral("d MMM yy"));
     return QLocale().toString(date, QStringLiteral("d MMM")).left(DateChars);
 }
 
@@ -270,6 +273,9 @@ void RowPainter::paintItem(QPainter *p, const QRect &rect, const Item *item, int
     if (item->colour() != 0 && item->colour() < ColourTable::Count) {
         if (!selected) {
             text = grey ? m_palette.color(QPalette::Disabled, QPalette::Text) : ColourTable::colour(item->colour());
+            // On a dark base a dark colour is lightened, keeping its hue.
+            if (!grey && base.lightnessF() < 0.5 && text.lightnessF() < 0.6)
+                text = QColor::fromHslF(text.hslHueF(), text.hslSaturationF(), 0.7);
         } else {
             const quint32 ref = ColourTable::colorRef(item->colour());
             background = ColourTable::fromColorRef(ref);

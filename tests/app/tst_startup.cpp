@@ -86,9 +86,9 @@ void TestStartup::answeredAlone_data()
     QTest::newRow("--version") << QStringList{QStringLiteral("--version")} << 0
                                << QByteArray("quillbox " QUILLBOX_VERSION "\n") << QByteArray();
     QTest::newRow("--help") << QStringList{QStringLiteral("--help")} << 0
-                            << QByteArray("Usage: quillbox [OPTION] [FILE]\n") << QByteArray();
+                            << QByteArray("Usage: quillbox [OPTION] [FILE]...\n") << QByteArray();
     QTest::newRow("-h, before a file") << QStringList{QStringLiteral("-h"), QStringLiteral("Plan.qbx")} << 0
-                                       << QByteArray("Usage: quillbox [OPTION] [FILE]\n") << QByteArray();
+                                       << QByteArray("Usage: quillbox [OPTION] [FILE]...\n") << QByteArray();
     QTest::newRow("unknown option") << QStringList{QStringLiteral("--frobnicate")} << 2 << QByteArray()
                                     << QByteArray("quillbox: unknown option '--frobnicate'\n");
 }

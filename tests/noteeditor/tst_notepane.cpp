@@ -4,6 +4,7 @@
 
 #include <QPlainTextEdit>
 #include <QTest>
+#include <QTextCharFormat>
 #include <QTextCursor>
 #include <QTextEdit>
 
@@ -14,6 +15,8 @@ private Q_SLOTS:
     void richTextKeepsFormatting();
     void richInkKeepsDrawingsAndRecordings();
     void emptiedNoteLeavesNoNote();
+    void formatKeys_data();
+    void formatKeys();
 };
 
 void TestNotePane::plainText()
@@ -114,6 +117,31 @@ void TestNotePane::emptiedNoteLeavesNoNote()
     pane.load(ink.toNote());
     QCOMPARE(pane.plainText(), QString());
     QCOMPARE(RichInk::fromNote(pane.noteBytes()).chunk(RichInk::strokesTag()), QByteArrayLiteral("lines"));
+}
+
+void TestNotePane::formatKeys_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("Ctrl+B") << int(Qt::Key_B);
+    QTest::newRow("Ctrl+I") << int(Qt::Key_I);
+    QTest::newRow("Ctrl+U") << int(Qt::Key_U);
+}
+
+void TestNotePane::formatKeys()
+{
+    QFETCH(int, key);
+    NotePane pane;
+    pane.setNoteType(2);
+    pane.show();
+    QTextEdit *editor = pane.richEditor();
+    editor->setFocus();
+    QTest::keyClick(editor, Qt::Key(key), Qt::ControlModifier);
+    QTest::keyClicks(editor, QStringLiteral("word"));
+    const QTextCharFormat format = editor->textCursor().charFormat();
+    QCOMPARE(format.fontWeight() >= QFont::Bold, key == Qt::Key_B);
+    QCOMPARE(format.fontItalic(), key == Qt::Key_I);
+    QCOMPARE(format.fontUnderline(), key == Qt::Key_U);
+    QCOMPARE(editor->toPlainText(), QStringLiteral("word"));
 }
 
 QTEST_MAIN(TestNotePane)

@@ -93,6 +93,7 @@ private Q_SLOTS:
     void contrast();
     void textColours_data();
     void textColours();
+    void darkBaseLightensDarkColours();
     void completedStyle();
     void statistics();
     void expandGlyph();
@@ -278,6 +279,24 @@ void TestRowPainter::textColours()
     QCOMPARE(r.image.pixelColor(r.geometry.glyphRect().left() + 1, 1), Base);
 }
 
+void TestRowPainter::darkBaseLightensDarkColours()
+{
+    QPalette dark = fixedPalette();
+    const QColor darkBase(0x20, 0x20, 0x24);
+    dark.setColor(QPalette::Base, darkBase);
+    dark.setColor(QPalette::AlternateBase, darkBase);
+    dark.setColor(QPalette::Text, Base);
+    const RowPainter painter(compactStyle(), dark);
+    Item item(QStringLiteral("HHHHHHHH"));
+    item.setColour(1); // pure blue, unreadable on dark grey
+    const Rendered r = render(painter, &item);
+    const QRect textArea = r.geometry.textRect();
+    QCOMPARE(r.image.pixelColor(textArea.right() - 2, 1), darkBase);
+    QCOMPARE(countColour(r.image, textArea, QColor(0, 0, 255)), 0);
+    const QColor light = QColor::fromHslF(QColor(0, 0, 255).hslHueF(), 1.0, 0.7).toRgb();
+    QVERIFY(countColour(r.image, textArea, QColor(light.red(), light.green(), light.blue())) > 20);
+}
+
 void TestRowPainter::completedStyle()
 {
     auto textArea = [](quint32 flags, quint16 progress) {
@@ -310,9 +329,9 @@ void TestRowPainter::statistics()
     style.showStatistics = true;
     const RowPainter painter(style, fixedPalette());
     std::unique_ptr<Item> parent(itemWithChildren({0, 50, 100}));
-    QCOMPARE(painter.itemText(parent.get(), 0), QStringLiteral("Parent[1,1,1]"));
+    QCOMPARE(painter.itemText(parent.get(), 0), QStringLiteral("Parent [1,1,1]"));
     std::unique_ptr<Item> mixed(itemWithChildren({0, 0, 1, 99, 100, 100, 100}));
-    QCOMPARE(painter.itemText(mixed.get(), 0), QStringLiteral("Parent[2,2,3]"));
+    QCOMPARE(painter.itemText(mixed.get(), 0), QStringLiteral("Parent [2,2,3]"));
     // Not for flat rows.
     QCOMPARE(painter.itemText(parent.get(), RowPainter::Flat), QStringLiteral("Parent"));
     // Off: the name alone.
@@ -376,6 +395,14 @@ void TestRowPainter::dueDateColumn()
     QVERIFY(countColour(a.image, a.geometry.dateRect(), Ink) > 5);
     QCOMPARE(countColour(b.image, b.geometry.dateRect(), Base), painter.dateWidth() * 17);
     QVERIFY(painter.dueDateText(&dated).contains(QLatin1Char('9')));
+    // The year shows for another year only.
+    const int thisYear = QDate::currentDate().year();
+    for (int year : {thisYear, thisYear + 1, thisYear - 1}) {
+        due.year = quint16(year);
+        dated.setDueDate(due);
+        const QString yy = QString::number(year % 100).rightJustified(2, QLatin1Char('0'));
+        QCOMPARE(painter.dueDateText(&dated).endsWith(yy), year != thisYear);
+    }
     // A month of 0 is no date, whatever the other fields hold.
     due.month = 0;
     dated.setDueDate(due);

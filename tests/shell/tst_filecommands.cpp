@@ -4,7 +4,6 @@
 #include "notes/notetext.h"
 #include "notes/rtfreader.h"
 #include "notes/rtfwriter.h"
-#include "shell/commands/dialogcommands.h"
 #include "shell/dialogs/convertnotesdialog.h"
 #include "storage/password.h"
 
@@ -207,7 +206,15 @@ void TestFileCommands::helpOpensTheContents()
     QAction *help = f.window->findChild<QAction *>(QStringLiteral("actionHelp"));
     QVERIFY(help);
     QCOMPARE(help->shortcut(), QKeySequence(Qt::Key_F1));
+    // Without a browser the person is told where the page is.
+    f.prompts.urlsOpen = false;
     help->trigger();
+    QCOMPARE(f.shownTexts().size(), 1);
+    QVERIFY(f.shownTexts().first().contains(QStringLiteral("Quillbox.htm")));
+    f.prompts.urlsOpen = true;
+    f.prompts.opened.clear();
+    help->trigger();
+    QCOMPARE(f.shownTexts().size(), 1);
     QCOMPARE(f.prompts.opened.size(), 1);
     const QUrl url = f.prompts.opened[0];
     QCOMPARE(url.fragment(), QStringLiteral("Main_Contents"));

@@ -178,6 +178,9 @@ void TestFindDialog::chosenResultBecomesCurrent()
         QCOMPARE(d->findChild<QTreeWidget *>()->headerItem()->text(0), QStringLiteral("Search Results"));
         screenshot(d, QStringLiteral("search-results"));
         auto *list = child<QTreeWidget>(d, "resultList");
+        // Each result says where it lies.
+        QCOMPARE(list->topLevelItem(0)->text(1), QString());
+        QCOMPARE(list->topLevelItem(1)->text(1), QStringLiteral("Xabcx"));
         list->setFocus();
         QTest::keyClick(list, Qt::Key_Down);
         QTest::keyClick(list, Qt::Key_Return);

@@ -14,6 +14,10 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDialog>
+#include <QDir>
+#include <QImage>
+#include <QPalette>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -69,8 +73,14 @@ private Q_SLOTS:
     void saveOnDeactivation();
     void handOverFromASecondInstance();
     void secondProcessHandsOverAndExits();
+    void openAndRecentDocuments();
     void menusFollowTheState();
-    void ctrlAOpensTheAboutBox();
+    void ctrlASelectsAllInTextAndIsAboutElsewhere();
+    void onlyAChangeIsWritten();
+    void treeKeys();
+    void followsTheFile();
+    void rowsFollowThePalette_data();
+    void rowsFollowThePalette();
 
 private:
     MainWindow *makeWindow();
@@ -227,14 +237,33 @@ void TestMainWindow::saveFailureKeepsTheDocumentOpen()
 {
     MainWindow *w = makeWindow();
     w->start(docPath(QStringLiteral("Alpha.qbx")));
-    w->view()->document()->path = docPath(QStringLiteral("no-such-folder/Alpha.qbx"));
+    const QString gone = docPath(QStringLiteral("no-such-folder/Alpha.qbx"));
+    w->view()->document()->path = gone;
     run(w, "actionSave");
     QCOMPARE(m_prompts->shown.size(), 1);
     QCOMPARE(m_prompts->shown.first().icon, Prompts::Icon::Stop);
-    QCOMPARE(m_prompts->shown.first().text, QString::fromLatin1(Messages::SaveFailed));
-    // Closing cannot lose the document either: it stays open.
+    QVERIFY(m_prompts->shown.first().text.contains(QDir::toNativeSeparators(gone)));
+
+    // Closing asks: no Save As and no Discard keeps the document open.
+    m_prompts->yesNo = {false, false};
     run(w, "actionCloseDocument");
     QVERIFY(w->view());
+    // Save As writes it elsewhere and closes it.
+    const QString elsewhere = docPath(QStringLiteral("Elsewhere.qbx"));
+    m_prompts->yesNo = {true};
+    m_prompts->fileNames = {elsewhere};
+    run(w, "actionCloseDocument");
+    QVERIFY(!w->view());
+    QCOMPARE(namesOnDisk(elsewhere), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    QCOMPARE(w->recentDocuments().first(), elsewhere);
+
+    // Discard lets it go without writing: quitting is always possible.
+    QVERIFY(w->openDocument(elsewhere));
+    w->view()->document()->path = gone;
+    m_prompts->yesNo = {false, true};
+    run(w, "actionCloseDocument");
+    QVERIFY(!w->view());
+    QVERIFY(!QFileInfo::exists(gone));
 }
 
 void TestMainWindow::saveOnDeactivation()
@@ -317,6 +346,12 @@ void TestMainWindow::handOverFromASecondInstance()
     QTRY_COMPARE(raised.count(), 1);
     QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
 
+    // A path that does not open leaves the open document open.
+    m_prompts->shown.clear();
+    w->handOver(docPath(QStringLiteral("missing.qbx")));
+    QCOMPARE(m_prompts->shown.size(), 1);
+    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
+
     // Nobody listening: the start goes on as the first instance.
     QVERIFY(!SingleInstance(name + QStringLiteral("-none")).handOver(QStringLiteral("x"), 500));
 }
@@ -347,6 +382,36 @@ void TestMainWindow::secondProcessHandsOverAndExits()
     QCOMPARE(received.first().first().toString(), docPath(QStringLiteral("Beta.qbx")));
 }
 
+void TestMainWindow::openAndRecentDocuments()
+{
+    MainWindow *w = makeWindow();
+    w->start(QString());
+    QStringList titles;
+    for (QAction *action : w->menuBar()->actions())
+        titles.append(action->text());
+    QVERIFY(titles.contains(QStringLiteral("&File")) && titles.contains(QStringLiteral("&Help")));
+
+    const QString alpha = docPath(QStringLiteral("Alpha.qbx"));
+    const QString beta = docPath(QStringLiteral("Beta.qbx"));
+    m_prompts->fileNames = {beta};
+    QVERIFY(run(w, "actionOpen"));
+    QCOMPARE(w->view()->document()->path, beta);
+    QVERIFY(w->openDocument(alpha));
+    QCOMPARE(w->recentDocuments(), QStringList({alpha, beta}));
+    auto *recent = w->menuBar()->findChild<QMenu *>(QStringLiteral("menuOpenRecent"));
+    QVERIFY(recent);
+    Q_EMIT recent->aboutToShow();
+    QCOMPARE(recent->actions().size(), 2);
+    QCOMPARE(recent->actions().at(1)->text(), QStringLiteral("&2 Beta.qbx"));
+    recent->actions().at(1)->trigger();
+    QCOMPARE(w->view()->document()->path, beta);
+    QCOMPARE(w->recentDocuments(), QStringList({beta, alpha}));
+    for (int i = 0; i < 12; ++i)
+        w->addRecent(docPath(QStringLiteral("n%1.qbx").arg(i)));
+    QCOMPARE(w->recentDocuments().size(), 10);
+    QCOMPARE(w->recentDocuments().first(), docPath(QStringLiteral("n11.qbx")));
+}
+
 void TestMainWindow::menusFollowTheState()
 {
     MainWindow *w = makeWindow();
@@ -375,7 +440,7 @@ void TestMainWindow::menusFollowTheState()
     QVERIFY(command(w, "actionShowStatistics")->isChecked());
 }
 
-void TestMainWindow::ctrlAOpensTheAboutBox()
+void TestMainWindow::ctrlASelectsAllInTextAndIsAboutElsewhere()
 {
     MainWindow *w = makeWindow();
     w->start(docPath(QStringLiteral("Alpha.qbx")));
@@ -386,14 +451,180 @@ void TestMainWindow::ctrlAOpensTheAboutBox()
     editor->setFocus();
     QTest::keyClicks(editor, QStringLiteral("text"));
     QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(m_prompts->aboutShown, 0);
+    QCOMPARE(editor->textCursor().selectedText(), QStringLiteral("text"));
+    QLineEdit *entry = w->view()->quickEntryBar()->textBox()->lineEdit();
+    entry->setFocus();
+    QTest::keyClicks(entry, QStringLiteral("abc"));
+    QTest::keyClick(entry, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(entry->selectedText(), QStringLiteral("abc"));
+    QCOMPARE(m_prompts->aboutShown, 0);
+    w->view()->treePane()->setFocus();
+    QTest::keyClick(w->view()->treePane(), Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(m_prompts->aboutShown, 1);
-    QVERIFY(!editor->textCursor().hasSelection());
-    QTest::keyClick(w->view()->treePane(), Qt::Key_S, Qt::ControlModifier);
-    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))),
-             QStringList({QStringLiteral("one"), QStringLiteral("two")}));
-    QByteArray note;
-    namesOnDisk(docPath(QStringLiteral("Alpha.qbx")), &note);
-    QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("text"));
+}
+
+void TestMainWindow::onlyAChangeIsWritten()
+{
+    MainWindow *w = makeWindow();
+    const QString path = docPath(QStringLiteral("Alpha.qbx"));
+    w->start(path);
+    w->setAutosaveDelay(50);
+    const QDateTime old = QDateTime::currentDateTime().addDays(-3);
+    auto age = [&path, &old] {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(old, QFileDevice::FileModificationTime));
+    };
+    age();
+    // Switching away with nothing changed leaves the file alone.
+    w->saveOnDeactivation();
+    QCOMPARE(QFileInfo(path).lastModified(), old);
+    QCOMPARE(w->windowTitle(), QStringLiteral("Alpha - Quillbox"));
+
+    // A change is marked in the title and written a moment later.
+    w->view()->treePane()->setCurrentRow(1);
+    QVERIFY(run(w, "actionMoveDown"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("*Alpha - Quillbox"));
+    QTRY_COMPARE(namesOnDisk(path), QStringList({QStringLiteral("two"), QStringLiteral("one")}));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Alpha - Quillbox"));
+
+    // Without the autosave it waits for a save.
+    QVERIFY(run(w, "actionAutosave"));
+    QVERIFY(!w->isAutosaveOn());
+    age();
+    QVERIFY(run(w, "actionMoveUp"));
+    QTest::qWait(200);
+    QCOMPARE(QFileInfo(path).lastModified(), old);
+    w->saveOnDeactivation();
+    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+}
+
+void TestMainWindow::treeKeys()
+{
+    MainWindow *w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    w->setAutosaveOn(false);
+    QApplication::setActiveWindow(w);
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    TreePane *tree = w->view()->treePane();
+    Document *doc = w->view()->document();
+    tree->setFocus();
+    auto names = [doc] {
+        QStringList out;
+        doc->root()->forEachDescendant([&](Item *item) {
+            out.append(QString(item->level() > 1 ? "." : "") + item->name());
+        });
+        return out;
+    };
+    w->view()->refresh(doc->root()->child(1));
+    QTest::keyClick(tree, Qt::Key_Tab);
+    QCOMPARE(names(), QStringList({"one", ".two"}));
+    QTest::keyClick(tree, Qt::Key_Backtab, Qt::ShiftModifier);
+    QCOMPARE(names(), QStringList({"one", "two"}));
+    QTest::keyClick(tree, Qt::Key_Up, Qt::ControlModifier);
+    QCOMPARE(names(), QStringList({"two", "one"}));
+    QTest::keyClick(tree, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(names(), QStringList({"one", "two"}));
+
+    // Insert adds a child and names it in place; Enter in the editor ends
+    // the rename and adds nothing.
+    QTest::keyClick(tree, Qt::Key_Insert);
+    QWidget *editor = QApplication::focusWidget();
+    QVERIFY(qobject_cast<QLineEdit *>(editor));
+    QTest::keyClicks(editor, QStringLiteral("kid"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCOMPARE(names(), QStringList({"one", "two", ".kid"}));
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_Return);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("next"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QCOMPARE(names(), QStringList({"one", "two", ".kid", ".next"}));
+    QVERIFY(w->windowTitle().startsWith(QLatin1Char('*')));
+}
+
+void TestMainWindow::followsTheFile()
+{
+    MainWindow *w = makeWindow();
+    const QString path = docPath(QStringLiteral("Alpha.qbx"));
+    w->start(path);
+    w->setAutosaveOn(false);
+    auto shownNames = [w] {
+        QStringList out;
+        w->view()->document()->root()->forEachDescendant([&](Item *item) { out.append(item->name()); });
+        return out;
+    };
+    // Our own save is no change from outside.
+    w->view()->insertNewItem(new Item(QStringLiteral("three")), InsertPosition::Top);
+    QVERIFY(run(w, "actionSave"));
+    QTest::qWait(600);
+    QVERIFY(m_prompts->shown.isEmpty());
+
+    // Unchanged here: another program's version is shown.
+    QTest::qWait(20);
+    writeDocument(path, {QStringLiteral("theirs")});
+    QTRY_COMPARE(shownNames(), QStringList({QStringLiteral("theirs")}));
+    QVERIFY(m_prompts->shown.isEmpty());
+
+    // Changed here: keeping ours writes it, theirs stays beside it.
+    w->view()->insertNewItem(new Item(QStringLiteral("mine")), InsertPosition::Top);
+    m_prompts->yesNo = {false};
+    QTest::qWait(20);
+    writeDocument(path, {QStringLiteral("theirs again")});
+    QTRY_COMPARE(m_prompts->shown.size(), 1);
+    QCOMPARE(shownNames(), QStringList({QStringLiteral("theirs"), QStringLiteral("mine")}));
+    QVERIFY(run(w, "actionSave"));
+    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("theirs"), QStringLiteral("mine")}));
+    const QStringList conflicts = QDir(m_dir->path()).entryList({QStringLiteral("Alpha (conflict *).qbx")});
+    QCOMPARE(conflicts.size(), 1);
+    QCOMPARE(namesOnDisk(docPath(conflicts.first())), QStringList({QStringLiteral("theirs again")}));
+}
+
+void TestMainWindow::rowsFollowThePalette_data()
+{
+    QTest::addColumn<QColor>("base");
+    QTest::addColumn<QColor>("text");
+    QTest::newRow("light") << QColor(255, 255, 255) << QColor(0, 0, 0);
+    QTest::newRow("dark") << QColor(0x2a, 0x2a, 0x2e) << QColor(0xee, 0xee, 0xee);
+}
+
+void TestMainWindow::rowsFollowThePalette()
+{
+    QFETCH(QColor, base);
+    QFETCH(QColor, text);
+    MainWindow *w = makeWindow();
+    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    // The desktop switches its colours while the document is open.
+    QPalette palette = w->palette();
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setColor(group, QPalette::Base, base);
+        palette.setColor(group, QPalette::AlternateBase, base);
+        palette.setColor(group, QPalette::Window, base.darker(110));
+        palette.setColor(group, QPalette::Text, text);
+        palette.setColor(group, QPalette::WindowText, text);
+    }
+    w->setPalette(palette);
+    TreePane *tree = w->view()->treePane();
+    tree->setCurrentRow(0);
+    QTest::qWait(50);
+    const QImage image = tree->viewport()->grab().toImage();
+    if (!qEnvironmentVariableIsEmpty("QUILLBOX_SCREENSHOTS"))
+        w->grab().save(QDir(qEnvironmentVariable("QUILLBOX_SCREENSHOTS"))
+                           .filePath(QStringLiteral("window-%1.png").arg(QTest::currentDataTag())));
+    const qreal dpr = image.devicePixelRatio();
+    // An unselected item's row: its text is in the palette's ink on its base.
+    const QRect textRect = tree->rowGeometry(2).textRect();
+    int ink = 0;
+    int background = 0;
+    for (int y = textRect.top(); y <= textRect.bottom(); ++y) {
+        for (int x = textRect.left(); x <= textRect.right(); ++x) {
+            const QColor c = image.pixelColor(int(x * dpr), int(y * dpr));
+            ink += c == text;
+            background += c == base;
+        }
+    }
+    QVERIFY2(ink > 5, qPrintable(QString::number(ink)));
+    QVERIFY(background > textRect.width() * textRect.height() / 2);
 }
 
 QTEST_MAIN(TestMainWindow)

@@ -145,5 +145,5 @@ bool ScriptedPrompts::openUrl(const QUrl &url)
     opened.append(url);
     if (whenOpened)
         whenOpened(url);
-    return true;
+    return urlsOpen;
 }

@@ -62,6 +62,8 @@ public:
     /// Called with each URL handed to openUrl: stands for the application
     /// that the desktop would start (a word processor editing a file).
     std::function<void(const QUrl &)> whenOpened;
+    /// False plays a desktop with no browser: openUrl fails.
+    bool urlsOpen = true;
     /// Every named action of the last popup menu and its submenus; an entry
     /// of a greyed submenu counts as greyed.
     QHash<QString, ActionState> lastMenu;

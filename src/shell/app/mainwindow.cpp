@@ -1,6 +1,7 @@
 #include "shell/app/mainwindow.h"
 
 #include "model/document.h"
+#include "model/item.h"
 #include "noteeditor/notepane.h"
 #include "platform/messages.h"
 #include "shell/commands/exchangecommands.h"
@@ -25,6 +26,16 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QFileSystemWatcher>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+#include <QTimer>
 #include <QLabel>
 #include <QLocale>
 #include <QMenuBar>
@@ -39,6 +50,34 @@
 #include <QVBoxLayout>
 
 namespace {
+
+constexpr int MaxRecent = 10;
+const QString RecentKey = QStringLiteral("Desktop/RecentDocuments");
+const QString AutosaveKey = QStringLiteral("Desktop/Autosave");
+const QString GeometryKey = QStringLiteral("Desktop/Geometry");
+
+/// A widget where typing goes: its own editing keys (Ctrl+A selects all)
+/// win over the window's shortcuts.
+bool takesText(const QWidget *widget)
+{
+    if (const auto *line = qobject_cast<const QLineEdit *>(widget))
+        return !line->isReadOnly();
+    if (qobject_cast<const QTextEdit *>(widget) || qobject_cast<const QPlainTextEdit *>(widget))
+        return true;
+    if (qobject_cast<const QAbstractSpinBox *>(widget))
+        return true;
+    if (const auto *combo = qobject_cast<const QComboBox *>(widget))
+        return combo->isEditable();
+    return false;
+}
+
+/// Where another program's version of path is kept after a conflict.
+QString conflictCopyPath(const QString &path)
+{
+    const QFileInfo info(path);
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HHmmss"));
+    return info.dir().filePath(QStringLiteral("%1 (conflict %2).%3").arg(info.completeBaseName(), stamp, info.suffix()));
+}
 
 QIcon moveMenuIcon()
 {
@@ -116,10 +155,40 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
     // it.
     for (CommandGroup *group : std::as_const(m_groups))
         addActions(group->actions());
+    m_autosave = new QTimer(this);
+    m_autosave->setSingleShot(true);
+    m_autosave->setInterval(3000);
+    connect(m_autosave, &QTimer::timeout, this, &MainWindow::autosave);
+    m_watcher = new QFileSystemWatcher(this);
+    m_watchDelay = new QTimer(this);
+    m_watchDelay->setSingleShot(true);
+    // A safe save or a sync tool replaces the file in steps: look once it
+    // has settled.
+    m_watchDelay->setInterval(300);
+    connect(m_watcher, &QFileSystemWatcher::fileChanged, m_watchDelay, qOverload<>(&QTimer::start));
+    connect(m_watchDelay, &QTimer::timeout, this, &MainWindow::onFileChanged);
+
+    // F10 opens the menu bar, as on other desktops.
+    auto *menuKey = new QAction(this);
+    menuKey->setObjectName(QStringLiteral("actionMenuBar"));
+    menuKey->setShortcut(QKeySequence(Qt::Key_F10));
+    connect(menuKey, &QAction::triggered, this, [this] {
+        const auto actions = menuBar()->actions();
+        for (QAction *action : actions) {
+            if (action->menu() && action->isVisible()) {
+                menuBar()->setFocus(Qt::ShortcutFocusReason);
+                menuBar()->setActiveAction(action);
+                return;
+            }
+        }
+    });
+    addAction(menuKey);
+
     buildListMenus();
     updateActions();
     qApp->installEventFilter(this);
-    resize(900, 680);
+    setAcceptDrops(true);
+    resize(1180, 720);
     updateTitle();
 }
 
@@ -147,6 +216,7 @@ void MainWindow::start(const QString &commandLinePath)
 {
     WaitCursor wait;
     m_settings.load(*m_store);
+    restoreGeometry(m_store->value(GeometryKey).toByteArray());
     refreshDocumentList();
     updateTitle();
     if (!commandLinePath.isEmpty())
@@ -197,13 +267,104 @@ void MainWindow::clearMenus()
     }
 }
 
+void MainWindow::buildFileMenus(bool viewOpen)
+{
+    QMenu *file = viewOpen ? addMenu(QStringLiteral("&File"), "menuDesktopFile",
+                                     {"actionNewFile", "actionOpen"})
+                           : addMenu(QStringLiteral("&File"), "menuDesktopFile",
+                                     {"actionNewDocument", "actionOpen"});
+    auto *recent = new QMenu(QStringLiteral("Open &Recent"), file);
+    recent->setObjectName(QStringLiteral("menuOpenRecent"));
+    recent->menuAction()->setObjectName(QStringLiteral("actionOpenRecent"));
+    connect(recent, &QMenu::aboutToShow, this, [this, recent] { fillRecentMenu(recent); });
+    fillRecentMenu(recent);
+    file->addMenu(recent);
+    file->addSeparator();
+    if (viewOpen) {
+        for (const char *name : {"actionSave", "actionSaveAs", "actionFileProperties"})
+            file->addAction(command(QString::fromLatin1(name)));
+        file->addMenu(addMenu(QStringLiteral("&Import/Export"), "menuDesktopImportExport",
+                              {"actionImportFile", "actionImportOutline", "", "actionExportView", "actionExportXml",
+                               "actionExportLinks", "actionExportNotes", "", "actionExportItems", "",
+                               "actionExportOpml", "actionExportMarkdown"}));
+        file->addSeparator();
+        file->addAction(command(QStringLiteral("actionCloseDocument")));
+    } else {
+        file->addAction(command(QStringLiteral("actionImportText")));
+    }
+    file->addAction(command(QStringLiteral("actionAutosave")));
+    file->addSeparator();
+    file->addAction(command(QStringLiteral("actionExit")));
+    menuBar()->addMenu(file);
+    if (viewOpen) {
+        // Move and Copy mark the item for a later Paste: the outliner's cut
+        // and copy.
+        QMenu *edit = addMenu(QStringLiteral("&Edit"), "menuEdit",
+                              {"actionMarkMove", "actionMarkCopy", "actionPaste", "actionDeleteItem", "",
+                               "actionRename", "", "actionFindItem"});
+        menuBar()->addMenu(edit);
+    }
+}
+
 void MainWindow::buildListMenus()
 {
     clearMenus();
+    buildFileMenus(false);
     menuBar()->addAction(command(QStringLiteral("actionNewDocument")));
     menuBar()->addMenu(
-        addMenu(QStringLiteral("Tools"), "menuTools", {"actionRefresh", "", "actionImportText", "", "actionAbout"}));
+        addMenu(QStringLiteral("&Tools"), "menuTools", {"actionRefresh", "", "actionImportText", "", "actionAbout"}));
+    menuBar()->addMenu(addMenu(QStringLiteral("&Help"), "menuHelp", {"actionHelp", "", "actionAbout"}));
     m_toolBar->hide();
+}
+
+void MainWindow::fillRecentMenu(QMenu *menu)
+{
+    menu->clear();
+    const QStringList recent = recentDocuments();
+    int number = 0;
+    for (const QString &path : recent) {
+        ++number;
+        const QString label = QStringLiteral("&%1 %2").arg(number % 10).arg(QFileInfo(path).fileName());
+        QAction *entry = menu->addAction(label, this, [this, path] { openDocument(path); });
+        entry->setToolTip(QDir::toNativeSeparators(path));
+        entry->setData(path);
+    }
+    menu->menuAction()->setEnabled(!recent.isEmpty());
+}
+
+QStringList MainWindow::recentDocuments() const
+{
+    return m_store->value(RecentKey).toStringList();
+}
+
+void MainWindow::addRecent(const QString &path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    QStringList recent = recentDocuments();
+    recent.removeAll(absolute);
+    recent.prepend(absolute);
+    while (recent.size() > MaxRecent)
+        recent.removeLast();
+    m_store->setValue(RecentKey, recent);
+    m_store->sync();
+}
+
+bool MainWindow::isAutosaveOn() const
+{
+    return m_store->value(AutosaveKey, true).toBool();
+}
+
+void MainWindow::setAutosaveOn(bool on)
+{
+    m_store->setValue(AutosaveKey, on);
+    m_store->sync();
+    if (!on)
+        m_autosave->stop();
+}
+
+void MainWindow::setAutosaveDelay(int milliseconds)
+{
+    m_autosave->setInterval(milliseconds);
 }
 
 QMenu *MainWindow::buildMoveMenu(QWidget *parent)
@@ -226,10 +387,11 @@ QMenu *MainWindow::buildMoveMenu(QWidget *parent)
 void MainWindow::buildViewMenus()
 {
     clearMenus();
+    buildFileMenus(true);
     menuBar()->addAction(command(QStringLiteral("actionNew")));
 
     QMenu *view = addMenu(
-        QStringLiteral("View"), "menuView",
+        QStringLiteral("&View"), "menuView",
         {"actionDefaultView", "actionByCategory", "actionByDueDate", "actionByPriority", "", "actionHideCompleted"});
     QMenu *hide = addMenu(QStringLiteral("Hide By Status"), "menuHideByStatus",
                           {"actionHideNoStatus", "actionHideCheckBox", "actionHideProgressBar"});
@@ -244,7 +406,7 @@ void MainWindow::buildViewMenus()
     view->addAction(command(QStringLiteral("actionCollapseAll")));
     menuBar()->addMenu(view);
 
-    QMenu *tools = addMenu(QStringLiteral("Tools"), "menuTools",
+    QMenu *tools = addMenu(QStringLiteral("&Tools"), "menuTools",
                            {"actionFindItem", "actionFindResult", "", "actionSetPassword", "actionSave"});
     tools->addMenu(addMenu(QStringLiteral("File"), "menuFile",
                            {"actionFileProperties", "actionConvertNotes", "", "actionSaveAs"}));
@@ -259,6 +421,7 @@ void MainWindow::buildViewMenus()
     tools->addAction(command(QStringLiteral("actionAbout")));
     menuBar()->addMenu(tools);
     menuBar()->addMenu(buildMoveMenu(menuBar()));
+    menuBar()->addMenu(addMenu(QStringLiteral("&Help"), "menuHelp", {"actionHelp", "", "actionAbout"}));
 
     m_toolBar->clear();
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -287,6 +450,9 @@ void MainWindow::updateActions()
 void MainWindow::refreshDocumentList()
 {
     const QString folder = documentsFolder();
+    // A new account has no documents folder yet: make it, so that what is
+    // created there shows in the list.
+    QDir().mkpath(folder);
     if (auto *heading = m_listPage->findChild<QLabel *>(QStringLiteral("documentListHeading")))
         heading->setText(QStringLiteral("Documents in %1").arg(QDir::toNativeSeparators(folder)));
     m_list->clear();
@@ -321,29 +487,83 @@ void MainWindow::onListActivated()
 void MainWindow::showView(DocumentView *view)
 {
     m_view = view;
+    m_conflict = false;
     m_stack->addWidget(view);
     m_stack->setCurrentWidget(view);
     view->setQuickEntryVisible(m_settings.testFlag(Settings::QuickEntryBar));
     connect(view, &DocumentView::stateChanged, this, &MainWindow::updateActions);
     connect(view, &DocumentView::settingsChanged, this, &MainWindow::saveSettings);
+    connect(view, &DocumentView::documentChanged, this, [this] {
+        if (isAutosaveOn() && !m_readOnly)
+            m_autosave->start();
+        updateTitle();
+    });
     // The item commands live and go with the view.
     m_items = new ItemCommands(view, this, m_templates, view);
     addActions(m_items->actions());
     addActions((new ReminderCommands(view, this))->actions());
+    const struct {
+        const char *name;
+        QKeySequence key;
+    } editKeys[] = {{"actionMarkMove", QKeySequence::Cut},
+                    {"actionMarkCopy", QKeySequence::Copy},
+                    {"actionPaste", QKeySequence::Paste}};
+    for (const auto &entry : editKeys) {
+        if (QAction *action = m_items->action(QString::fromLatin1(entry.name)); action && action->shortcut().isEmpty())
+            action->setShortcut(entry.key);
+    }
+    view->treePane()->setAccessibleName(QStringLiteral("Items"));
+    view->notePane()->setAccessibleName(QStringLiteral("Note"));
+    addTreeKeys();
     m_templates->viewOpened();
     buildViewMenus();
     updateActions();
     updateTitle();
+    watch(view->document()->path);
     view->treePane()->setFocus();
+}
+
+void MainWindow::addTreeKeys()
+{
+    // Outliner keys while the tree has the focus (a rename's editor keeps
+    // its own Enter and Tab).
+    TreePane *tree = m_view->treePane();
+    auto bind = [this, tree](const char *name, QList<QKeySequence> keys, std::function<void()> run) {
+        auto *action = new QAction(tree);
+        action->setObjectName(QString::fromLatin1(name));
+        action->setShortcuts(keys);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        connect(action, &QAction::triggered, this, run);
+        tree->addAction(action);
+    };
+    auto trigger = [this](const char *name) {
+        return [this, name] {
+            updateActions();
+            if (QAction *action = command(QString::fromLatin1(name)); action && action->isEnabled())
+                action->trigger();
+        };
+    };
+    auto insert = [this](InsertPosition position) {
+        return [this, position] {
+            if (!m_view || m_readOnly)
+                return;
+            m_view->insertNewItem(new Item(QString()), position);
+            m_view->treePane()->startRename();
+        };
+    };
+    bind("keyNewBelow", {QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)}, insert(InsertPosition::Same));
+    bind("keyNewChild", {QKeySequence(Qt::Key_Insert)}, insert(InsertPosition::Child));
+    bind("keyDownALevel", {QKeySequence(Qt::Key_Tab)}, trigger("actionDownALevel"));
+    bind("keyUpALevel", {QKeySequence(Qt::SHIFT | Qt::Key_Backtab), QKeySequence(Qt::Key_Backtab)},
+         trigger("actionUpALevel"));
+    bind("keyMoveUp", {QKeySequence(Qt::CTRL | Qt::Key_Up)}, trigger("actionMoveUp"));
+    bind("keyMoveDown", {QKeySequence(Qt::CTRL | Qt::Key_Down)}, trigger("actionMoveDown"));
 }
 
 bool MainWindow::openDocument(const QString &path)
 {
-    if (m_view) {
-        closeDocument();
-        if (m_view) // it could not be saved: it stays open
-            return false;
-    }
+    // The other document is read first: one that fails to open leaves the
+    // open one as it is.
     auto document = std::make_unique<Document>();
     DocumentFile::LoadResult result = DocumentFile::Damaged;
     {
@@ -361,12 +581,20 @@ bool MainWindow::openDocument(const QString &path)
         if (!accepted)
             return false;
     }
+    if (m_view) {
+        closeDocument();
+        if (m_view) // it could not be saved: it stays open
+            return false;
+    }
+    m_readOnly = !QFileInfo(path).isWritable();
+    addRecent(path);
     showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
     return true;
 }
 
 bool MainWindow::createDocument()
 {
+    QDir().mkpath(documentsFolder());
     const QString suggested = QDir(documentsFolder()).filePath(QStringLiteral("Untitled.qbx"));
     QString path =
         m_prompts->saveFileName(this, QStringLiteral("New"), suggested, QString::fromLatin1(Messages::FileFilter));
@@ -377,6 +605,11 @@ bool MainWindow::createDocument()
     const int noteType = m_prompts->askNoteType(this);
     if (noteType < 0)
         return false;
+    if (m_view) {
+        closeDocument();
+        if (m_view)
+            return false;
+    }
     auto document = std::make_unique<Document>();
     document->noteType = quint16(noteType);
     document->path = QFileInfo(path).absoluteFilePath();
@@ -388,9 +621,13 @@ bool MainWindow::createDocument()
         saved = DocumentFile::save(*document, QString(), &error);
     }
     if (!saved) {
-        m_prompts->message(this, Prompts::Icon::Stop, Prompts::withReason(Messages::SaveFailed, error));
+        m_prompts->message(this, Prompts::Icon::Stop,
+                           Prompts::withReason(Messages::SaveFailed, QStringLiteral("%1: %2").arg(
+                                                                         QDir::toNativeSeparators(path), error)));
         return false;
     }
+    m_readOnly = false;
+    addRecent(path);
     showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
     return true;
 }
@@ -409,6 +646,9 @@ void MainWindow::closeDocument()
         return;
     const QString path = m_view->document()->path;
     m_settings.setFlag(Settings::QuickEntryBar, m_view->isQuickEntryVisible());
+    m_autosave->stop();
+    if (!m_watcher->files().isEmpty())
+        m_watcher->removePaths(m_watcher->files());
     DocumentView *view = m_view;
     m_view = nullptr;
     m_stack->setCurrentWidget(m_listPage);
@@ -433,7 +673,8 @@ void MainWindow::handOver(const QString &path)
 {
     // Closing saves the open document first; a document that cannot be
     // saved stays open and the other path is not opened.
-    openDocument(path);
+    if (!path.isEmpty())
+        openDocument(path);
     bringForward();
 }
 
@@ -447,18 +688,198 @@ void MainWindow::bringForward()
 
 void MainWindow::saveOnDeactivation()
 {
-    if (!m_view)
+    if (!m_view || !m_view->isModified() || m_readOnly)
         return;
     saveView();
 }
 
+void MainWindow::autosave()
+{
+    if (!m_view || !m_view->isModified() || m_readOnly || !isAutosaveOn())
+        return;
+    // A failure is not shown every few seconds: the status bar says it, and
+    // the next Save or the close asks what to do.
+    QString error;
+    const bool written = writeView(QString(), &error);
+    updateTitle();
+    if (!written)
+        statusBar()->showMessage(QStringLiteral("Autosave failed: %1").arg(error));
+}
+
+void MainWindow::quitOnSignal()
+{
+    if (m_view) {
+        QString error;
+        if (m_view->isModified() && !m_readOnly && !writeView(QString(), &error))
+            qWarning("quillbox: %s not saved: %s", qPrintable(m_view->document()->path), qPrintable(error));
+        m_settings.defFile = m_view->document()->path;
+    }
+    m_store->setValue(GeometryKey, saveGeometry());
+    saveSettings();
+    qApp->quit();
+}
+
+bool MainWindow::writeView(const QString &path, QString *error)
+{
+    const QString target = path.isEmpty() ? m_view->document()->path : path;
+    if (m_conflict && path.isEmpty() && QFileInfo::exists(target)) {
+        // Ours is written; theirs stays beside it, as sync tools keep both.
+        if (!QFile::copy(target, conflictCopyPath(target))) {
+            if (error)
+                *error = QStringLiteral("the other version of %1 could not be kept").arg(target);
+            return false;
+        }
+    }
+    m_autosave->stop();
+    if (!m_view->save(path, error))
+        return false;
+    m_conflict = false;
+    if (!path.isEmpty()) {
+        m_readOnly = false;
+        addRecent(path);
+        watch(path);
+    }
+    rememberFingerprint();
+    return true;
+}
+
 bool MainWindow::saveView()
 {
-    QString error;
-    if (m_view->save(QString(), &error))
+    if (!m_view->isModified() && QFileInfo::exists(m_view->document()->path))
         return true;
-    m_prompts->message(this, Prompts::Icon::Stop, Prompts::withReason(Messages::SaveFailed, error));
+    QString reason;
+    if (!m_readOnly && writeView(QString(), &reason))
+        return true;
+    const QString file = QDir::toNativeSeparators(m_view->document()->path);
+    if (m_readOnly)
+        reason = QStringLiteral("the file is read-only");
+    m_prompts->message(this, Prompts::Icon::Stop,
+                       Prompts::withReason(Messages::SaveFailed, QStringLiteral("%1: %2").arg(file, reason)));
+    if (m_prompts->askYesNo(this, QStringLiteral("Save %1 under another name?").arg(file)) && saveDocumentAs())
+        return true;
+    return m_prompts->askWarningYesNo(this, QStringLiteral("Discard the changes to %1?").arg(file));
+}
+
+bool MainWindow::saveDocument()
+{
+    if (!m_view)
+        return false;
+    if (m_readOnly)
+        return saveDocumentAs();
+    QString reason;
+    if (writeView(QString(), &reason))
+        return true;
+    m_prompts->message(this, Prompts::Icon::Stop,
+                       Prompts::withReason(Messages::SaveFailed,
+                                           QStringLiteral("%1: %2").arg(
+                                               QDir::toNativeSeparators(m_view->document()->path), reason)));
     return false;
+}
+
+bool MainWindow::saveDocumentAs()
+{
+    if (!m_view)
+        return false;
+    const QString path = m_prompts->saveFileName(this, QStringLiteral("Save As"), m_view->document()->path,
+                                                 QString::fromLatin1(Messages::FileFilter));
+    if (path.isEmpty())
+        return false;
+    QString reason;
+    if (writeView(QFileInfo(path).absoluteFilePath(), &reason)) {
+        updateTitle();
+        return true;
+    }
+    m_prompts->message(this, Prompts::Icon::Stop,
+                       Prompts::withReason(Messages::SaveFailed,
+                                           QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reason)));
+    return false;
+}
+
+// ---- following the file
+
+void MainWindow::watch(const QString &path)
+{
+    if (!m_watcher->files().isEmpty())
+        m_watcher->removePaths(m_watcher->files());
+    if (QFileInfo::exists(path))
+        m_watcher->addPath(path);
+    rememberFingerprint();
+}
+
+void MainWindow::rememberFingerprint()
+{
+    if (!m_view)
+        return;
+    const QFileInfo info(m_view->document()->path);
+    m_fileSize = info.exists() ? info.size() : -1;
+    m_fileTime = info.exists() ? info.lastModified() : QDateTime();
+    // A save that replaced the file ends the watch on the old one.
+    if (info.exists() && !m_watcher->files().contains(info.filePath()))
+        m_watcher->addPath(info.filePath());
+}
+
+void MainWindow::onFileChanged()
+{
+    if (!m_view)
+        return;
+    const QString path = m_view->document()->path;
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        if (m_fileSize < 0)
+            return;
+        m_fileSize = -1;
+        statusBar()->showMessage(QStringLiteral("%1 was deleted; the next save writes it again.")
+                                     .arg(QDir::toNativeSeparators(path)));
+        m_view->markChanged();
+        return;
+    }
+    if (!m_watcher->files().contains(path))
+        m_watcher->addPath(path);
+    if (info.size() == m_fileSize && info.lastModified() == m_fileTime)
+        return; // our own save
+    if (!m_view->isModified()) {
+        reloadDocument();
+        return;
+    }
+    if (m_prompts->askYesNo(this, QStringLiteral("%1 was changed by another program. Reload it and drop your "
+                                                 "changes? (No keeps yours, and the other version is kept beside "
+                                                 "it when you save.)")
+                                      .arg(QDir::toNativeSeparators(path)))) {
+        reloadDocument();
+        return;
+    }
+    m_conflict = true;
+    m_fileSize = info.size();
+    m_fileTime = info.lastModified();
+}
+
+void MainWindow::reloadDocument()
+{
+    auto document = std::make_unique<Document>();
+    const QString path = m_view->document()->path;
+    if (DocumentFile::load(path, document.get()) != DocumentFile::Loaded)
+        return; // half written: the next change of the file tries again
+    if (!document->passwordHash.isEmpty() && document->passwordHash != m_view->document()->passwordHash)
+        return; // a new password is asked for at the next open, not now
+    // The current item is found again by its place among its siblings.
+    QList<int> place;
+    for (const TreeNode *n = m_view->treePane()->currentNode(); n && n->parent(); n = n->parent())
+        place.prepend(n->parent()->indexOf(n));
+    DocumentView *old = m_view;
+    m_stack->removeWidget(old);
+    old->deleteLater();
+    m_view = nullptr;
+    TreeNode *current = document->root();
+    for (int index : std::as_const(place)) {
+        if (index < 0 || index >= current->childCount())
+            break;
+        current = current->child(index);
+    }
+    document->setCurrent(current);
+    showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
+    statusBar()->showMessage(QStringLiteral("Reloaded: %1 was changed by another program.")
+                                 .arg(QDir::toNativeSeparators(path)),
+                             10000);
 }
 
 void MainWindow::updateTitle()
@@ -471,10 +892,44 @@ void MainWindow::updateTitle()
         return;
     }
     const QFileInfo info(m_view->document()->path);
-    setWindowTitle(QStringLiteral("%1 - %2").arg(info.completeBaseName(), caption));
+    const QString readOnly = m_readOnly ? QStringLiteral(" (read-only)") : QString();
+    // A star marks changes not yet written.
+    const QString modified = m_view->isModified() ? QStringLiteral("*") : QString();
+    setWindowTitle(QStringLiteral("%1%2%3 - %4").arg(modified, info.completeBaseName(), readOnly, caption));
     m_status->setText(QStringLiteral("%1    %2 notes")
                           .arg(QDir::toNativeSeparators(info.absoluteFilePath()),
                                Document::noteTypeName(m_view->document()->noteType)));
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    const auto urls = event->mimeData()->urls();
+    for (const QUrl &url : urls) {
+        if (url.isLocalFile() && url.toLocalFile().endsWith(QLatin1String(".qbx"), Qt::CaseInsensitive)) {
+            event->acceptProposedAction();
+            return;
+        }
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    // A document dropped on the window opens; the others join the recent
+    // documents.
+    QStringList paths;
+    const auto urls = event->mimeData()->urls();
+    for (const QUrl &url : urls) {
+        if (url.isLocalFile() && url.toLocalFile().endsWith(QLatin1String(".qbx"), Qt::CaseInsensitive))
+            paths.append(QFileInfo(url.toLocalFile()).absoluteFilePath());
+    }
+    if (paths.isEmpty())
+        return;
+    event->acceptProposedAction();
+    for (qsizetype i = paths.size() - 1; i > 0; --i)
+        addRecent(paths.at(i));
+    // Opened once the drag has ended, not inside it.
+    const QString first = paths.first();
+    QTimer::singleShot(0, this, [this, first] { openDocument(first); });
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
@@ -486,6 +941,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         }
         m_settings.defFile = m_view->document()->path;
     }
+    m_store->setValue(GeometryKey, saveGeometry());
     saveSettings();
     event->accept();
 }
@@ -506,11 +962,13 @@ void MainWindow::changeEvent(QEvent *event)
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    // Ctrl+A opens the about box even where a text box would select all.
+    // Ctrl+A is About in the tree and the window; in a text field it selects
+    // all, as the field itself says.
     if (event->type() == QEvent::ShortcutOverride) {
         auto *key = static_cast<QKeyEvent *>(event);
         auto *widget = qobject_cast<QWidget *>(watched);
-        if (key->key() == Qt::Key_A && key->modifiers() == Qt::ControlModifier && widget && widget->window() == this)
+        if (key->key() == Qt::Key_A && key->modifiers() == Qt::ControlModifier && widget &&
+            widget->window() == this && !takesText(widget))
             return true;
     }
     return QMainWindow::eventFilter(watched, event);

@@ -3,6 +3,7 @@
 #include "shell/commands/commandhost.h"
 #include "storage/settings.h"
 
+#include <QDateTime>
 #include <QMainWindow>
 #include <QPointer>
 #include <functional>
@@ -21,6 +22,8 @@ class QStackedWidget;
 class QTreeWidget;
 class QToolBar;
 class QLabel;
+class QFileSystemWatcher;
+class QTimer;
 
 /// Where the shell keeps things; tests give their own folders and files.
 struct ShellEnvironment {
@@ -62,8 +65,24 @@ public:
     void handOver(const QString &path);
     /// Brings the window forward (a second start without a path).
     void bringForward();
-    /// The deactivation save: commit the selection and the note, then write.
+    /// The deactivation save: commit the selection and the note, then write
+    /// when the document changed since it was last written.
     void saveOnDeactivation();
+    /// SIGTERM, SIGINT, SIGHUP or the session's end: the open document is
+    /// written when it changed, DefFile kept, and the application quits.
+    void quitOnSignal();
+
+    bool saveDocument() override;
+    bool saveDocumentAs() override;
+    QStringList recentDocuments() const override;
+    /// Puts path first among the recent documents (ten are kept).
+    void addRecent(const QString &path);
+    bool isAutosaveOn() const override;
+    void setAutosaveOn(bool on) override;
+    /// The open document was opened from a file it may not write.
+    bool isReadOnly() const { return m_readOnly; }
+    /// The autosave's wait after the last change, in milliseconds.
+    void setAutosaveDelay(int milliseconds);
 
     QWidget *frame() override { return this; }
     DocumentView *view() const override { return m_view; }
@@ -81,6 +100,8 @@ public:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -90,8 +111,21 @@ private:
     void buildViewMenus();
     QMenu *buildMoveMenu(QWidget *parent);
     void showView(DocumentView *view);
-    /// Saves the open document; the failure and its reason are shown.
+    /// Writes the open document when it changed. A failure names the file
+    /// and its reason and offers Save As, then Discard, so that a close
+    /// always ends: true when the document may go.
     bool saveView();
+    /// Writes the open document under path (its own for an empty one), first
+    /// keeping another program's version beside it after a conflict.
+    bool writeView(const QString &path, QString *error);
+    void autosave();
+    void fillRecentMenu(QMenu *menu);
+    void buildFileMenus(bool viewOpen);
+    void addTreeKeys();
+    void watch(const QString &path);
+    void rememberFingerprint();
+    void onFileChanged();
+    void reloadDocument();
     void onListActivated();
     void updateTitle();
 
@@ -110,4 +144,13 @@ private:
     ExchangeCommands *m_exchange = nullptr;
     QList<CommandGroup *> m_groups;
     QPointer<ItemCommands> m_items;
+    QTimer *m_autosave = nullptr;
+    QFileSystemWatcher *m_watcher = nullptr;
+    QTimer *m_watchDelay = nullptr;
+    /// Size and time of the file as this window last wrote or read it.
+    qint64 m_fileSize = -1;
+    QDateTime m_fileTime;
+    /// Another program changed the file and the user kept their version.
+    bool m_conflict = false;
+    bool m_readOnly = false;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 class DocumentView;
 class Prompts;
@@ -23,6 +23,15 @@ public:
     virtual bool openDocument(const QString &path) = 0;
     virtual bool createDocument() = 0;
     virtual void closeDocument() = 0;
+    /// Saves the open document (Save As for a read-only one); a failure is
+    /// shown with its reason. False when nothing was written.
+    virtual bool saveDocument() = 0;
+    /// Saves the open document under another name and follows it there.
+    virtual bool saveDocumentAs() = 0;
+    /// The documents opened last, newest first.
+    virtual QStringList recentDocuments() const = 0;
+    virtual bool isAutosaveOn() const = 0;
+    virtual void setAutosaveOn(bool on) = 0;
     virtual void refreshDocumentList() = 0;
     /// Greys and marks every command for the present state.
     virtual void updateActions() = 0;

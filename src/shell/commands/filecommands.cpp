@@ -15,6 +15,7 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QStyle>
 #include <QUrl>
@@ -29,6 +30,14 @@ FileCommands::FileCommands(CommandHost *host, QObject *parent) : CommandGroup(ho
     add(
         "actionNewDocument", QStringLiteral("New"), [host] { host->createDocument(); }, list)
         ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+    add("actionNewFile", QStringLiteral("&New Document..."), [host] { host->createDocument(); }, open);
+    QAction *openAction = add("actionOpen", QStringLiteral("&Open..."), [this] { openFile(); });
+    openAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
+    openAction->setIcon(
+        QIcon::fromTheme(QStringLiteral("document-open"), style->standardIcon(QStyle::SP_DialogOpenButton)));
+    add(
+        "actionAutosave", QStringLiteral("&Autosave"), [host] { host->setAutosaveOn(!host->isAutosaveOn()); }, {},
+        [host] { return host->isAutosaveOn(); });
     add(
         "actionRefresh", QStringLiteral("Refresh"), [host] { host->refreshDocumentList(); }, list);
     QAction *close = add(
@@ -37,12 +46,12 @@ FileCommands::FileCommands(CommandHost *host, QObject *parent) : CommandGroup(ho
     close->setIconText(QStringLiteral("Documents"));
     close->setToolTip(QStringLiteral("Save and close the document, back to the list of documents"));
     QAction *saveAction = add(
-        "actionSave", QStringLiteral("Save"), [this] { save(); }, open);
+        "actionSave", QStringLiteral("Save"), [host] { host->saveDocument(); }, open);
     saveAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
     saveAction->setIcon(
         QIcon::fromTheme(QStringLiteral("document-save"), style->standardIcon(QStyle::SP_DialogSaveButton)));
     add(
-        "actionSaveAs", QStringLiteral("Save As..."), [this] { saveAs(); }, open);
+        "actionSaveAs", QStringLiteral("Save As..."), [host] { host->saveDocumentAs(); }, open);
     add(
         "actionSetPassword", QStringLiteral("Set Password..."), [this] { setPassword(); }, open);
     add(
@@ -62,30 +71,20 @@ FileCommands::FileCommands(CommandHost *host, QObject *parent) : CommandGroup(ho
     help->setShortcutContext(Qt::ApplicationShortcut);
 }
 
-void FileCommands::save()
+void FileCommands::openFile()
 {
-    QString error;
-    if (!m_host->view()->save(QString(), &error))
-        m_host->prompts()->message(m_host->view(), Prompts::Icon::Stop,
-                                   Prompts::withReason(Messages::SaveFailed, error));
-}
-
-void FileCommands::saveAs()
-{
-    DocumentView *view = m_host->view();
-    const QString path = m_host->prompts()->saveFileName(view, QStringLiteral("Save As"), view->document()->path,
+    const QString path = m_host->prompts()->openFileName(m_host->frame(), QStringLiteral("Open"),
+                                                         m_host->documentsFolder(),
                                                          QString::fromLatin1(Messages::FileFilter));
-    if (path.isEmpty())
-        return;
-    QString error;
-    if (!view->save(path, &error))
-        m_host->prompts()->message(view, Prompts::Icon::Stop, Prompts::withReason(Messages::SaveFailed, error));
+    if (!path.isEmpty())
+        m_host->openDocument(path);
 }
 
 void FileCommands::setPassword()
 {
     PasswordDialog dialog(m_host->view()->document(), m_host->prompts(), m_host->view());
-    m_host->prompts()->runDialog(&dialog);
+    if (m_host->prompts()->runDialog(&dialog) == QDialog::Accepted)
+        m_host->view()->markChanged();
 }
 
 void FileCommands::fileProperties()
@@ -157,9 +156,16 @@ QString FileCommands::helpFile()
 void FileCommands::showHelp()
 {
     const QString file = helpFile();
-    if (file.isEmpty())
+    if (file.isEmpty()) {
+        m_host->prompts()->message(m_host->frame(), Prompts::Icon::Information,
+                                   QStringLiteral("The help page Quillbox.htm is not installed."));
         return;
+    }
     QUrl url = QUrl::fromLocalFile(file);
     url.setFragment(QStringLiteral("Main_Contents"));
-    m_host->prompts()->openUrl(url);
+    if (!m_host->prompts()->openUrl(url))
+        m_host->prompts()->message(
+            m_host->frame(), Prompts::Icon::Information,
+            QStringLiteral("No web browser could be started to show the help. Open %1 in a browser.")
+                .arg(QDir::toNativeSeparators(file)));
 }

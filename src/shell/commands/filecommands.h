@@ -15,8 +15,7 @@ public:
     static QString helpFile();
 
 private:
-    void save();
-    void saveAs();
+    void openFile();
     void setPassword();
     void fileProperties();
     void convertNotes();

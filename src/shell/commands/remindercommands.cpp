@@ -1,6 +1,8 @@
 #include "shell/commands/remindercommands.h"
 
 #include "model/item.h"
+#include "reminders/wakealarm.h"
+#include "shell/widgets/desktopnotification.h"
 #include "shell/commands/commandhost.h"
 #include "shell/document/documentview.h"
 #include "shell/document/remindercontroller.h"

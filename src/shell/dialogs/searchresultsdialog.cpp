@@ -11,6 +11,19 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+QString SearchResultsDialog::placeOf(const Item *item)
+{
+    // The nearest few ancestors say enough, however deep the item lies.
+    constexpr int Shown = 4;
+    QStringList names;
+    const TreeNode *n = item->parent();
+    for (; n && n->parent() && names.size() < Shown; n = n->parent())
+        names.prepend(n->name());
+    if (n && n->parent())
+        names.prepend(QStringLiteral("..."));
+    return names.join(QStringLiteral(" > "));
+}
+
 SearchResultsDialog::SearchResultsDialog(const std::vector<Item *> &items, QWidget *parent)
     : QDialog(parent), m_items(items)
 {
@@ -19,7 +32,7 @@ SearchResultsDialog::SearchResultsDialog(const std::vector<Item *> &items, QWidg
     auto *layout = new QVBoxLayout(this);
     m_list = new QTreeWidget(this);
     m_list->setObjectName(QStringLiteral("resultList"));
-    m_list->setHeaderLabels({QString::fromLatin1(Messages::SearchResults)});
+    m_list->setHeaderLabels({QString::fromLatin1(Messages::SearchResults), QStringLiteral("In")});
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -31,6 +44,8 @@ SearchResultsDialog::SearchResultsDialog(const std::vector<Item *> &items, QWidg
     for (const Item *item : items) {
         auto *row = new QTreeWidgetItem;
         row->setText(0, item->name());
+        // Items of the same name are told apart by where they are.
+        row->setText(1, placeOf(item));
         row->setIcon(0, QIcon(IconSet::instance().icon(item->image(), 16, dpr)));
         rows.append(row);
     }

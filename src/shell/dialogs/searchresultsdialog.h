@@ -17,6 +17,8 @@ public:
     /// The chosen item, or null.
     Item *chosen() const;
     QTreeWidget *list() const { return m_list; }
+    /// Where item lies: its nearest ancestors' names, "A > B".
+    static QString placeOf(const Item *item);
 
 private:
     std::vector<Item *> m_items;

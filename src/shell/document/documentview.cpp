@@ -62,7 +62,14 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     connect(m_tree, &TreePane::statusTapped, this, &DocumentView::onStatusTapped);
     connect(m_tree, &TreePane::dropRequested, this, &DocumentView::onDrop);
     connect(m_tree, &TreePane::renameCommitted, this, &DocumentView::onRename);
-    connect(m_tree, &TreePane::expansionChanged, this, &DocumentView::stateChanged);
+    connect(m_tree, &TreePane::expansionChanged, this, [this] {
+        markChanged();
+        Q_EMIT stateChanged();
+    });
+    connect(m_notes, &NotePane::modificationChanged, this, [this](bool modified) {
+        if (modified)
+            markChanged();
+    });
     connect(m_splitter, &QSplitter::splitterMoved, this, &DocumentView::onSplitterMoved);
     connect(m_quick, &QuickEntryBar::addRequested, this, &DocumentView::onQuickAdd);
 
@@ -186,12 +193,26 @@ void DocumentView::commitEdits()
 bool DocumentView::save(const QString &path, QString *error)
 {
     commitEdits();
+    const quint64 written = m_changes;
     WaitCursor wait;
     if (!DocumentFile::save(*m_document, path, error))
         return false;
     if (!path.isEmpty())
         m_document->path = path;
+    m_savedChanges = written;
+    Q_EMIT stateChanged();
     return true;
+}
+
+void DocumentView::markChanged()
+{
+    ++m_changes;
+    Q_EMIT documentChanged();
+}
+
+bool DocumentView::isModified() const
+{
+    return m_changes != m_savedChanges || m_notes->isModified();
 }
 
 void DocumentView::forgetBranch(const Item *item)
@@ -204,6 +225,7 @@ void DocumentView::forgetBranch(const Item *item)
 
 void DocumentView::setNoteWindowVisible(bool visible)
 {
+    markChanged();
     storeNote();
     m_document->showNoteWindow = visible;
     m_notes->setVisible(visible);
@@ -220,6 +242,7 @@ void DocumentView::setRecordingToolbarVisible(bool visible)
 
 void DocumentView::refresh(TreeNode *select)
 {
+    markChanged();
     int row = m_rows->rebuild(m_tree->currentRow());
     if (select) {
         const int revealed = m_rows->reveal(select);
@@ -234,6 +257,7 @@ void DocumentView::refresh(TreeNode *select)
 
 void DocumentView::expandAll()
 {
+    markChanged();
     WaitCursor wait;
     const TreeNode *keep = currentNode();
     const bool heading = keep == nullptr;
@@ -247,6 +271,7 @@ void DocumentView::expandAll()
 
 void DocumentView::collapseAll()
 {
+    markChanged();
     WaitCursor wait;
     const TreeNode *keep = currentNode();
     m_rows->collapseAll();
@@ -271,6 +296,7 @@ void DocumentView::afterProgressChange(Item *item)
     for (TreeNode *n = item->parent(); n && !rowsMayMove; n = n->parent())
         rowsMayMove = n->sort() == TreeNode::SortPercentComplete;
     if (!rowsMayMove) {
+        markChanged();
         m_tree->viewport()->update();
         Q_EMIT stateChanged();
         return;
@@ -309,6 +335,7 @@ void DocumentView::onQuickAdd(const QString &text, quint16 icon, bool italic, bo
 
 void DocumentView::insertNewItem(Item *item, InsertPosition position)
 {
+    markChanged();
     commitEdits();
     Editing::insertItem(*m_document, item, position);
     // A grouped view files the item under its heading as well.
@@ -319,6 +346,7 @@ void DocumentView::insertNewItem(Item *item, InsertPosition position)
 
 void DocumentView::setViewMode(quint16 mode)
 {
+    markChanged();
     WaitCursor wait;
     const int row = m_rows->setViewMode(mode, currentNode());
     m_tree->rowsChanged(row >= 0 ? row : 0);
@@ -327,6 +355,7 @@ void DocumentView::setViewMode(quint16 mode)
 
 void DocumentView::toggleFilter(VisibilityFilter::Toggle toggle)
 {
+    markChanged();
     const TreeNode *keep = currentNode();
     if (!m_rows->toggle(toggle)) {
         applyRowStyle(); // a display option: only the rows' look changes

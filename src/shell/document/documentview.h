@@ -34,6 +34,12 @@ public:
     QWidget *hostWidget() override { return this; }
     bool isBranchView() const override { return false; }
     void changed(TreeNode *select) override { refresh(select); }
+    /// Counts an edit of the document: the autosave and the title follow.
+    void markChanged();
+    /// Edits since the last save (a note being typed counts).
+    bool isModified() const;
+    /// Bumped by every edit; save() records the count it wrote.
+    quint64 changeCount() const { return m_changes; }
     /// A note pane showing an item of the branch lets go of it.
     void forgetBranch(const Item *item) override;
     void edited(Edit edit, Item *item) override { Q_EMIT itemsEdited(edit, item); }
@@ -72,6 +78,8 @@ Q_SIGNALS:
     void settingsChanged();
     /// The selection or the document changed: the menus' states may differ.
     void stateChanged();
+    /// The document was changed (markChanged).
+    void documentChanged();
     /// An edit here or in a branch view that the reminders follow.
     void itemsEdited(ItemHost::Edit edit, Item *item);
 
@@ -105,4 +113,6 @@ private:
     Item *m_noteItem = nullptr;
     bool m_recordingToolbar = false;
     bool m_applyingSplit = false;
+    quint64 m_changes = 0;
+    quint64 m_savedChanges = 0;
 };

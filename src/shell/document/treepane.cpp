@@ -219,6 +219,16 @@ void TreePane::paintEvent(QPaintEvent *)
     }
 }
 
+void TreePane::changeEvent(QEvent *event)
+{
+    QAbstractScrollArea::changeEvent(event);
+    // The rows take the desktop's colours (a switch to a dark palette) and
+    // its scale as they change.
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange ||
+        event->type() == QEvent::ScreenChangeInternal)
+        setRowStyle(m_style);
+}
+
 void TreePane::resizeEvent(QResizeEvent *event)
 {
     QAbstractScrollArea::resizeEvent(event);
