@@ -2,6 +2,7 @@
 // million levels deep. The documents are generated in a child process, so
 // the peak resident size reported is the loader's own.
 #include "model/document.h"
+#include "model/item.h"
 #include "storage/documentfile.h"
 #include "tools/documentgenerator.h"
 
@@ -127,6 +128,30 @@ void BM_SaveChainMillionDeep(benchmark::State &state)
     save(state, true, true);
 }
 
+// Every item with a category of its own: collecting the categories at load
+// must stay close to linear.
+void BM_LoadDistinctCategories(benchmark::State &state)
+{
+    const QString path = folder().filePath(QStringLiteral("categories.qbx"));
+    if (!QFile::exists(path)) {
+        Document doc;
+        for (int i = 0; i < int(state.range(0)); ++i) {
+            auto *item = new Item(QStringLiteral("Item %1").arg(i));
+            item->setCategory(QStringLiteral("Category %1").arg(i));
+            doc.root()->appendChild(item);
+        }
+        if (!DocumentFile::save(doc, path))
+            state.SkipWithError("could not write the document");
+    }
+    for (auto _ : state) {
+        Document doc;
+        if (DocumentFile::load(path, &doc) != DocumentFile::Loaded ||
+            doc.categories.size() != qsizetype(state.range(0)))
+            state.SkipWithError("load failed");
+    }
+    state.counters["file_MB"] = double(QFile(path).size()) / (1024.0 * 1024.0);
+}
+
 } // namespace
 
 // Load first: its peak resident size is measured before anything else grows.
@@ -135,5 +160,6 @@ BENCHMARK(BM_SaveMillionItems)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_SerializeMillionItems)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_LoadChainMillionDeep)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(BM_SaveChainMillionDeep)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(BM_LoadDistinctCategories)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 BENCHMARK_MAIN();

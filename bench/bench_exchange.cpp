@@ -1,6 +1,10 @@
 #include "notes/richink.h"
 #include "notes/rtfreader.h"
 #include "notes/rtfwriter.h"
+#include "exchange/markdownexport.h"
+#include "exchange/markdownimport.h"
+#include "exchange/opmlexport.h"
+#include "exchange/opmlimport.h"
 #include "exchange/textexport.h"
 #include "exchange/xmlexport.h"
 #include "model/document.h"
@@ -62,6 +66,80 @@ void xmlExportDeepChain(benchmark::State &state)
     }
 }
 BENCHMARK(xmlExportDeepChain)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+// The whole safe save: written, synced and renamed over the target.
+void opmlExport(benchmark::State &state)
+{
+    Document &document = millionItems();
+    const QString path = outputDir().filePath(QStringLiteral("bench.opml"));
+    for (auto _ : state) {
+        if (!OpmlExport::exportOpml(path, document.root(), {document.noteType}))
+            state.SkipWithError("export failed");
+    }
+    state.SetItemsProcessed(state.iterations() * 1000000);
+}
+BENCHMARK(opmlExport)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void opmlImport(benchmark::State &state)
+{
+    Document &document = millionItems();
+    const QString path = outputDir().filePath(QStringLiteral("import.opml"));
+    if (!OpmlExport::exportOpml(path, document.root(), {document.noteType})) {
+        state.SkipWithError("export failed");
+        return;
+    }
+    for (auto _ : state) {
+        Document imported;
+        if (OpmlImport::importDocument(path, {}, &imported) != OpmlImport::Result::Ok)
+            state.SkipWithError("import failed");
+    }
+    state.SetItemsProcessed(state.iterations() * 1000000);
+}
+BENCHMARK(opmlImport)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void opmlExportDeepChain(benchmark::State &state)
+{
+    Document document;
+    DocumentGenerator::Options options;
+    options.items = 1000000;
+    options.chain = true;
+    DocumentGenerator::generate(&document, options);
+    const QString path = outputDir().filePath(QStringLiteral("chain.opml"));
+    for (auto _ : state) {
+        if (!OpmlExport::exportOpml(path, document.root(), {}))
+            state.SkipWithError("export failed");
+    }
+}
+BENCHMARK(opmlExportDeepChain)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void markdownExport(benchmark::State &state)
+{
+    Document &document = millionItems();
+    const QString path = outputDir().filePath(QStringLiteral("bench.md"));
+    for (auto _ : state) {
+        if (MarkdownExport::exportMarkdown(path, document.root(), {document.noteType}) != MarkdownExport::Result::Ok)
+            state.SkipWithError("export failed");
+    }
+    state.SetItemsProcessed(state.iterations() * 1000000);
+}
+BENCHMARK(markdownExport)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void markdownImport(benchmark::State &state)
+{
+    Document &document = millionItems();
+    const QString path = outputDir().filePath(QStringLiteral("import.md"));
+    if (MarkdownExport::exportMarkdown(path, document.root(), {document.noteType}) != MarkdownExport::Result::Ok) {
+        state.SkipWithError("export failed");
+        return;
+    }
+    for (auto _ : state) {
+        Document imported;
+        if (MarkdownImport::importDocument(path, {}, &imported) != MarkdownImport::Result::Ok)
+            state.SkipWithError("import failed");
+    }
+    state.SetItemsProcessed(state.iterations() * 1000000);
+}
+BENCHMARK(markdownImport)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void textExports(benchmark::State &state)
 {

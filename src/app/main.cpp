@@ -1,3 +1,4 @@
+#include "platform/largeheap.h"
 #include "rows/iconset.h"
 #include "shell/app/mainwindow.h"
 #include "shell/app/singleinstance.h"
@@ -51,6 +52,7 @@ int main(int argc, char *argv[])
     if (const int code = answerInformationOption(argc, argv); code >= 0)
         return code;
 
+    LargeHeap::enable(argv);
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillbox"));
     QApplication::setOrganizationName(QStringLiteral("Quillbox"));

@@ -84,6 +84,7 @@ int run(const QStringList &arguments)
                        "Exit status: 0 written, 1, 2 or 4 as for 'check', 2 also for a bad option or position, "
                        "5 the save failed."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The .qbx document."));
+    parser.addOption(DocumentLoading::forceOption());
     parser.addOptions({
         {QStringLiteral("to"), QStringLiteral("The item, by its position (1 for the first item of the file)."),
          QStringLiteral("POSITION")},
@@ -112,7 +113,8 @@ int run(const QStringList &arguments)
 
     const QString path = parser.positionalArguments().at(0);
     Document document;
-    if (const int status = DocumentLoading::load(path, &document))
+    DocumentLoading::Update update(path);
+    if (const int status = DocumentLoading::loadForUpdate(&update, &document))
         return status;
     Item *target = ok ? OptionValues::itemAt(document, position) : nullptr;
     if (!target) {
@@ -126,12 +128,7 @@ int run(const QStringList &arguments)
     ApplyAttributes::apply(target, set);
     if (set.has(AttributeSet::Category))
         document.collectCategory(set.category);
-    QString error;
-    if (!DocumentFile::save(document, path, &error)) {
-        QTextStream(stderr) << Messages::SaveFailed << "\n" << error << "\n";
-        return 5;
-    }
-    return 0;
+    return DocumentLoading::saveUpdate(update, document, parser.isSet(QStringLiteral("force")));
 }
 
 const CliCommand command("apply", "Set attributes on the children or the whole branch of an item", run);

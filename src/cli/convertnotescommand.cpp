@@ -13,9 +13,11 @@ int run(const QStringList &arguments)
         "Converts every note of a document to another note type and saves it: all notes or none, so on "
         "failure the file keeps the notes it had. Converting to plain text drops formatting, drawings and "
         "recordings.\n"
-        "Exit status: 0 converted, 1, 2 or 4 as for 'check', 3 the conversion failed, 5 the save failed."));
+        "Exit status: 0 converted, 1, 2 or 4 as for 'check', 3 the conversion failed, 5 the save failed, 6 another "
+        "program held the document, 7 the file changed on disk meanwhile (--force saves anyway)."));
     const QCommandLineOption to(QStringLiteral("to"), QStringLiteral("0 plain, 1 ink, 2 rich."), QStringLiteral("T"));
     parser.addOption(to);
+    parser.addOption(DocumentLoading::forceOption());
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The .qbx document."));
     if (const int status = DocumentLoading::parse(parser, arguments, "convert-notes", 1, 1); status >= 0)
         return status;
@@ -27,18 +29,17 @@ int run(const QStringList &arguments)
     }
     const QString path = parser.positionalArguments().at(0);
     Document document;
-    if (const int status = DocumentLoading::load(path, &document))
+    DocumentLoading::Update update(path);
+    if (const int status = DocumentLoading::loadForUpdate(&update, &document))
         return status;
     NoteConverter converter;
     if (!converter.convertDocument(document, target)) {
         err << Messages::NoteConversionFailed << "\n";
         return 3;
     }
-    QString error;
-    if (!DocumentFile::save(document, path, &error)) {
-        err << Messages::NoteConversionFailed << "\n" << error << "\n";
-        return 5;
-    }
+    if (const int status = DocumentLoading::saveUpdate(update, document, parser.isSet(QStringLiteral("force")),
+                                                       Messages::NoteConversionFailed))
+        return status;
     QTextStream(stdout) << Messages::NoteConversionDone << "\n";
     return 0;
 }

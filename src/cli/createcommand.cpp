@@ -1,4 +1,5 @@
 #include "cli/clicommand.h"
+#include "cli/exitcodes.h"
 #include "cli/documentloading.h"
 #include "cli/optionvalues.h"
 #include "integration/calendarstore.h"
@@ -17,7 +18,7 @@ int run(const QStringList &arguments)
                        "STORE is a folder of .ics files or a CalDAV collection address; the CalDAV password "
                        "comes from the environment variable QUILLBOX_CALDAV_PASSWORD.\n"
                        "Exit status: 0 every object created, 1, 2 or 4 as for 'check', 2 also for a bad option "
-                       "or position, 6 the calendar cannot be used or an object could not be created."));
+                       "or position, 9 the calendar cannot be used or an object could not be created."));
     parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("task or appointment."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The .qbx document."));
     parser.addOptions({
@@ -61,7 +62,7 @@ int run(const QStringList &arguments)
     QString error;
     if (!store->connect(&error)) {
         QTextStream(stderr) << QString::fromUtf8(Messages::CalendarUnreachable).arg(error) << "\n";
-        return 6;
+        return ExitCode::CalendarFailed;
     }
     const CalendarStore::CreateResult result =
         store->createFor(*item, document.noteType, kind, parser.isSet(QStringLiteral("children")));
@@ -75,7 +76,7 @@ int run(const QStringList &arguments)
     QTextStream err(stderr);
     for (const QString &reason : result.errors)
         err << reason << "\n";
-    return 6;
+    return ExitCode::CalendarFailed;
 }
 
 const CliCommand command("create", "Copy an item or its children into a calendar as tasks or appointments", run);

@@ -1,5 +1,6 @@
 #include "cli/clicommand.h"
 #include "cli/documentloading.h"
+#include "cli/standardoutput.h"
 
 #include <QHash>
 #include <cstdio>
@@ -51,7 +52,7 @@ public:
     }
     void flush()
     {
-        std::fwrite(m_buffer.constData(), 1, size_t(m_buffer.size()), stdout);
+        StandardOutput::write(m_buffer);
         m_buffer.resize(0);
     }
 
@@ -201,7 +202,8 @@ int run(const QStringList &arguments)
     while (open-- > 0)
         out.raw("]}");
     out.raw("]}}\n");
-    return 0;
+    out.flush();
+    return StandardOutput::finish(ExitCode::Ok);
 }
 
 const CliCommand command("dump", "Print a document as JSON", run);

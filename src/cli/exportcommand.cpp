@@ -2,6 +2,8 @@
 #include "cli/documentloading.h"
 #include "cli/positions.h"
 #include "exchange/itemexport.h"
+#include "exchange/markdownexport.h"
+#include "exchange/opmlexport.h"
 #include "exchange/textexport.h"
 #include "exchange/xmlexport.h"
 #include "platform/messages.h"
@@ -27,10 +29,10 @@ bool indexOption(const QCommandLineParser &parser, const QCommandLineOption &opt
     return true;
 }
 
-int failed(const char *message, int status)
+int failed(const char *message, const QString &error)
 {
-    QTextStream(stderr) << message << "\n";
-    return status;
+    DocumentLoading::reportWriteFailure(message, error);
+    return ExitCode::WriteFailed;
 }
 
 int run(const QStringList &arguments)
@@ -39,6 +41,8 @@ int run(const QStringList &arguments)
     parser.setApplicationDescription(QStringLiteral(
         "Exports a document.\n"
         "  xml FILE OUT        the whole tree as XML\n"
+        "  opml FILE OUT       the whole tree as an OPML 2.0 outline\n"
+        "  markdown FILE OUT   the whole tree as a Markdown list\n"
         "  view FILE OUT       the document's view as an indented outline\n"
         "  notes FILE OUT      every item's path and note\n"
         "  links FILE OUT      every item's path and links\n"
@@ -47,7 +51,9 @@ int run(const QStringList &arguments)
         "A POSITION is an item's 1-based index in depth-first order (as 'qbx dump' counts), 0 the root.\n"
         "Options left out take the values of the settings. Text is ANSI in the settings' code page unless "
         "--unicode.\n"
-        "Exit status: 0 done, 1, 2 or 4 as for 'check', 3 nothing matched, 5 the export failed."));
+        "OUT is never FILE itself (through any link); a failed export leaves no file.\n"
+        "Exit status: 0 done, 1, 2 or 4 as for 'check', 3 nothing matched, 5 the export failed, 6 another "
+        "program held FILE (items --delete), 7 FILE changed on disk meanwhile (--force saves anyway)."));
     const QCommandLineOption encoding(QStringLiteral("encoding"),
                                       QStringLiteral("XML encoding: 0 (Default), 1 UTF-8, 2 UTF-16, 3 ISO-8859-1, "
                                                      "4 Big-5, 5 Shift-JIS, 6 GB2312."),
@@ -69,8 +75,9 @@ int run(const QStringList &arguments)
                                     QStringLiteral("POSITIONS"));
     const QCommandLineOption remove(QStringLiteral("delete"),
                                     QStringLiteral("items: delete the exported items from FILE afterwards."));
-    parser.addOptions({encoding, indent, separator, unicode, choice, select, remove});
-    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("xml, view, notes, links, items or branch."));
+    parser.addOptions({encoding, indent, separator, unicode, choice, select, remove, DocumentLoading::forceOption()});
+    parser.addPositionalArgument(QStringLiteral("KIND"),
+                                 QStringLiteral("xml, opml, markdown, view, notes, links, items or branch."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The .qbx document."));
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
     if (const int status = DocumentLoading::parse(parser, arguments, "export", 3, 4); status >= 0)
@@ -79,8 +86,9 @@ int run(const QStringList &arguments)
     QTextStream err(stderr);
     const QStringList args = parser.positionalArguments();
     const QString kind = args.at(0);
-    static const QStringList kinds = {QStringLiteral("xml"),   QStringLiteral("view"),  QStringLiteral("notes"),
-                                      QStringLiteral("links"), QStringLiteral("items"), QStringLiteral("branch")};
+    static const QStringList kinds = {QStringLiteral("xml"),      QStringLiteral("opml"),  QStringLiteral("markdown"),
+                                      QStringLiteral("view"),     QStringLiteral("notes"), QStringLiteral("links"),
+                                      QStringLiteral("items"),    QStringLiteral("branch")};
     if (!kinds.contains(kind)) {
         err << "qbx: unknown export '" << kind << "'\n";
         return 2;
@@ -93,8 +101,15 @@ int run(const QStringList &arguments)
     Settings settings;
     settings.loadUserStore();
     Document document;
-    if (const int status = DocumentLoading::load(args.at(1), &document))
+    // An export with delete changes FILE: it holds the lock from the load on.
+    DocumentLoading::Update update(args.at(1));
+    if (kind == QLatin1String("items") && parser.isSet(remove)) {
+        if (const int status = DocumentLoading::loadForUpdate(&update, &document))
+            return status;
+    } else if (const int status = DocumentLoading::load(args.at(1), &document)) {
         return status;
+    }
+    QString error;
 
     if (kind == QLatin1String("xml")) {
         XmlExport::Options options;
@@ -102,7 +117,32 @@ int run(const QStringList &arguments)
             return 2;
         options.codePage = settings.ansiCodePage;
         options.noteType = document.noteType;
-        return XmlExport::exportXml(args.at(2), document.root(), options) ? 0 : failed(Messages::ExportFailed, 5);
+        options.source = args.at(1);
+        if (!XmlExport::exportXml(args.at(2), document.root(), options, &error))
+            return failed(Messages::ExportFailed, error);
+        return 0;
+    }
+
+    if (kind == QLatin1String("opml")) {
+        QString error;
+        if (!OpmlExport::exportOpml(args.at(2), document.root(), {document.noteType}, &error)) {
+            err << Messages::ExportFailed << "\n" << error << "\n";
+            return 5;
+        }
+        return 0;
+    }
+
+    if (kind == QLatin1String("markdown")) {
+        QString error;
+        const MarkdownExport::Result result =
+            MarkdownExport::exportMarkdown(args.at(2), document.root(), {document.noteType}, &error);
+        if (result != MarkdownExport::Result::Ok) {
+            err << MarkdownExport::message(result) << "\n";
+            if (!error.isEmpty())
+                err << error << "\n";
+            return 5;
+        }
+        return 0;
     }
 
     if (kind == QLatin1String("view") || kind == QLatin1String("notes") || kind == QLatin1String("links")) {
@@ -113,14 +153,15 @@ int run(const QStringList &arguments)
         options.unicode = parser.isSet(unicode);
         options.codePage = settings.ansiCodePage;
         options.noteType = document.noteType;
+        options.source = args.at(1);
         bool ok = false;
         if (kind == QLatin1String("view"))
-            ok = TextExport::exportView(args.at(2), document, options);
+            ok = TextExport::exportView(args.at(2), document, options, &error);
         else if (kind == QLatin1String("notes"))
-            ok = TextExport::exportNotes(args.at(2), document.root(), options);
+            ok = TextExport::exportNotes(args.at(2), document.root(), options, &error);
         else
-            ok = TextExport::exportLinks(args.at(2), document.root(), options);
-        return ok ? 0 : failed(Messages::ExportFailed, 5);
+            ok = TextExport::exportLinks(args.at(2), document.root(), options, &error);
+        return ok ? 0 : failed(Messages::ExportFailed, error);
     }
 
     if (kind == QLatin1String("branch")) {
@@ -131,11 +172,8 @@ int run(const QStringList &arguments)
             err << "qbx: no item at position " << args.at(2) << "\n";
             return 2;
         }
-        QString error;
-        if (!DocumentFile::saveBranch(document, nodes.front(), args.at(3), &error)) {
-            err << Messages::ItemExportFailed << "\n" << error << "\n";
-            return 5;
-        }
+        if (!DocumentFile::saveBranch(document, nodes.front(), args.at(3), &error))
+            return failed(Messages::ItemExportFailed, error);
         return 0;
     }
 
@@ -161,25 +199,25 @@ int run(const QStringList &arguments)
                 selection.push_back(item);
         }
     }
-    QString error;
+    ItemExport::Report report;
     const int result = ItemExport::exportItems(document, ItemExport::Choice(choiceValue), parser.isSet(remove),
-                                               selection, args.at(2), &error);
-    if (result == ItemExport::Failed) {
-        err << ItemExport::message(result) << "\n" << error << "\n";
-        return 5;
-    }
+                                               selection, args.at(2), &error, &report);
+    if (result == ItemExport::Failed)
+        return failed(Messages::ItemExportFailed, error);
     if (result == 0) {
         err << ItemExport::message(result) << "\n";
-        return 3;
+        return ExitCode::Refused;
     }
-    if (parser.isSet(remove) && !DocumentFile::save(document, args.at(1), &error)) {
-        err << Messages::SaveFailed << "\n" << error << "\n";
-        return 5;
+    if (parser.isSet(remove)) {
+        if (const int status =
+                DocumentLoading::saveUpdate(update, document, parser.isSet(QStringLiteral("force"))))
+            return status;
     }
-    QTextStream(stdout) << ItemExport::message(result) << "\n";
+    QTextStream(stdout) << ItemExport::message(result, report.kept) << "\n";
     return 0;
 }
 
-const CliCommand command("export", "Export a document as XML, text, or chosen items as a new document", run);
+const CliCommand command("export", "Export a document as XML, OPML, Markdown, text, or chosen items as a new document",
+                         run);
 
 } // namespace

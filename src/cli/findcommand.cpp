@@ -144,7 +144,8 @@ int run(const QStringList &arguments)
                 break;
         }
     }
-    return 0;
+    out.flush();
+    return StandardOutput::finish(ExitCode::Ok);
 }
 
 const CliCommand command("find", "Find the items that meet every given criterion", run);

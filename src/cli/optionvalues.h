@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/standardoutput.h"
 #include "model/document.h"
 #include "model/treewalker.h"
 
@@ -68,8 +69,7 @@ public:
     }
     void flush()
     {
-        std::fwrite(m_buffer.constData(), 1, size_t(m_buffer.size()), stdout);
-        std::fflush(stdout);
+        StandardOutput::write(m_buffer);
         m_buffer.clear();
     }
 

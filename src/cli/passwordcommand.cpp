@@ -4,6 +4,8 @@
 #include "storage/password.h"
 
 #include <cstdio>
+#include <termios.h>
+#include <unistd.h>
 
 namespace {
 
@@ -12,6 +14,29 @@ QString readLine(QTextStream &in)
     QString line = in.readLine();
     if (line.endsWith(QLatin1Char('\r')))
         line.chop(1);
+    return line;
+}
+
+// On a terminal each line is asked for on stderr and typed without echo; from
+// a pipe the lines are read silently.
+QString ask(QTextStream &in, const char *prompt)
+{
+    if (!::isatty(STDIN_FILENO))
+        return readLine(in);
+    // Echo goes off before the prompt shows, and nothing typed ahead is
+    // thrown away.
+    termios saved;
+    const bool quiet = ::tcgetattr(STDIN_FILENO, &saved) == 0;
+    if (quiet) {
+        termios silent = saved;
+        silent.c_lflag &= ~tcflag_t(ECHO);
+        silent.c_lflag |= ECHONL;
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &silent);
+    }
+    QTextStream(stderr) << prompt << " " << Qt::flush;
+    const QString line = readLine(in);
+    if (quiet)
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &saved);
     return line;
 }
 
@@ -24,20 +49,23 @@ int run(const QStringList &arguments)
                        "confirmation. Both new lines empty removes the password. A password has at most %1 "
                        "characters.\n"
                        "Exit status: 0 saved, 1, 2 or 4 as for 'check', 3 refused (wrong current password, "
-                       "new password and confirmation differ, or too long), 5 the save failed.")
+                       "new password and confirmation differ, or too long), 5 the save failed, 6 another program held the document, 7 the file changed on "
+                       "disk meanwhile (--force saves anyway).")
             .arg(Password::MaxLength));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The .qbx document."));
+    parser.addOption(DocumentLoading::forceOption());
     if (const int status = DocumentLoading::parse(parser, arguments, "password", 1, 1); status >= 0)
         return status;
     const QString path = parser.positionalArguments().at(0);
     Document document;
-    if (const int status = DocumentLoading::load(path, &document))
+    DocumentLoading::Update update(path);
+    if (const int status = DocumentLoading::loadForUpdate(&update, &document))
         return status;
 
     QTextStream in(stdin);
-    const QString current = readLine(in);
-    const QString newPassword = readLine(in);
-    const QString confirmation = readLine(in);
+    const QString current = ask(in, "Current password:");
+    const QString newPassword = ask(in, "New password:");
+    const QString confirmation = ask(in, "Confirm:");
     QTextStream err(stderr);
     const Password::Result result = Password::change(&document, current, newPassword, confirmation);
     switch (result) {
@@ -51,11 +79,8 @@ int run(const QStringList &arguments)
     default:
         break;
     }
-    QString error;
-    if (!DocumentFile::save(document, path, &error)) {
-        err << Messages::SaveFailed << "\n" << error << "\n";
-        return 5;
-    }
+    if (const int status = DocumentLoading::saveUpdate(update, document, parser.isSet(QStringLiteral("force"))))
+        return status;
     QTextStream(stdout) << (result == Password::Result::Removed ? "Password removed\n" : "Password set\n");
     return 0;
 }

@@ -57,7 +57,8 @@ int run(const QStringList &arguments)
         line += rows.text(i);
         out.line(line);
     }
-    return 0;
+    out.flush();
+    return StandardOutput::finish(ExitCode::Ok);
 }
 
 const CliCommand command("view", "Print the rows of a view, fully expanded", run);

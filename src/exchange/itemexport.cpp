@@ -50,18 +50,23 @@ QString ItemExport::choiceLabel(int choice)
     return choice >= 0 && choice < int(std::size(ChoiceLabels)) ? QLatin1StringView(ChoiceLabels[choice]) : QString();
 }
 
-QString ItemExport::message(int result)
+QString ItemExport::message(int result, int kept)
 {
     if (result < 0)
         return QString::fromLatin1(Messages::ItemExportFailed);
     if (result == 0)
         return QString::fromLatin1(Messages::NoItemsToExport);
-    return QString::fromLatin1(Messages::ItemsExported).replace(QLatin1String("%d"), QString::number(result));
+    QString text = QString::fromLatin1(Messages::ItemsExported).replace(QLatin1String("%d"), QString::number(result));
+    if (kept > 0)
+        text += QLatin1Char(' ') + QString::fromLatin1(Messages::ExportedItemsKept).arg(kept);
+    return text;
 }
 
 int ItemExport::exportItems(Document &document, Choice choice, bool deleteAfter, const std::vector<Item *> &selection,
-                            const QString &path, QString *error)
+                            const QString &path, QString *error, Report *report)
 {
+    if (report)
+        *report = Report();
     TreeNode *root = document.root();
     if (!root)
         return 0;
@@ -162,7 +167,7 @@ int ItemExport::exportItems(Document &document, Choice choice, bool deleteAfter,
         copies[i]->setLinks(links);
     }
 
-    if (!DocumentFile::save(out, path, error))
+    if (!DocumentFile::save(out, path, error, document.path))
         return Failed;
 
     if (deleteAfter) {
@@ -180,6 +185,11 @@ int ItemExport::exportItems(Document &document, Choice choice, bool deleteAfter,
         }
         for (Item *item : doomed)
             Editing::deleteItem(document, item, nullptr);
+        if (report) {
+            report->kept = 0;
+            for (size_t i = 0; i < n; ++i)
+                report->kept += chosen[i] && !wholeBranch[i];
+        }
     }
     return count;
 }

@@ -39,14 +39,23 @@ public:
 
     static constexpr int Failed = -1;
 
-    /// Writes the new document at path. Returns the number of items written;
-    /// 0 when nothing matched (no file is made, nothing deleted); Failed when
-    /// the file could not be written (nothing deleted), with a reason in
+    /// What an export with delete did beyond the count it returns.
+    struct Report {
+        /// Chosen items that were written but stayed in the document because
+        /// an item below them was not exported (so nothing unexported is lost).
+        int kept = 0;
+    };
+
+    /// Writes the new document at path (never over the document's own file,
+    /// document.path). Returns the number of items written; 0 when nothing
+    /// matched (no file is made, nothing deleted); Failed when the file could
+    /// not be written (nothing deleted), with the file and the reason in
     /// *error when given.
     static int exportItems(Document &document, Choice choice, bool deleteAfter, const std::vector<Item *> &selection,
-                           const QString &path, QString *error = nullptr);
+                           const QString &path, QString *error = nullptr, Report *report = nullptr);
 
     /// The message to show for a result: "%d item(s) exported.", the
-    /// nothing-matched text or the failure text.
-    static QString message(int result);
+    /// nothing-matched text or the failure text. With kept items of an export
+    /// with delete, a second sentence says how many stayed and why.
+    static QString message(int result, int kept = 0);
 };

@@ -8,7 +8,9 @@
 #include "platform/messages.h"
 #include "views/groupview.h"
 
-#include <QFile>
+#include "storage/safesave.h"
+
+#include <QIODevice>
 #include <QtEndian>
 #include <vector>
 
@@ -18,15 +20,15 @@ const char *const IndentLabels[] = {"(None)", "Tab", "1 Space", "2 Spaces", "3 S
 const char *const IndentUnits[] = {"", "\t", " ", "  ", "   ", "    ", "     "};
 const char *const Separators[] = {":", "\\", "/", ",", "|", "-"};
 
-// The one writer of the text exports: creates the file, writes FF FE for
-// Unicode, then each piece of text as soon as it is ready.
+// The one writer of the text exports: writes FF FE for Unicode, then each
+// piece of text as soon as it is ready, into the safe save's device.
 class TextWriter {
 public:
-    TextWriter(const QString &path, const TextExport::Options &options)
-        : m_file(path), m_unicode(options.unicode),
+    TextWriter(QIODevice &out, const TextExport::Options &options)
+        : m_file(out), m_unicode(options.unicode),
           m_codePage(options.unicode ? CodePage::defaultName() : options.codePage)
     {
-        m_ok = m_codePage.isValid() && m_file.open(QIODevice::ReadWrite | QIODevice::Truncate);
+        m_ok = m_codePage.isValid();
         if (m_ok && m_unicode)
             m_ok = m_file.write("\xff\xfe", 2) == 2;
     }
@@ -46,17 +48,10 @@ public:
         return m_ok;
     }
     bool line(const QString &text) { return write(text + QLatin1String("\r\n")); }
-    bool finish()
-    {
-        if (m_ok)
-            m_ok = m_file.flush();
-        m_file.close();
-        return m_ok;
-    }
     bool ok() const { return m_ok; }
 
 private:
-    QFile m_file;
+    QIODevice &m_file;
     bool m_unicode;
     CodePage m_codePage;
     bool m_ok = false;
@@ -119,19 +114,32 @@ QString TextExport::separator(int index)
 }
 
 bool TextExport::exportOutline(const QString &path, const QString &rootName, const RowSource &rows,
-                               const Options &options)
+                               const Options &options, QString *error)
 {
-    TextWriter writer(path, options);
-    const QString unit = indentUnit(options.indent);
-    writer.line(rootName);
-    int depth = 0;
-    QString name;
-    while (writer.ok() && rows(&depth, &name))
-        writer.line(unit.repeated(depth) + name);
-    return writer.finish();
+    return write(path, options, error, [&](QIODevice &out) {
+        TextWriter writer(out, options);
+        const QString unit = indentUnit(options.indent);
+        writer.line(rootName);
+        int depth = 0;
+        QString name;
+        while (writer.ok() && rows(&depth, &name))
+            writer.line(unit.repeated(depth) + name);
+        return writer.ok();
+    });
 }
 
-bool TextExport::exportView(const QString &path, const TreeNode *root, const Options &options)
+bool TextExport::write(const QString &path, const Options &options, QString *error,
+                       const std::function<bool(QIODevice &)> &content)
+{
+    if (!CodePage(options.unicode ? CodePage::defaultName() : options.codePage).isValid()) {
+        if (error)
+            *error = QStringLiteral("%1: the code page '%2' is not known").arg(path, options.codePage);
+        return false;
+    }
+    return SafeSave::write(path, content, error, SafeSave::Options{options.source});
+}
+
+bool TextExport::exportView(const QString &path, const TreeNode *root, const Options &options, QString *error)
 {
     TreeWalker walker(root);
     return exportOutline(
@@ -144,10 +152,10 @@ bool TextExport::exportView(const QString &path, const TreeNode *root, const Opt
             *name = item->name();
             return true;
         },
-        options);
+        options, error);
 }
 
-bool TextExport::exportView(const QString &path, const GroupView &view, const Options &options)
+bool TextExport::exportView(const QString &path, const GroupView &view, const Options &options, QString *error)
 {
     size_t heading = 0;
     size_t item = 0; // 0: the heading's own row, then its items from 1
@@ -174,37 +182,40 @@ bool TextExport::exportView(const QString &path, const GroupView &view, const Op
             }
             return false;
         },
-        options);
+        options, error);
 }
 
-bool TextExport::exportView(const QString &path, const Document &document, const Options &options)
+bool TextExport::exportView(const QString &path, const Document &document, const Options &options, QString *error)
 {
     if (document.viewMode < GroupView::ByCategory || document.viewMode > GroupView::ByPercentComplete)
-        return exportView(path, document.root(), options);
+        return exportView(path, document.root(), options, error);
     const GroupView view(document, document.viewMode);
-    return exportView(path, view, options);
+    return exportView(path, view, options, error);
 }
 
-bool TextExport::exportNotes(const QString &path, const TreeNode *root, const Options &options)
+bool TextExport::exportNotes(const QString &path, const TreeNode *root, const Options &options, QString *error)
 {
-    TextWriter writer(path, options);
-    PathLines paths(root, separator(options.separator));
-    TreeWalker walker(root);
-    while (writer.ok()) {
-        const Item *item = walker.next();
-        if (!item)
-            break;
-        writer.line(paths.line(item, walker.depth()));
-        if (item->noteSize() > 0)
-            writer.write(NoteText::plainText(item->note(), options.noteType));
-        writer.write(u"\r\n");
-    }
-    return writer.finish();
+    return write(path, options, error, [&](QIODevice &out) {
+        TextWriter writer(out, options);
+        PathLines paths(root, separator(options.separator));
+        TreeWalker walker(root);
+        while (writer.ok()) {
+            const Item *item = walker.next();
+            if (!item)
+                break;
+            writer.line(paths.line(item, walker.depth()));
+            if (item->noteSize() > 0)
+                writer.write(NoteText::plainText(item->note(), options.noteType));
+            writer.write(u"\r\n");
+        }
+        return writer.ok();
+    });
 }
 
-bool TextExport::exportLinks(const QString &path, const TreeNode *root, const Options &options)
+bool TextExport::exportLinks(const QString &path, const TreeNode *root, const Options &options, QString *error)
 {
-    TextWriter writer(path, options);
+    return write(path, options, error, [&](QIODevice &out) {
+    TextWriter writer(out, options);
     PathLines paths(root, separator(options.separator));
     const LinkTargets targets(root);
     TreeWalker walker(root);
@@ -226,5 +237,6 @@ bool TextExport::exportLinks(const QString &path, const TreeNode *root, const Op
         }
         writer.write(u"\r\n");
     }
-    return writer.finish();
+    return writer.ok();
+    });
 }

@@ -7,6 +7,7 @@
 #include <functional>
 
 class Document;
+class QIODevice;
 class GroupView;
 class TreeNode;
 
@@ -30,7 +31,13 @@ public:
         quint16 separator = 0;
         /// The document's NoteType; rich notes are exported as plain text.
         quint16 noteType = 0;
-    };
+        /// The document's own file: an export never writes over it.
+        QString source;
+    
+private:
+    static bool write(const QString &path, const Options &options, QString *error,
+                      const std::function<bool(QIODevice &)> &content);
+};
 
     /// "(None)", "Tab", "1 Space" ... "5 Spaces", and the units they stand for.
     static QStringList indentLabels();
@@ -45,26 +52,34 @@ public:
     /// may skip itself.
     using RowSource = std::function<bool(int *depth, QString *name)>;
 
+    // Every export is written by a safe save: a failed one leaves no file
+    // and no partial file, and *error (when given) names the file and why.
+
     /// The view export: the name of the view's root, then each row as depth
     /// indent units and its name.
     static bool exportOutline(const QString &path, const QString &rootName, const RowSource &rows,
-                              const Options &options);
+                              const Options &options, QString *error = nullptr);
     /// The view export of the default view: every level of the tree under
     /// root, collapsed or not, hidden by a filter or not.
-    static bool exportView(const QString &path, const TreeNode *root, const Options &options);
+    static bool exportView(const QString &path, const TreeNode *root, const Options &options, QString *error = nullptr);
     /// The view export of a grouped view: the root's name, the headings at
     /// depth 1 and every item of each heading at depth 2, shown by the
     /// filters or not; nothing deeper.
-    static bool exportView(const QString &path, const GroupView &view, const Options &options);
+    static bool exportView(const QString &path, const GroupView &view, const Options &options,
+                           QString *error = nullptr);
     /// The view export of the document in its own ViewMode.
-    static bool exportView(const QString &path, const Document &document, const Options &options);
+    static bool exportView(const QString &path, const Document &document, const Options &options, QString *error = nullptr);
 
     /// Every Item below root, depth first: its path line (the names from the
     /// root's down, joined by the separator), its note's text when it has a
     /// note (with no line break of its own), then one empty line.
-    static bool exportNotes(const QString &path, const TreeNode *root, const Options &options);
+    static bool exportNotes(const QString &path, const TreeNode *root, const Options &options, QString *error = nullptr);
     /// Every Item below root, depth first: its path line, "(None)" when it
     /// has no links, otherwise a line per link (an item link gives its
     /// target's name, or no line when the target is gone), then one empty line.
-    static bool exportLinks(const QString &path, const TreeNode *root, const Options &options);
+    static bool exportLinks(const QString &path, const TreeNode *root, const Options &options, QString *error = nullptr);
+
+private:
+    static bool write(const QString &path, const Options &options, QString *error,
+                      const std::function<bool(QIODevice &)> &content);
 };

@@ -4,8 +4,11 @@
 #include "notes/notetext.h"
 #include "model/item.h"
 #include "model/treewalker.h"
+#include "storage/safesave.h"
 
-#include <QFile>
+#include "storage/safesave.h"
+
+#include <QIODevice>
 #include <QtEndian>
 #include <cstring>
 #include <vector>
@@ -15,14 +18,15 @@ namespace {
 const char *const EncodingLabels[] = {"(Default)", "UTF-8", "UTF-16", "ISO-8859-1", "Big-5", "Shift-JIS", "GB2312"};
 
 // Where the text goes: kept whole as UTF-16 (text()), or turned into the
-// file's bytes piece by piece (exportXml), which gives the bytes of the whole
-// text converted at once without holding both forms of it. Appends go into a
-// fixed chunk by plain copies; the exporter makes hundreds of millions of
-// them for a large document.
+// file's bytes piece by piece and streamed to a device (exportXml), which
+// gives the bytes of the whole text converted at once without ever holding
+// the whole of either form. Appends go into a fixed chunk by plain copies;
+// the exporter makes hundreds of millions of them for a large document.
 class Output {
 public:
     Output() : m_chunk(ChunkSize) {}
-    Output(bool utf16, CodePage *codePage) : m_chunk(ChunkSize), m_encode(true), m_utf16(utf16), m_codePage(codePage)
+    Output(bool utf16, CodePage *codePage, QIODevice *device)
+        : m_chunk(ChunkSize), m_encode(true), m_utf16(utf16), m_codePage(codePage), m_device(device)
     {
         if (m_utf16)
             m_bytes = QByteArrayLiteral("\xff\xfe");
@@ -68,22 +72,30 @@ public:
         flush();
         return std::move(m_text);
     }
-    QByteArray takeBytes()
+    /// Sends the rest to the device; false when any write failed.
+    bool finish()
     {
         flush();
-        if (!m_utf16) {
+        if (!m_utf16)
             m_codePage->finish(&m_bytes);
-            // One byte per UTF-16 unit, whatever the conversion produced.
-            const qsizetype produced = m_bytes.size();
-            m_bytes.resize(m_units);
-            if (produced < m_units)
-                std::fill(m_bytes.begin() + produced, m_bytes.end(), '\0');
+        drain();
+        if (!m_utf16) {
+            // One byte per UTF-16 unit, whatever the conversion produced:
+            // what a double-byte code page made beyond that is dropped, and
+            // a conversion that made fewer bytes is padded with zeros.
+            const QByteArray zeros(qMin<qint64>(m_units - m_written, DrainSize), '\0');
+            while (m_ok && m_written < m_units) {
+                const qint64 n = qMin<qint64>(m_units - m_written, zeros.size());
+                m_ok = m_device->write(zeros.constData(), n) == n;
+                m_written += n;
+            }
         }
-        return std::move(m_bytes);
+        return m_ok;
     }
 
 private:
     static constexpr size_t ChunkSize = 1 << 16;
+    static constexpr qsizetype DrainSize = 1 << 20;
 
     void flush()
     {
@@ -106,16 +118,35 @@ private:
         } else {
             m_codePage->append(QStringView(text, qsizetype(n)), &m_bytes);
         }
+        if (m_bytes.size() >= DrainSize)
+            drain();
+    }
+    // Writes the bytes converted so far. In the code page the file ends up
+    // as long as the text has units, so bytes beyond the units seen so far
+    // wait: the end of the text may yet cut them off.
+    void drain()
+    {
+        qint64 n = m_bytes.size();
+        if (!m_utf16)
+            n = qBound<qint64>(0, m_units - m_written, n);
+        if (n == 0 || !m_ok)
+            return;
+        m_ok = m_device->write(m_bytes.constData(), n) == n;
+        m_written += n;
+        m_bytes.remove(0, qsizetype(n));
     }
 
     std::vector<char16_t> m_chunk;
     size_t m_length = 0;
     QString m_text;
     QByteArray m_bytes;
-    qsizetype m_units = 0;
+    qint64 m_units = 0;
+    qint64 m_written = 0;
     bool m_encode = false;
     bool m_utf16 = false;
+    bool m_ok = true;
     CodePage *m_codePage = nullptr;
+    QIODevice *m_device = nullptr;
 };
 
 // The escaping of attribute values and element text (see XmlExport::escape).
@@ -349,25 +380,24 @@ QString XmlExport::text(const TreeNode *root, const Options &options)
     return output.takeText();
 }
 
-bool XmlExport::exportXml(const QString &path, const TreeNode *root, const Options &options)
+bool XmlExport::exportXml(const QString &path, const TreeNode *root, const Options &options, QString *error)
 {
     if (!root)
         return false;
     const bool utf16 = options.encoding == Utf16Encoding;
     CodePage codePage(utf16 ? CodePage::defaultName() : options.codePage);
-    if (!codePage.isValid())
+    if (!codePage.isValid()) {
+        if (error)
+            *error = QStringLiteral("%1: the code page '%2' is not known").arg(path, options.codePage);
         return false;
-    QByteArray bytes;
-    {
-        Output output(utf16, &codePage);
-        writeDocument(output, root, options);
-        bytes = output.takeBytes();
     }
-    // The file is created only now that the whole text exists.
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::Truncate))
-        return false;
-    if (file.write(bytes) != bytes.size())
-        return false;
-    return file.flush();
+    // The file appears only once the whole text is written.
+    return SafeSave::write(
+        path,
+        [&](QIODevice &device) {
+            Output output(utf16, &codePage, &device);
+            writeDocument(output, root, options);
+            return output.finish();
+        },
+        error, SafeSave::Options{options.source});
 }

@@ -30,6 +30,8 @@ public:
         /// The document's NoteType; notes of the rich types are written as
         /// their plain text.
         quint16 noteType = 0;
+        /// The document's own file: an export never writes over it.
+        QString source;
     };
 
     /// The label of an encoding choice, as the options page shows it and the
@@ -48,9 +50,12 @@ public:
     /// Item below it, depth first).
     static QString text(const TreeNode *root, const Options &options);
 
-    /// Builds the text, and only when it is complete creates (or truncates)
-    /// the file and writes it in one piece. False when the file cannot be
-    /// created or written (what was written stays) or the code page is
-    /// unknown.
-    static bool exportXml(const QString &path, const TreeNode *root, const Options &options);
+    /// Streams the text, converted as it goes, into a temporary file beside
+    /// path that replaces path only once it is complete (SafeSave), so memory
+    /// stays bounded however large the tree and no file appears at path
+    /// unless the whole export succeeded. False when the file cannot be
+    /// written (*error names the file and the reason) or the code page is
+    /// unknown; path is then untouched.
+    static bool exportXml(const QString &path, const TreeNode *root, const Options &options,
+                          QString *error = nullptr);
 };

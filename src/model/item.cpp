@@ -2,6 +2,11 @@
 
 #include <QHash>
 
+#if Q_PROCESSOR_WORDSIZE == 8 && !defined(Q_CC_MSVC)
+// A document may hold a million Items: every 16 bytes more is 16 MB more.
+static_assert(sizeof(Item) <= 152, "an Item has grown; see the field order in item.h and treenode.h");
+#endif
+
 namespace {
 // Handles are serial numbers, given out once: a link to a destroyed Item can
 // never come to name another. Only Items that have been asked for a handle

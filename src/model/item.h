@@ -100,6 +100,13 @@ private:
     Extras &extras();
     void dropEmptyExtras();
 
+    // The small fields first: they fill the end of TreeNode's last word.
+    bool m_showIcon : 1 = true;
+    bool m_autoProgress : 1 = false;
+    bool m_italic : 1 = false;
+    quint16 m_progress = 0;
+    quint16 m_statusType = CheckBox;
+    quint16 m_priority = 10;
     std::unique_ptr<Extras> m_extras;
     QString m_category;
     SystemTime m_created;
@@ -107,12 +114,6 @@ private:
     mutable quint32 m_handle = 0;
     quint16 m_taskTimeType = 0;
     quint16 m_colour = 0;
-    quint16 m_progress = 0;
-    quint16 m_statusType = CheckBox;
-    quint16 m_priority = 10;
-    bool m_showIcon = true;
-    bool m_autoProgress = false;
-    bool m_italic = false;
 };
 
 template<typename Fn>

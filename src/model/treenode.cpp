@@ -7,7 +7,10 @@
 
 TreeNode::TreeNode(const QString &name, quint16 image) : TreeNode(Kind::Root, name, image) {}
 
-TreeNode::TreeNode(Kind kind, const QString &name, quint16 image) : m_name(name), m_image(image), m_kind(kind) {}
+TreeNode::TreeNode(Kind kind, const QString &name, quint16 image)
+    : m_name(name), m_image(image), m_isItem(kind == Kind::Item)
+{
+}
 
 TreeNode::~TreeNode()
 {

@@ -31,8 +31,8 @@ public:
     TreeNode(const TreeNode &) = delete;
     TreeNode &operator=(const TreeNode &) = delete;
 
-    Kind kind() const { return m_kind; }
-    bool isItem() const { return m_kind == Kind::Item; }
+    Kind kind() const { return m_isItem ? Kind::Item : Kind::Root; }
+    bool isItem() const { return m_isItem; }
     Item *asItem();
     const Item *asItem() const;
 
@@ -105,13 +105,15 @@ protected:
     void copyNodeFieldsTo(TreeNode *other) const;
 
 private:
+    // The flags share one byte, and Item's own small fields fill the rest of
+    // the last word: a million items, 16 bytes each.
     TreeNode *m_parent = nullptr;
     std::vector<Item *> m_children;
     QString m_name;
     quint32 m_extraWord = 0;
     quint16 m_image = 0;
     quint16 m_sort = SortManual;
-    Kind m_kind = Kind::Root;
-    bool m_expanded = false;
-    bool m_ascending = true;
+    bool m_isItem : 1 = false;
+    bool m_expanded : 1 = false;
+    bool m_ascending : 1 = true;
 };

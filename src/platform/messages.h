@@ -35,6 +35,9 @@ inline constexpr const char *NoItemsToExport = "There are no items that matched 
 inline constexpr const char *ItemExportFailed =
     "Item Export has failed. Please make sure you have enough storage space and try again.";
 inline constexpr const char *ItemsExported = "%d item(s) exported.";
+/// Follows ItemsExported after an export with delete; %1 is the count.
+inline constexpr const char *ExportedItemsKept =
+    "%1 exported item(s) stayed in the document because they hold items that were not exported.";
 inline constexpr const char *TextFileFilter = "Text Files|*.txt|Unicode Files|*.txt|";
 inline constexpr const char *ImportTooLarge = "Unable to load file. Please try again with a smaller file.";
 inline constexpr const char *ExportFailed =
@@ -45,7 +48,15 @@ inline constexpr const char *NoteConversionDone = "Note conversion completed.";
 inline constexpr const char *AskConvertNotes = "Converting notes to a different format may cause data loss. Are you sure?";
 inline constexpr const char *ImportFormatInvalid =
     "The format of the import text file is invalid. Please correct the file and try again.";
+/// Follows ImportFormatInvalid; %1 is the line where the outline broke.
+inline constexpr const char *ImportFormatLine = "(line %1)";
 inline constexpr const char *XmlFileFilter = "XML Files|*.xml|";
+inline constexpr const char *OutlineImportInvalid =
+    "The file is not an outline this program can read. Please correct the file and try again.";
+inline constexpr const char *MarkdownTooDeep =
+    "The outline is nested too deeply for Markdown. Export it as OPML or XML instead.";
+inline constexpr const char *OpmlFileFilter = "OPML Files|*.opml|";
+inline constexpr const char *MarkdownFileFilter = "Markdown Files|*.md;*.markdown|";
 
 inline constexpr const char *NoteTypeQuestion = "Select the type of note to be used in this file:";
 inline constexpr const char *NoteTypePlain = "Plain Text Note";
@@ -103,6 +114,34 @@ inline constexpr const char *ExportDefaultView =
 inline constexpr const char *AskReplaceDocument = "'%1' already exists. Do you want to replace it?";
 /// %1 is the name typed in the options.
 inline constexpr const char *UnknownCodePage = "The code page '%1' is not known. Please choose one from the list.";
+
+} // namespace Messages
+
+// The reminder bubble and its two commands.
+namespace Messages {
+
+inline constexpr const char *ReminderTitle = "Quillbox Reminder";
+/// The page for two reminders; {0} takes the entries.
+inline constexpr const char *ReminderPageTable =
+    "<html><body><table border=\"1\" rules=\"None\" frame=\"Box\" cellspacing=\"0\" cellpadding=\"1\" "
+    "width=\"100%\">{0}</table><p align=right><input type=button name=\"cmd:1990\" value=\"Dismiss All\"></p>"
+    "</body></html>";
+/// One entry of the table: {0} the name, {1} the date, {2} the separator.
+inline constexpr const char *ReminderTableEntry = "<tr><td><b>{0}</b><br />{1}{2}</td></tr>";
+/// %d is the count, three or more.
+inline constexpr const char *ReminderCountPage =
+    "<html><body><p><b>There are %d reminders.</b></p><p align=\"right\"><a href=\"cmd:1991\">View "
+    "Reminders</a></p></body></html>";
+/// The page for one reminder; {0} takes the entry.
+inline constexpr const char *ReminderPageSingle =
+    "<html><body>{0}<p align=right><input type=button name=\"cmd:1990\" value=\"Dismiss All\"></p></body></html>";
+/// The one entry: {0} the name, {1} the date.
+inline constexpr const char *ReminderSingleEntry = "<b>{0}</b><br />{1}";
+inline constexpr const char *ReminderSeparator = "<hr  size=\"1\" width=\"100%\" />";
+inline constexpr const char *DismissAll = "Dismiss All";
+inline constexpr const char *ViewReminders = "View Reminders";
+/// The "Reminder sound:" choice that plays nothing.
+inline constexpr const char *NoSound = "(None)";
 
 } // namespace Messages
 

@@ -1,46 +1,64 @@
 #include "storage/bytereader.h"
 
-#include <QIODevice>
+#include <QFile>
 #include <QtEndian>
 
-namespace {
-// Large enough that refills cost nothing next to parsing, small enough that a
-// file of hundreds of megabytes never sits in memory whole.
-constexpr qint64 ChunkSize = 1 << 20;
-} // namespace
+#ifdef Q_OS_UNIX
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
 
-ByteReader::ByteReader(const QByteArray &bytes) : m_buffer(bytes)
+ByteReader::ByteReader(const QByteArray &bytes)
 {
-    m_pos = reinterpret_cast<const uchar *>(m_buffer.constData());
-    m_end = m_pos + m_buffer.size();
+    setBytes(bytes);
 }
 
-ByteReader::ByteReader(QIODevice *device, qint64 size) : m_device(device), m_deviceLeft(qMax<qint64>(size, 0))
+ByteReader::ByteReader(QFile *file)
 {
-    m_pos = m_end = reinterpret_cast<const uchar *>(m_buffer.constData());
+    const qint64 size = file->size();
+    m_mapping = size > 0 ? file->map(0, size) : nullptr;
+    if (m_mapping) {
+        m_mapped = file;
+        m_pos = m_forgotten = m_mapping;
+        m_end = m_pos + size;
+#ifdef Q_OS_UNIX
+        // The loader reads front to back once: let the kernel read ahead far.
+        posix_madvise(m_mapping, size_t(size), POSIX_MADV_SEQUENTIAL);
+#endif
+        return;
+    }
+    const QByteArray bytes = file->readAll();
+    setBytes(bytes);
+    if (bytes.size() != size)
+        m_ok = false;
 }
 
-bool ByteReader::refill(qint64 size)
+ByteReader::~ByteReader()
 {
-    if (!m_ok || size > bytesLeft() || !m_device) {
-        m_ok = false;
-        return false;
+    if (m_mapping)
+        m_mapped->unmap(m_mapping);
+}
+
+void ByteReader::forgetPages()
+{
+#ifdef Q_OS_LINUX
+    // Whole pages only, the one under the current position kept.
+    const quintptr page = quintptr(sysconf(_SC_PAGESIZE));
+    const quintptr end = quintptr(m_pos) & ~(page - 1);
+    if (end > quintptr(m_forgotten)) {
+        madvise(const_cast<uchar *>(m_forgotten), size_t(end - quintptr(m_forgotten)), MADV_DONTNEED);
+        m_forgotten = reinterpret_cast<const uchar *>(end);
     }
-    // Keep the unread tail, then read at least what is needed from the file.
-    const qint64 kept = m_end - m_pos;
-    const qint64 wanted = qMin(m_deviceLeft, qMax(size - kept, ChunkSize));
-    QByteArray next(kept + wanted, Qt::Uninitialized);
-    std::memcpy(next.data(), m_pos, size_t(kept));
-    const qint64 got = m_device->read(next.data() + kept, wanted);
-    if (got != wanted) {
-        m_ok = false;
-        return false;
-    }
-    m_deviceLeft -= wanted;
-    m_buffer = std::move(next);
+#else
+    m_forgotten = m_pos;
+#endif
+}
+
+void ByteReader::setBytes(const QByteArray &bytes)
+{
+    m_buffer = bytes;
     m_pos = reinterpret_cast<const uchar *>(m_buffer.constData());
     m_end = m_pos + m_buffer.size();
-    return true;
 }
 
 QString ByteReader::units16(quint32 units)

@@ -6,23 +6,39 @@
 #include <QString>
 #include <cstring>
 
-class QIODevice;
+class QFile;
 
 /// Little-endian reader of the document file's primitives, over bytes in
-/// memory or over a file read in large chunks. It knows how many bytes the
+/// memory or over a file mapped into memory. It knows how many bytes the
 /// whole input has left, so every count is checked against them before
 /// anything is allocated; the first failed read makes the reader fail for
 /// good and every later read returns zero or empty.
 class ByteReader {
 public:
+    /// Shares bytes (no copy).
     explicit ByteReader(const QByteArray &bytes);
-    /// Reads size bytes from device (opened for reading) as they are needed.
-    ByteReader(QIODevice *device, qint64 size);
+    /// Reads the whole of file (opened for reading) from a mapping, so the
+    /// file is never copied into a buffer of ours; a file the system cannot
+    /// map (empty, or not a plain file) is read whole instead. The mapping
+    /// goes with the reader.
+    explicit ByteReader(QFile *file);
+    ~ByteReader();
+    ByteReader(const ByteReader &) = delete;
+    ByteReader &operator=(const ByteReader &) = delete;
 
     bool ok() const { return m_ok; }
     void fail() { m_ok = false; }
-    qint64 bytesLeft() const { return (m_end - m_pos) + m_deviceLeft; }
+    qint64 bytesLeft() const { return m_end - m_pos; }
     bool atEnd() const { return bytesLeft() == 0; }
+    /// Tells the reader that nothing before the current position is needed
+    /// again: a mapped file's pages behind it leave the process's memory
+    /// (they stay in the system's file cache), so a large file never adds
+    /// its whole size to the peak. Cheap enough to call once per record.
+    void forgetRead()
+    {
+        if (m_mapping && m_pos - m_forgotten >= ForgetStep)
+            forgetPages();
+    }
 
     quint16 u16()
     {
@@ -78,9 +94,9 @@ private:
     {
         if (m_end - m_pos >= size)
             return m_ok;
-        return refill(size);
+        m_ok = false;
+        return false;
     }
-    bool refill(qint64 size);
     quint16 take16()
     {
         const quint16 v = quint16(m_pos[0] | m_pos[1] << 8);
@@ -89,10 +105,15 @@ private:
     }
     QString units16(quint32 units);
 
+    void setBytes(const QByteArray &bytes);
+    void forgetPages();
+    static constexpr qint64 ForgetStep = 8 << 20;
+
     QByteArray m_buffer;
     const uchar *m_pos = nullptr;
     const uchar *m_end = nullptr;
-    QIODevice *m_device = nullptr;
-    qint64 m_deviceLeft = 0;
+    QFile *m_mapped = nullptr;
+    uchar *m_mapping = nullptr;
+    const uchar *m_forgotten = nullptr; // pages before this are released
     bool m_ok = true;
 };

@@ -5,18 +5,25 @@
 #include "platform/messages.h"
 #include "storage/bytereader.h"
 #include "storage/bytewriter.h"
+#include "storage/documentwriter.h"
 #include "storage/password.h"
 #include "storage/safesave.h"
 
 #include <QFile>
 #include <QHash>
 #include <QStandardPaths>
+#include <QThread>
 #include <memory>
+#include <new>
 #include <vector>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <sys/file.h>
+#endif
 
 namespace {
 
-constexpr quint32 WrittenVersion = 551;
 // An Image of 0xFFFF in a file stands for the icon 826.
 constexpr quint16 ImageUnset = 0xFFFF;
 constexpr quint16 ImageUnsetValue = 826;
@@ -72,11 +79,11 @@ qint64 linkNumber(const QString &link)
 class TreeBuilder {
 public:
     /// maxEntries bounds how many entries the bytes left can hold.
-    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_parent(root), m_legacy(legacy)
+    TreeBuilder(TreeNode *root, bool legacy, qint64 maxEntries) : m_root(root), m_parent(root), m_legacy(legacy)
     {
         // Reserved, not touched: pages never written cost no memory, and
         // the list never has to be copied while it grows.
-        m_numbered.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
+        m_numbers.reserve(size_t(qBound<qint64>(0, maxEntries, qint64(1) << 26)));
     }
 
     /// Appends item under the parent its depth names; false (item not placed)
@@ -104,7 +111,7 @@ public:
         m_depth = depth;
         m_parent->appendChild(item);
         m_last = item;
-        m_numbered.emplace_back(number, item);
+        m_numbers.push_back(number);
         return true;
     }
 
@@ -137,8 +144,13 @@ public:
         }
         if (currentNumber >= 1)
             wanted.insert(quint32(currentNumber), nullptr);
-        // In file order, so a later equal number replaces an earlier one.
-        for (const auto &[number, item] : m_numbered) {
+        // Every Item goes in as the last one of the tree so far, so the
+        // tree's depth-first order is the file's order and pairs the Items
+        // with their numbers. In file order, a later equal number replaces an
+        // earlier one.
+        TreeWalker walker(m_root);
+        for (const quint32 number : m_numbers) {
+            Item *item = walker.next();
             const auto found = wanted.find(number);
             if (found != wanted.end())
                 *found = item;
@@ -158,11 +170,12 @@ public:
     }
 
 private:
+    TreeNode *m_root;
     TreeNode *m_parent;
     Item *m_last = nullptr;
     quint32 m_depth = 1;
     bool m_legacy;
-    std::vector<std::pair<quint32, Item *>> m_numbered; // in file order
+    std::vector<quint32> m_numbers; // in file order
     std::vector<TreeNode *> m_expanded;
     std::vector<Item *> m_withItemLinks;
 };
@@ -267,6 +280,7 @@ bool readEntries(ByteReader &in, quint32 version, Document *categoryOwner, TreeB
         }
         if (hasItemLink)
             builder->repairLater(placed);
+        in.forgetRead();
     }
     return in.ok();
 }
@@ -393,6 +407,7 @@ DocumentFile::LoadResult readLegacy(ByteReader &in, Document *doc)
             builder.repairLater(placed);
         if (itemFlags & (1u << 4))
             current = placed;
+        in.forgetRead();
     }
     builder.finish(0);
     doc->setCurrent(current);
@@ -418,156 +433,6 @@ DocumentFile::LoadResult loadFrom(ByteReader &in, Document *doc)
     }
 }
 
-/// Numbers Items as the writer meets them. The current Item and item link
-/// targets met before their own entry get theirs early, so the numbers are
-/// unique in the file but not in file order.
-class Numbering {
-public:
-    /// Link targets must be Items of scope (the document's whole tree), so a
-    /// target outside a written branch still gets a number while one removed
-    /// from the tree, or of another document, is written as a dead link.
-    explicit Numbering(const TreeNode *scope) { m_live.insert(scope); }
-
-    /// The current Item is numbered first, before anything is written.
-    quint32 numberFirst(const Item *item)
-    {
-        m_first = item;
-        return numberOf(item);
-    }
-
-    quint32 numberOf(const Item *item)
-    {
-        if (item == m_first && m_firstNumber)
-            return m_firstNumber;
-        if (item == m_first)
-            return m_firstNumber = m_next++;
-        // Only an Item that has a handle can be named by a link, so only such
-        // Items need remembering; the rest take the next number.
-        if (!item->hasHandle())
-            return m_next++;
-        auto found = m_numbers.find(item);
-        if (found == m_numbers.end())
-            found = m_numbers.insert(item, m_next++);
-        return *found;
-    }
-    QString fileLink(const QString &link)
-    {
-        if (!Item::isItemLink(link))
-            return link;
-        const Item *target = Item::fromHandle(Item::handleOfLink(link));
-        if (!target || !isLive(target))
-            return QStringLiteral("!0");
-        return QLatin1Char('!') + QString::number(numberOf(target));
-    }
-
-private:
-    // Climbs from node until a node known to be in scope (live) or the top of
-    // another tree (dead); what the climb passed is remembered either way, so
-    // every node is climbed over at most once however deep the tree.
-    bool isLive(const TreeNode *node)
-    {
-        std::vector<const TreeNode *> path;
-        bool live = false;
-        for (const TreeNode *up = node; up; up = up->parent()) {
-            if (m_live.contains(up)) {
-                live = true;
-                break;
-            }
-            if (m_dead.contains(up))
-                break;
-            path.push_back(up);
-        }
-        for (const TreeNode *passed : path)
-            (live ? m_live : m_dead).insert(passed);
-        return live;
-    }
-
-    QHash<const Item *, quint32> m_numbers;
-    const Item *m_first = nullptr;
-    quint32 m_firstNumber = 0;
-    QSet<const TreeNode *> m_live;
-    QSet<const TreeNode *> m_dead;
-    quint32 m_next = 1;
-};
-
-void writeNodeRecord(ByteWriter &out, const TreeNode *node)
-{
-    out.u16(node->image());
-    out.string(node->name());
-    out.u32(node->extraWord());
-    out.u32(node->stdFlags());
-    out.u16(node->sort());
-}
-
-void writeHeader(ByteWriter &out, const Document &doc, quint32 currentNumber)
-{
-    out.u32(WrittenVersion);
-    out.u16(quint16(doc.passwordHash.size()));
-    out.block(doc.passwordHash.left(0xFFFF));
-    out.u32(doc.docFlags());
-    out.u16(doc.noteType);
-    out.u16(doc.viewMode);
-    out.u16(doc.viewOrder);
-    out.u32(doc.hideByStatus);
-    out.u32(currentNumber);
-}
-
-void writeEntries(ByteWriter &out, const TreeNode *top, Numbering *numbering)
-{
-    TreeWalker walker(top);
-    while (const Item *item = walker.next()) {
-        out.u32(quint32(walker.depth()));
-        out.u32(numbering->numberOf(item));
-        writeNodeRecord(out, item);
-        out.string(item->taskTime());
-        out.u16(item->colour());
-        out.time(item->created());
-        out.u16(item->progress());
-        out.u16(item->statusType());
-        out.u32(item->flags());
-        out.string(item->category());
-        out.u16(item->priority());
-        out.time(item->dueDate());
-        out.time(item->reminderTime());
-        const QByteArray note = item->note();
-        out.u32(quint32(note.size()));
-        out.block(note);
-        const QStringList links = item->links();
-        out.u32(quint32(links.size()));
-        for (const QString &link : links)
-            out.string(numbering->fileLink(link));
-        if (!out.ok())
-            return;
-    }
-}
-
-bool writeDocument(ByteWriter &out, const Document &doc)
-{
-    const TreeNode *root = doc.root();
-    Numbering numbering(root);
-    quint32 currentNumber = 0;
-    const Item *current = doc.currentItem();
-    const TreeNode *top = current;
-    while (top && top->parent())
-        top = top->parent();
-    if (current && top == root) {
-        currentNumber = numbering.numberFirst(current);
-    }
-    writeHeader(out, doc, currentNumber);
-    writeNodeRecord(out, root);
-    writeEntries(out, root, &numbering);
-    return out.finish();
-}
-
-bool writeBranch(ByteWriter &out, const Document &doc, const TreeNode *node)
-{
-    Numbering numbering(doc.root());
-    writeHeader(out, doc, 0);
-    writeNodeRecord(out, node);
-    writeEntries(out, node, &numbering);
-    return out.finish();
-}
-
 DocumentFile::LoadResult openForReading(const QString &path, QFile *file)
 {
     file->setFileName(path);
@@ -585,29 +450,47 @@ DocumentFile::LoadResult DocumentFile::load(const QString &path, Document *docum
     const LoadResult opened = openForReading(path, &file);
     if (opened != Loaded)
         return opened;
-    ByteReader in(&file, file.size());
-    const LoadResult result = loadFrom(in, document);
-    if (result == Loaded)
-        document->path = path;
-    return result;
+#ifdef Q_OS_UNIX
+    // A file being rewritten in place holds an exclusive flock until it is
+    // whole again; a reader waits for that, but not for ever.
+    for (int tries = 0; tries < 100 && ::flock(file.handle(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+         ++tries)
+        QThread::msleep(50);
+#endif
+    // Running out of memory ends the load like a damaged file, never the
+    // program; the counts in the file are checked before anything is
+    // allocated, so this takes a file that is large and whole.
+    try {
+        ByteReader in(&file);
+        const LoadResult result = loadFrom(in, document);
+        if (result == Loaded)
+            document->path = path;
+        return result;
+    } catch (const std::bad_alloc &) {
+        return Damaged;
+    }
 }
 
 DocumentFile::LoadResult DocumentFile::loadFromBytes(const QByteArray &bytes, Document *document)
 {
-    ByteReader in(bytes);
-    return loadFrom(in, document);
+    try {
+        ByteReader in(bytes);
+        return loadFrom(in, document);
+    } catch (const std::bad_alloc &) {
+        return Damaged;
+    }
 }
 
 QByteArray DocumentFile::toBytes(const Document &document)
 {
     ByteWriter out;
     if (document.root())
-        writeDocument(out, document);
+        DocumentWriter::writeDocument(out, document);
     out.finish();
     return out.bytes();
 }
 
-bool DocumentFile::save(const Document &document, const QString &path, QString *error)
+bool DocumentFile::save(const Document &document, const QString &path, QString *error, const QString &source)
 {
     if (!document.root())
         return true;
@@ -616,15 +499,15 @@ bool DocumentFile::save(const Document &document, const QString &path, QString *
         target,
         [&document](QIODevice &device) {
             ByteWriter out(&device);
-            return writeDocument(out, document);
+            return DocumentWriter::writeDocument(out, document);
         },
-        error);
+        error, SafeSave::Options{source});
 }
 
 QByteArray DocumentFile::branchToBytes(const Document &document, const TreeNode *node)
 {
     ByteWriter out;
-    writeBranch(out, document, node);
+    DocumentWriter::writeBranch(out, document, node);
     return out.bytes();
 }
 
@@ -634,22 +517,32 @@ bool DocumentFile::saveBranch(const Document &document, const TreeNode *node, co
         path,
         [&document, node](QIODevice &device) {
             ByteWriter out(&device);
-            return writeBranch(out, document, node);
+            return DocumentWriter::writeBranch(out, document, node);
         },
-        error);
+        error, SafeSave::Options{document.path});
 }
 
 DocumentFile::LoadResult DocumentFile::importInto(Document *document, TreeNode *target, const QString &path,
                                                   const PasswordPrompt &askPassword, const NoteConverter &convertNotes)
 {
+    try {
+        return importFile(document, target, path, askPassword, convertNotes);
+    } catch (const std::bad_alloc &) {
+        return Damaged; // nothing joined the document: the items move in only at the end
+    }
+}
+
+DocumentFile::LoadResult DocumentFile::importFile(Document *document, TreeNode *target, const QString &path,
+                                                  const PasswordPrompt &askPassword, const NoteConverter &convertNotes)
+{
     QFile file;
     if (openForReading(path, &file) != Loaded)
         return Damaged;
-    ByteReader in(&file, file.size());
+    ByteReader in(&file);
     const quint32 version = in.u32();
     if (!in.ok())
         return Damaged;
-    if (version != WrittenVersion)
+    if (version != DocumentWriter::Version)
         return UnsupportedVersion;
 
     const quint16 hashLength = in.u16();

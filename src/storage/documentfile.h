@@ -36,13 +36,16 @@ public:
 
     /// Writes the whole document (version 551) to path, or to document.path
     /// when path is empty, by a safe save. A document without a root saves
-    /// nothing and succeeds.
-    static bool save(const Document &document, const QString &path = QString(), QString *error = nullptr);
+    /// nothing and succeeds. A file that is the same as source (a document
+    /// read for the content, e.g. by a partial export) is never written.
+    static bool save(const Document &document, const QString &path = QString(), QString *error = nullptr,
+                     const QString &source = QString());
     /// The bytes that save() writes.
     static QByteArray toBytes(const Document &document);
 
     /// The branch file: the document's header with CurrentNumber 0, node's own
     /// TreeNode fields in place of the root, then its descendants from Depth 1.
+    /// Never written over the document's own file (document.path).
     static bool saveBranch(const Document &document, const TreeNode *node, const QString &path,
                            QString *error = nullptr);
     static QByteArray branchToBytes(const Document &document, const TreeNode *node);
@@ -74,4 +77,8 @@ public:
     static QString loadMessage(LoadResult result, const QString &path);
     /// The message for an import result.
     static QString importMessage(LoadResult result);
+
+private:
+    static LoadResult importFile(Document *document, TreeNode *target, const QString &path,
+                                 const PasswordPrompt &askPassword, const NoteConverter &convertNotes);
 };

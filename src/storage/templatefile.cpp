@@ -98,7 +98,7 @@ bool TemplateFile::load(const QString &path)
     }
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    ByteReader in(&file, file.size());
+    ByteReader in(&file);
     const quint32 version = in.u32();
     const quint32 count = in.u32();
     if (!in.ok())

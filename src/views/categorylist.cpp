@@ -3,7 +3,8 @@
 #include "model/document.h"
 #include "platform/collation.h"
 
-#include <algorithm>
+#include <QCollatorSortKey>
+#include <set>
 
 namespace CategoryList {
 
@@ -12,11 +13,15 @@ QStringList fill(const Document &document, bool useStoreCategories, const QStrin
     QStringList list = document.categories;
     if (!useStoreCategories)
         return list;
+    // The document's categories by sort key: each store category costs one
+    // key and a logarithmic look-up, not a pass over the document's list.
     const Collation &collation = Collation::instance();
+    const auto before = [](const QCollatorSortKey &a, const QCollatorSortKey &b) { return a.compare(b) < 0; };
+    std::set<QCollatorSortKey, decltype(before)> own(before);
+    for (const QString &category : document.categories)
+        own.insert(collation.sortKey(category));
     for (const QString &name : storeCategories) {
-        const bool known = std::any_of(document.categories.begin(), document.categories.end(),
-                                       [&](const QString &own) { return collation.equal(own, name); });
-        if (!known)
+        if (!own.count(collation.sortKey(name)))
             list.append(name);
     }
     return list;

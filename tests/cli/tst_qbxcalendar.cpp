@@ -105,7 +105,7 @@ void TestQbxCalendar::folderStore()
     QCOMPARE(run.out, QStringLiteral("Home\nPapers\nErrands\n"));
 
     run = qbx({"create", "task", m_path, "--to", "1", "--store", "http://192.0.2.1/cal/"});
-    QCOMPARE(run.status, 6);
+    QCOMPARE(run.status, 9);
     QCOMPARE(run.err, QString::fromUtf8(Messages::CalendarUnreachable)
                               .arg(QString::fromUtf8(Messages::CalendarHttpsRequired).arg("http://192.0.2.1/cal/")) +
                           QLatin1Char('\n'));
@@ -124,7 +124,7 @@ void TestQbxCalendar::caldavStore()
 
     Run run = qbx({"create", "task", m_path, "--to", "1", "--children", "--store", url, "--user", "alice"},
                   QStringLiteral("wrong"));
-    QCOMPARE(run.status, 6);
+    QCOMPARE(run.status, 9);
     QVERIFY2(run.err.contains(QString::fromUtf8(Messages::CalendarAuthFailed).arg("127.0.0.1")), qPrintable(run.err));
     QVERIFY(server.storedObjects().isEmpty());
 

@@ -3,10 +3,14 @@
 #include "storage/documentfile.h"
 #include "storage/settings.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
 
 namespace {
 
@@ -28,6 +32,8 @@ private Q_SLOTS:
     void exportItemsAndBranch();
     void importText();
     void importDocumentConvertsNotes();
+    void outlinesOutAndIn_data();
+    void outlinesOutAndIn();
     void convertNotes();
     void failuresPrintTheMessage();
 
@@ -195,9 +201,43 @@ void TestQbxExchange::importText()
     QFile::remove(doc);
     run = qbx({"import", "text", text});
     QCOMPARE(run.status, 3);
-    QCOMPARE(run.err,
-             QByteArray("The format of the import text file is invalid. Please correct the file and try again.\n"));
+    QCOMPARE(run.err, QByteArray("The format of the import text file is invalid. Please correct the file and try "
+                                 "again. (line 2)\n"));
     QVERIFY(!QFile::exists(doc));
+}
+
+void TestQbxExchange::outlinesOutAndIn_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("extension");
+    QTest::newRow("opml") << "opml" << "opml";
+    QTest::newRow("markdown") << "markdown" << "md";
+}
+
+void TestQbxExchange::outlinesOutAndIn()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, extension);
+    const QString doc = writeSample();
+    const QString outline = path(QStringLiteral("out.") + extension);
+    QCOMPARE(qbx({"export", kind, doc, outline}).status, 0);
+
+    // A new document beside the outline...
+    Run run = qbx({"import", kind, outline});
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.out, path(QStringLiteral("out.qbx")).toUtf8() + "\n");
+    Document made;
+    QCOMPARE(DocumentFile::load(path(QStringLiteral("out.qbx")), &made), DocumentFile::Loaded);
+    QCOMPARE(describe(made.root()), QStringLiteral("R(a(b),c)"));
+    QCOMPARE(qbx({"import", kind, outline}).status, 3);
+
+    // ...or its items under an item of a document; a missing file changes nothing.
+    QCOMPARE(qbx({"import", kind, doc, path(QStringLiteral("missing"))}).status, 4);
+    QCOMPARE(qbx({"import", kind, doc, outline, "--into", "3"}).status, 0);
+    Document joined;
+    QCOMPARE(DocumentFile::load(doc, &joined), DocumentFile::Loaded);
+    QCOMPARE(describe(joined.root()), QStringLiteral("R(a(b),c(a(b),c))"));
+    QVERIFY(joined.root()->child(1)->child(0)->isComplete());
 }
 
 void TestQbxExchange::importDocumentConvertsNotes()
@@ -234,16 +274,33 @@ void TestQbxExchange::convertNotes()
 
 void TestQbxExchange::failuresPrintTheMessage()
 {
+    // The fixed storage-space message only when the disk is full; always the
+    // file and the reason.
     const QString doc = writeSample();
     const QString missing = path(QStringLiteral("no/such/dir/out"));
-    const QByteArray exportFailed("Export has failed. Please make sure you have enough storage space and try again.\n");
     const Run run = qbx({"export", "notes", doc, missing});
     QCOMPARE(run.status, 5);
-    QCOMPARE(run.err, exportFailed);
-    const Run items = qbx({"export", "items", doc, missing, "--choice", "0"});
+    QCOMPARE(run.err, "qbx: " + QFile::encodeName(missing) + ": folder missing\n");
+    const Run items = qbx({"export", "items", doc, path(QStringLiteral(".")), "--choice", "0"});
     QCOMPARE(items.status, 5);
-    QVERIFY(items.err.startsWith("Item Export has failed. Please make sure you have enough storage space and try "
-                                 "again.\n"));
+    QCOMPARE(items.err, "qbx: " + QFile::encodeName(m_dir->path()) + ": is a directory\n");
+
+    // A file size limit fails the writes as a full disk does.
+    const QString out = path(QStringLiteral("full.xml"));
+    QProcess process;
+    process.setChildProcessModifier([] {
+        const rlimit limit{100, 100};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        ::signal(SIGXFSZ, SIG_IGN);
+    });
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), {"export", "xml", doc, out});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 5);
+    QCOMPARE(process.readAllStandardError(),
+             "Export has failed. Please make sure you have enough storage space and try again.\nqbx: " +
+                 QFile::encodeName(out) + ": disk full\n");
+    QVERIFY(!QFile::exists(out));
+    QCOMPARE(QDir(m_dir->path()).entryList({QStringLiteral("*.part")}, QDir::Files | QDir::Hidden), QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestQbxExchange)

@@ -2,6 +2,7 @@
 #include "support/exchangetest.h"
 #include "model/document.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -242,34 +243,57 @@ void TestXmlExport::fileBytes_data()
     QTest::addColumn<int>("encoding");
     QTest::addColumn<QString>("codePage");
     QTest::addColumn<QString>("rootName");
+    QTest::addColumn<int>("items");
     QTest::addColumn<QByteArray>("bytes");
 
     const QString cafe = QString::fromUtf8("Café😀");
     QTest::newRow("default: code page, no declaration")
-        << 0 << "windows-1252" << QString::fromUtf8("Café")
+        << 0 << "windows-1252" << QString::fromUtf8("Café") << 0
         << QByteArray("<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n"
                       "</ROOT>\r\n");
     // The declaration says UTF-8, the bytes are the code page's, one per
     // UTF-16 unit: the pair became one "?", which leaves a zero at the end.
     QTest::newRow("UTF-8 is only a label")
-        << 1 << "windows-1252" << cafe
+        << 1 << "windows-1252" << cafe << 0
         << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" "
                       "Name=\"Caf\xe9?\">\r\n</ROOT>\r\n") +
                QByteArray(1, '\0');
-    QTest::newRow("UTF-16") << 2 << "windows-1252" << cafe
+    QTest::newRow("UTF-16") << 2 << "windows-1252" << cafe << 0
                             << QByteArray("\xff\xfe") +
                                    le(u"<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" "
                                       u"Sort=\"15\" Name=\"Caf\u00e9\xd83d\xde00\">\r\n</ROOT>\r\n");
-    QTest::newRow("ISO-8859-1 label") << 3 << "windows-1252" << QString::fromUtf8("€")
+    QTest::newRow("ISO-8859-1 label") << 3 << "windows-1252" << QString::fromUtf8("€") << 0
                                       << QByteArray(
                                              "<?xml version=\"1.0\" encoding=\"ISO-8859-1\" ?>\r\n<ROOT "
                                              "Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"\x80\">\r\n</ROOT>\r\n");
     // Two bytes per character in a double-byte code page: the text is cut at
     // its number of UTF-16 units, in the middle of the closing tag.
-    QTest::newRow("Shift-JIS is cut") << 5 << "windows-932" << QString::fromUtf8("日本")
+    QTest::newRow("Shift-JIS is cut") << 5 << "windows-932" << QString::fromUtf8("日本") << 0
                                       << QByteArray("<?xml version=\"1.0\" encoding=\"Shift-JIS\" ?>\r\n<ROOT "
                                                     "Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"\x93\xfa\x96\x7b\">\r\n"
                                                     "</ROOT>");
+
+    // Megabytes of text reach the file in many pieces; the cut and the
+    // padding still fall at the very end, and no piece is lost or doubled.
+    const int many = 7000;
+    const QByteArray items = plainItem("x").repeated(many);
+    QTest::newRow("Shift-JIS cut at the end of a large file")
+        << 5 << "windows-932" << QString::fromUtf8("日本") << many
+        << QByteArray("<?xml version=\"1.0\" encoding=\"Shift-JIS\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" "
+                      "Name=\"\x93\xfa\x96\x7b\">\r\n") +
+               items + "</ROOT>";
+    QTest::newRow("a pair padded at the end of a large file")
+        << 0 << "windows-1252" << cafe << many
+        << QByteArray("<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9?\">\r\n") +
+               items + "</ROOT>\r\n" + QByteArray(1, '\0');
+    QByteArray wide("\xff\xfe");
+    for (const char c : QByteArray("<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" "
+                                   "Sort=\"15\" Name=\"R\">\r\n") +
+                            items + "</ROOT>\r\n") {
+        wide += c;
+        wide += '\0';
+    }
+    QTest::newRow("UTF-16, large file") << 2 << "windows-1252" << QStringLiteral("R") << many << wide;
 }
 
 void TestXmlExport::fileBytes()
@@ -277,6 +301,7 @@ void TestXmlExport::fileBytes()
     QFETCH(int, encoding);
     QFETCH(QString, codePage);
     QFETCH(QString, rootName);
+    QFETCH(int, items);
     QFETCH(QByteArray, bytes);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("out.xml"));
@@ -286,11 +311,17 @@ void TestXmlExport::fileBytes()
         old.write(QByteArray(4096, 'x')); // an older, longer file is replaced whole
     }
     TreeNode root(rootName);
+    for (int i = 0; i < items; ++i)
+        root.appendChild(plain(QStringLiteral("x")));
     XmlExport::Options options;
     options.encoding = quint16(encoding);
     options.codePage = codePage;
     QVERIFY(XmlExport::exportXml(path, &root, options));
-    QCOMPARE(readFile(path), bytes);
+    const QByteArray written = readFile(path);
+    QCOMPARE(written.size(), bytes.size());
+    QVERIFY(written == bytes);
+    // Written beside the target and renamed over it: nothing else is left.
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("out.xml")});
 }
 
 void TestXmlExport::failures()

@@ -1,6 +1,7 @@
 #include "model/editing.h"
 #include "model/document.h"
 #include "platform/clock.h"
+#include "platform/collation.h"
 
 #include <QTest>
 
@@ -201,6 +202,11 @@ private Q_SLOTS:
         QCOMPARE(document.categories,
                  QStringList({QStringLiteral("Work"), QStringLiteral("home"), QStringLiteral("work"),
                               QStringLiteral("Home")}));
+        // A spelling not met before that the locale finds equal joins nothing.
+        Collation::instance().setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
+        document.collectCategory(QString::fromUtf8("Caf\u00e9"));
+        document.collectCategory(QString::fromUtf8("Cafe\u0301"));
+        QCOMPARE(document.categories.size(), 5);
         // An edit of the list elsewhere is noticed.
         document.categories.clear();
         document.collectCategory(QStringLiteral("Work"));

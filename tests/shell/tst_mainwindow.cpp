@@ -69,7 +69,6 @@ private Q_SLOTS:
     void saveOnDeactivation();
     void handOverFromASecondInstance();
     void secondProcessHandsOverAndExits();
-    void menuBarWords();
     void menusFollowTheState();
     void ctrlAOpensTheAboutBox();
 
@@ -346,56 +345,6 @@ void TestMainWindow::secondProcessHandsOverAndExits()
     QCOMPARE(second.exitCode(), 0);
     QCOMPARE(received.count(), 1);
     QCOMPARE(received.first().first().toString(), docPath(QStringLiteral("Beta.qbx")));
-}
-
-namespace {
-// The entries of a menu as the person reads them: "-" for a separator,
-// submenus as "title > [entries]".
-QStringList words(const QMenu *menu)
-{
-    QStringList out;
-    for (QAction *action : menu->actions()) {
-        if (action->isSeparator())
-            out.append(QStringLiteral("-"));
-        else if (action->menu())
-            out.append(action->text() + QStringLiteral(" > [") + words(action->menu()).join(QStringLiteral(", ")) +
-                       QStringLiteral("]"));
-        else
-            out.append(action->text());
-    }
-    return out;
-}
-} // namespace
-
-void TestMainWindow::menuBarWords()
-{
-    MainWindow *w = makeWindow();
-    w->start(QString());
-    QMenuBar *bar = w->menuBar();
-    QCOMPARE(bar->actions().size(), 2);
-    QCOMPARE(bar->actions().at(0)->text(), QStringLiteral("New"));
-    QCOMPARE(words(bar->actions().at(1)->menu()), QStringList({"Refresh", "-", "Import...", "-", "About..."}));
-
-    QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
-    QCOMPARE(bar->actions().size(), 4);
-    QCOMPARE(words(bar->actions().at(1)->menu()),
-             QStringList({"Default View", "By Category", "By Task/Due Date", "By Priority", "-", "Hide Completed Items",
-                          "Hide By Status > [No Status, Check Box, Progress Bar]",
-                          "Item Display Options > [Show Due Date, Show Statistics]", "-",
-                          "Windows && Toolbars > [Note Window, Quick Entry Bar, Recording Toolbar]", "-", "Expand All",
-                          "Collapse All"}));
-    QCOMPARE(words(bar->actions().at(2)->menu()),
-             QStringList({"Find Item...", "Find Result...", "-", "Set Password...", "Save",
-                          "File > [File Properties..., Convert Notes..., -, Save As...]", "-",
-                          "Import/Export > [Import File..., -, View..., XML..., Links..., All Notes..., -, Items...]",
-                          "-", "Options...", "Item Templates...", "About..."}));
-    QCOMPARE(words(bar->actions().at(3)->menu()),
-             QStringList({"Move Up", "Move Down", "-", "Up a Level", "Down a Level"}));
-    QVERIFY(!bar->actions().at(3)->menu()->icon().isNull());
-    QCOMPARE(bar->actions().at(3)->text(), QString());
-    QCOMPARE(command(w, "actionSave")->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
-    QCOMPARE(command(w, "actionNew")->shortcuts(),
-             QList<QKeySequence>({QKeySequence(QStringLiteral("Ctrl+N")), QKeySequence(QStringLiteral("Ctrl+I"))}));
 }
 
 void TestMainWindow::menusFollowTheState()

@@ -641,6 +641,24 @@ void TestDocumentFile::fileResults()
 
     // A save into a folder that does not exist fails and creates nothing.
     QVERIFY(!DocumentFile::save(loaded, dir.filePath(QStringLiteral("no/such/folder.qbx"))));
+
+    // A file on disk is read from a mapping with the same checks: cut
+    // anywhere, it is damage, and it stays exactly as it was.
+    const QByteArray whole = DocumentFile::toBytes(source);
+    const QString cutPath = dir.filePath(QStringLiteral("cut.qbx"));
+    for (const qsizetype length : {qsizetype(0), qsizetype(3), whole.size() / 2, whole.size() - 1}) {
+        const QByteArray cut = whole.left(length);
+        {
+            QFile file(cutPath);
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            QCOMPARE(file.write(cut), cut.size());
+        }
+        Document damaged;
+        QVERIFY2(DocumentFile::load(cutPath, &damaged) == DocumentFile::Damaged, qPrintable(QString::number(length)));
+        QFile file(cutPath);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll() == cut);
+    }
 }
 
 void TestDocumentFile::branchFile()

@@ -4,7 +4,8 @@
 // level, each line "name" or "name | field=value ...". Fields: cat, pri,
 // due (YYYY-MM-DD or YYYY-MM-DDTHH:MM), prog, st (status type), col, sort,
 // desc (descending), auto, italic, noicon, exp (expanded), note (plain text,
-// '_' for spaces).
+// '_' for spaces), rem (YYYY-MM-DDTHH:MM, a pending reminder: seconds field 1),
+// rem0 (the same, dismissed: seconds field 0).
 
 #include "notes/notetext.h"
 #include "model/document.h"
@@ -53,7 +54,11 @@ inline void setFields(Item *item, const QString &fields)
             item->setItalic(true);
         else if (key == QLatin1String("noicon"))
             item->setShowIcon(false);
-        else if (key == QLatin1String("note"))
+        else if (key == QLatin1String("rem") || key == QLatin1String("rem0")) {
+            SystemTime reminder = date(value);
+            reminder.second = key == QLatin1String("rem") ? 1 : 0;
+            item->setReminderTime(reminder);
+        } else if (key == QLatin1String("note"))
             item->setNote(NoteText::toPlainNote(QString(value).replace(QLatin1Char('_'), QLatin1Char(' '))));
         else if (key != QLatin1String("exp"))
             qFatal("unknown outline field %s", qPrintable(key));

@@ -7,6 +7,7 @@
 #include "shell/commands/filecommands.h"
 #include "shell/commands/findcommands.h"
 #include "shell/commands/itemcommands.h"
+#include "shell/commands/remindercommands.h"
 #include "shell/commands/templatecommands.h"
 #include "shell/commands/viewcommands.h"
 #include "shell/document/documentview.h"
@@ -249,8 +250,9 @@ void MainWindow::buildViewMenus()
                            {"actionFileProperties", "actionConvertNotes", "", "actionSaveAs"}));
     tools->addSeparator();
     tools->addMenu(addMenu(QStringLiteral("Import/Export"), "menuImportExport",
-                           {"actionImportFile", "", "actionExportView", "actionExportXml", "actionExportLinks",
-                            "actionExportNotes", "", "actionExportItems"}));
+                           {"actionImportFile", "actionImportOutline", "", "actionExportView", "actionExportXml",
+                            "actionExportLinks", "actionExportNotes", "", "actionExportItems", "", "actionExportOpml",
+                            "actionExportMarkdown"}));
     tools->addSeparator();
     tools->addAction(command(QStringLiteral("actionOptions")));
     tools->addAction(command(QStringLiteral("actionItemTemplates")));
@@ -327,6 +329,7 @@ void MainWindow::showView(DocumentView *view)
     // The item commands live and go with the view.
     m_items = new ItemCommands(view, this, m_templates, view);
     addActions(m_items->actions());
+    addActions((new ReminderCommands(view, this))->actions());
     m_templates->viewOpened();
     buildViewMenus();
     updateActions();

@@ -2,6 +2,10 @@
 
 #include "exchange/documentimport.h"
 #include "exchange/itemexport.h"
+#include "exchange/markdownexport.h"
+#include "exchange/markdownimport.h"
+#include "exchange/opmlexport.h"
+#include "exchange/opmlimport.h"
 #include "exchange/textexport.h"
 #include "exchange/textimport.h"
 #include "exchange/xmlexport.h"
@@ -42,6 +46,97 @@ ExchangeCommands::ExchangeCommands(CommandHost *host, QObject *parent) : Command
         "actionExportNotes", QStringLiteral("All Notes..."), [this] { exportText(TextKind::Notes); }, exportable);
     add(
         "actionExportItems", QStringLiteral("Items..."), [this] { exportItems(); }, exportable);
+    add(
+        "actionImportOutline", QStringLiteral("Outline (OPML, Markdown)..."), [this] { importOutline(); }, defaultView);
+    add(
+        "actionExportOpml", QStringLiteral("OPML..."), [this] { exportOutline(false); }, exportable);
+    add(
+        "actionExportMarkdown", QStringLiteral("Markdown..."), [this] { exportOutline(true); }, exportable);
+}
+
+namespace {
+
+bool isOpml(const QString &path)
+{
+    return path.endsWith(QLatin1String(".opml"), Qt::CaseInsensitive);
+}
+
+bool isMarkdown(const QString &path)
+{
+    return path.endsWith(QLatin1String(".md"), Qt::CaseInsensitive) ||
+           path.endsWith(QLatin1String(".markdown"), Qt::CaseInsensitive);
+}
+
+QString outlineFilters()
+{
+    return Prompts::filtersOf(QString::fromLatin1(Messages::OpmlFileFilter) +
+                              QString::fromLatin1(Messages::MarkdownFileFilter))
+        .join(QStringLiteral(";;"));
+}
+
+} // namespace
+
+void ExchangeCommands::importOutline()
+{
+    DocumentView *view = m_host->view();
+    Prompts *prompts = m_host->prompts();
+    Document *document = view->document();
+    TreeNode *target = view->treePane()->currentNode() ? view->treePane()->currentNode() : document->root();
+    const QString path =
+        prompts->openFileName(view, QStringLiteral("Import Outline"), m_host->documentsFolder(), outlineFilters());
+    if (path.isEmpty())
+        return;
+    view->commitEdits();
+    const quint16 icon = TextImport::iconOf(m_host->settings().textImport);
+    QString message;
+    {
+        WaitCursor wait;
+        if (isMarkdown(path)) {
+            message =
+                MarkdownImport::message(MarkdownImport::importInto(path, document, target, {document->noteType, icon}));
+        } else {
+            QString detail;
+            const OpmlImport::Result result =
+                OpmlImport::importInto(path, document, target, {document->noteType, icon}, &detail);
+            message = OpmlImport::message(result, detail);
+        }
+    }
+    if (!message.isEmpty()) {
+        prompts->message(view, Prompts::Icon::Stop, message);
+        return;
+    }
+    view->edited(ItemHost::Edit::ItemsAdded, target->asItem());
+    view->refresh(target);
+}
+
+void ExchangeCommands::exportOutline(bool markdown)
+{
+    DocumentView *view = m_host->view();
+    Prompts *prompts = m_host->prompts();
+    const QString extension = markdown ? QStringLiteral("md") : QStringLiteral("opml");
+    const char *filter = markdown ? Messages::MarkdownFileFilter : Messages::OpmlFileFilter;
+    const QString path = prompts->saveFileOfType(view, QStringLiteral("Export"), suggestedPath(extension),
+                                                 Prompts::filtersOf(QString::fromLatin1(filter)), extension, nullptr);
+    if (path.isEmpty())
+        return;
+    view->commitEdits();
+    const Document *document = view->document();
+    QString message;
+    QString error;
+    {
+        WaitCursor wait;
+        if (markdown) {
+            const MarkdownExport::Result result =
+                MarkdownExport::exportMarkdown(path, document->root(), {document->noteType}, &error);
+            if (result != MarkdownExport::Result::Ok)
+                message = MarkdownExport::message(result);
+        } else if (!OpmlExport::exportOpml(path, document->root(), {document->noteType}, &error)) {
+            message = QString::fromLatin1(Messages::ExportFailed);
+        }
+    }
+    if (!message.isEmpty())
+        prompts->message(view, Prompts::Icon::Stop,
+                         error.isEmpty() ? message : message + QStringLiteral("\n\n") + error);
 }
 
 QString ExchangeCommands::suggestedPath(const QString &extension) const
@@ -74,8 +169,10 @@ void ExchangeCommands::importFile()
     const QString message = DocumentFile::importMessage(result);
     if (!message.isEmpty())
         prompts->message(view, Prompts::Icon::Stop, message);
-    if (result == DocumentFile::Loaded)
+    if (result == DocumentFile::Loaded) {
+        view->edited(ItemHost::Edit::ItemsAdded, target->asItem());
         view->refresh(target);
+    }
 }
 
 void ExchangeCommands::exportText(TextKind kind)
@@ -110,23 +207,26 @@ void ExchangeCommands::exportText(TextKind kind)
     textOptions.indent = s.expViewSep;
     textOptions.separator = s.expOtherSep;
     textOptions.noteType = document->noteType;
+    // An export never lands on the document it is made from.
+    textOptions.source = document->path;
     bool written = false;
+    QString error;
     {
         WaitCursor wait;
         switch (kind) {
         case TextKind::View:
-            written = TextExport::exportView(path, document->root(), textOptions);
+            written = TextExport::exportView(path, document->root(), textOptions, &error);
             break;
         case TextKind::Notes:
-            written = TextExport::exportNotes(path, document->root(), textOptions);
+            written = TextExport::exportNotes(path, document->root(), textOptions, &error);
             break;
         case TextKind::Links:
-            written = TextExport::exportLinks(path, document->root(), textOptions);
+            written = TextExport::exportLinks(path, document->root(), textOptions, &error);
             break;
         }
     }
     if (!written)
-        prompts->message(view, Prompts::Icon::Stop, QString::fromLatin1(Messages::ExportFailed));
+        prompts->message(view, Prompts::Icon::Stop, Prompts::withReason(Messages::ExportFailed, error));
 }
 
 void ExchangeCommands::exportXml()
@@ -143,13 +243,15 @@ void ExchangeCommands::exportXml()
     options.encoding = m_host->settings().xmlEncode;
     options.codePage = m_host->settings().ansiCodePage;
     options.noteType = view->document()->noteType;
+    options.source = view->document()->path;
     bool written = false;
+    QString error;
     {
         WaitCursor wait;
-        written = XmlExport::exportXml(path, view->document()->root(), options);
+        written = XmlExport::exportXml(path, view->document()->root(), options, &error);
     }
     if (!written)
-        prompts->message(view, Prompts::Icon::Stop, QString::fromLatin1(Messages::ExportFailed));
+        prompts->message(view, Prompts::Icon::Stop, Prompts::withReason(Messages::ExportFailed, error));
 }
 
 void ExchangeCommands::exportItems()
@@ -174,18 +276,24 @@ void ExchangeCommands::exportItems()
     const bool deleting = dialog.deleteAfter();
     const quint32 marked = view->clip().item() ? view->clip().item()->handle() : 0;
     int result = ItemExport::Failed;
+    QString error;
+    ItemExport::Report report;
     {
         WaitCursor wait;
-        result =
-            ItemExport::exportItems(*document, ItemExport::Choice(dialog.choice()), deleting, dialog.selection(), path);
+        result = ItemExport::exportItems(*document, ItemExport::Choice(dialog.choice()), deleting, dialog.selection(),
+                                         path, &error, &report);
     }
     if (deleting && result > 0) {
         if (marked && !document->liveItem(marked))
             view->clip().clear();
+        view->edited(ItemHost::Edit::ItemsRemoved, nullptr);
         view->refresh(document->current());
     }
-    prompts->message(view, result == ItemExport::Failed ? Prompts::Icon::Stop : Prompts::Icon::Information,
-                     ItemExport::message(result));
+    if (result == ItemExport::Failed)
+        prompts->message(view, Prompts::Icon::Stop,
+                         ItemExport::message(result) + (error.isEmpty() ? QString() : QStringLiteral("\n\n") + error));
+    else
+        prompts->message(view, Prompts::Icon::Information, ItemExport::message(result, report.kept));
 }
 
 bool ExchangeCommands::importText()
@@ -195,7 +303,8 @@ bool ExchangeCommands::importText()
     Settings &settings = m_host->settings();
     const QString path = prompts->openFileName(
         frame, QStringLiteral("Import"), m_host->documentsFolder(),
-        Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)).join(QStringLiteral(";;")));
+        Prompts::filtersOf(QString::fromLatin1(Messages::TextFileFilter)).join(QStringLiteral(";;")) +
+            QStringLiteral(";;") + outlineFilters());
     if (path.isEmpty())
         return false;
     const QString target = TextImport::documentPath(path);
@@ -209,20 +318,34 @@ bool ExchangeCommands::importText()
             frame, QString::fromLatin1(Messages::AskReplaceDocument).arg(QDir::toNativeSeparators(target))))
         return false;
     Document document;
-    TextImport::Options options;
-    options.icon = TextImport::iconOf(settings.textImport);
-    options.codePage = settings.ansiCodePage;
-    TextImport::Result result = TextImport::Result::Unreadable;
+    const quint16 icon = TextImport::iconOf(settings.textImport);
+    QString failure;
     bool saved = false;
     QString error;
     {
         WaitCursor wait;
-        result = TextImport::importDocument(path, quint16(noteType), options, &document);
-        if (result == TextImport::Result::Ok)
+        if (isOpml(path)) {
+            QString detail;
+            const OpmlImport::Result result =
+                OpmlImport::importDocument(path, {quint16(noteType), icon}, &document, &detail);
+            failure = OpmlImport::message(result, detail);
+        } else if (isMarkdown(path)) {
+            failure =
+                MarkdownImport::message(MarkdownImport::importDocument(path, {quint16(noteType), icon}, &document));
+        } else {
+            TextImport::Options options;
+            options.icon = icon;
+            options.codePage = settings.ansiCodePage;
+            int line = 0;
+            const TextImport::Result result =
+                TextImport::importDocument(path, quint16(noteType), options, &document, &line);
+            failure = TextImport::message(result, line);
+        }
+        if (failure.isEmpty())
             saved = DocumentFile::save(document, QString(), &error);
     }
-    if (result != TextImport::Result::Ok) {
-        prompts->message(frame, Prompts::Icon::Stop, TextImport::message(result));
+    if (!failure.isEmpty()) {
+        prompts->message(frame, Prompts::Icon::Stop, failure);
         return false;
     }
     if (!saved) {

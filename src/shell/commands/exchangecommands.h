@@ -3,15 +3,16 @@
 #include "shell/commands/commandgroup.h"
 
 /// Import and export: the document list's "Import..." of a text outline,
-/// "Import File..." of another document into the current item, and the
-/// View, XML, Links, All Notes and Items exports.
+/// "Import File..." of another document into the current item, an OPML or
+/// Markdown outline into it, and the View, XML, Links, All Notes, Items,
+/// OPML and Markdown exports.
 class ExchangeCommands : public CommandGroup {
     Q_OBJECT
 public:
     ExchangeCommands(CommandHost *host, QObject *parent);
 
-    /// "Import...": a text outline becomes a new document beside it, which
-    /// is then opened. False when nothing was opened.
+    /// "Import...": a text, OPML or Markdown outline becomes a new document
+    /// beside it, which is then opened. False when nothing was opened.
     bool importText();
 
 private:
@@ -23,4 +24,6 @@ private:
     void exportText(TextKind kind);
     void exportXml();
     void exportItems();
+    void importOutline();
+    void exportOutline(bool markdown);
 };

@@ -402,8 +402,10 @@ void ItemCommands::paste()
         WaitCursor wait;
         pasted = clip.paste(target, withChildren);
     }
-    if (pasted)
+    if (pasted) {
+        m_list->edited(ItemHost::Edit::ItemsAdded, pasted);
         m_list->changed(pasted);
+    }
 }
 
 void ItemCommands::deleteCurrent()
@@ -417,6 +419,7 @@ void ItemCommands::deleteCurrent()
         m_list->forgetBranch(item);
         parent = Editing::deleteItem(*m_list->document(), item, &m_list->clip());
     }
+    m_list->edited(ItemHost::Edit::ItemsRemoved, nullptr);
     m_list->changed(parent);
 }
 
@@ -477,6 +480,7 @@ void ItemCommands::editItem(int page)
     }
     if (view)
         view->notePane()->load(item->note());
+    m_list->edited(ItemHost::Edit::ReminderChanged, item);
     m_list->changed(dialog.followedLink() ? dialog.followedLink() : item);
 }
 
@@ -496,6 +500,7 @@ void ItemCommands::branchView()
     };
     ::BranchView branch(document, item, &m_host->settings(), m_host->prompts(), &m_list->clip(), m_list->hostWidget());
     branch.setAfterChange(mainListFollows);
+    branch.setMainList(m_list);
     auto *commands = new ItemCommands(&branch, m_host, m_templates, &branch);
     branch.addToolBarAction(commands->action(QStringLiteral("actionModifyItem")));
     m_host->prompts()->runDialog(&branch);

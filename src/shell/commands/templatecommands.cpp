@@ -125,6 +125,7 @@ void TemplateCommands::newItem(const Template *templ)
         dialog.store();
         Editing::insertItem(*view->document(), added, dialog.position());
     }
+    view->edited(ItemHost::Edit::ReminderChanged, added);
     view->refresh(dialog.followedLink() ? dialog.followedLink() : added);
 }
 

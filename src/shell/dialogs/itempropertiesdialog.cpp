@@ -7,6 +7,7 @@
 #include "noteeditor/notepane.h"
 #include "platform/collation.h"
 #include "platform/messages.h"
+#include "reminders/remindermanager.h"
 #include "shell/dialogs/externalnoteeditor.h"
 #include "shell/dialogs/linkspage.h"
 #include "shell/widgets/colourcombo.h"
@@ -383,7 +384,7 @@ void ItemPropertiesDialog::store()
     if (!m_hasReminder->isChecked())
         p.reminderTime = {};
     else if (!m_reminder.hasDate() || withoutSeconds(m_reminder.toDateTime()) != m_reminderEdit->dateTime())
-        p.reminderTime = SystemTime::fromDateTime(withoutSeconds(m_reminderEdit->dateTime()));
+        p.reminderTime = ReminderManager::pendingAt(m_reminderEdit->dateTime()); // a new reminder is pending
     else
         p.reminderTime = m_reminder;
     if (m_links->isFilled() && !m_context.forTemplate)

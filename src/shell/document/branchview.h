@@ -32,6 +32,13 @@ public:
     ~BranchView() override;
 
     void setAfterChange(std::function<void()> afterChange) { m_afterChange = std::move(afterChange); }
+    /// The main list, told of the edits made here.
+    void setMainList(ItemHost *main) { m_main = main; }
+    void edited(Edit edit, Item *item) override
+    {
+        if (m_main)
+            m_main->edited(edit, item);
+    }
     /// Puts a command on the window's tool bar.
     void addToolBarAction(QAction *action);
 
@@ -62,5 +69,6 @@ private:
     std::unique_ptr<ViewRows> m_rows;
     TreePane *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
+    ItemHost *m_main = nullptr;
     std::function<void()> m_afterChange;
 };

@@ -36,6 +36,7 @@ public:
     void changed(TreeNode *select) override { refresh(select); }
     /// A note pane showing an item of the branch lets go of it.
     void forgetBranch(const Item *item) override;
+    void edited(Edit edit, Item *item) override { Q_EMIT itemsEdited(edit, item); }
     NotePane *notePane() const { return m_notes; }
     QuickEntryBar *quickEntryBar() const { return m_quick; }
     QSplitter *splitter() const { return m_splitter; }
@@ -71,6 +72,8 @@ Q_SIGNALS:
     void settingsChanged();
     /// The selection or the document changed: the menus' states may differ.
     void stateChanged();
+    /// An edit here or in a branch view that the reminders follow.
+    void itemsEdited(ItemHost::Edit edit, Item *item);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

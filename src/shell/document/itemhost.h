@@ -29,4 +29,10 @@ public:
     virtual void changed(TreeNode *select) = 0;
     /// Before item's branch is deleted: whatever refers into it lets go.
     virtual void forgetBranch(const Item *item) = 0;
+
+    /// What an edit did that the reminders follow.
+    enum class Edit { ReminderChanged, ItemsAdded, ItemsRemoved };
+    /// Called after such an edit; item is the edited item or the top of the
+    /// added branch.
+    virtual void edited(Edit edit, Item *item) = 0;
 };

@@ -1,0 +1,290 @@
+// What qbx does around the files it writes: targets that are no files, its
+// own document as a target, outputs that fail, two writers at once.
+#include "storage/documentlock.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+struct Run {
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+QString qbxPath()
+{
+    return QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
+}
+
+Run finish(QProcess &process)
+{
+    Run run;
+    process.waitForFinished(120000);
+    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
+}
+
+Run qbx(const QStringList &arguments, const QString &stdoutFile = QString(), int lockTimeout = -1)
+{
+    QProcess process;
+    if (!stdoutFile.isEmpty())
+        process.setStandardOutputFile(stdoutFile);
+    if (lockTimeout >= 0) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QBX_LOCK_TIMEOUT"), QString::number(lockTimeout));
+        process.setProcessEnvironment(environment);
+    }
+    process.start(qbxPath(), arguments);
+    process.closeWriteChannel();
+    return finish(process);
+}
+
+QByteArray readAll(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// "path: loaded, version 551, N items" -> N
+int itemCount(const QString &path)
+{
+    const QByteArray line = qbx({QStringLiteral("check"), path}).out.trimmed();
+    const qsizetype at = line.lastIndexOf(", ");
+    return at < 0 ? -1 : line.mid(at + 2).split(' ').value(0).toInt();
+}
+
+} // namespace
+
+class TestQbxSave : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void deviceTargets_data();
+    void deviceTargets();
+    void standardOutputFailures_data();
+    void standardOutputFailures();
+    void exportOntoItsOwnDocument_data();
+    void exportOntoItsOwnDocument();
+    void twoWritersBothSurvive();
+    void heldDocumentTimesOut();
+    void exportWithDeleteSaysWhatStayed();
+    void passwordOnATerminal();
+
+private:
+    QString document(const QString &name, int items = 30);
+    QTemporaryDir m_dir;
+};
+
+void TestQbxSave::initTestCase()
+{
+    QVERIFY2(QFile::exists(qbxPath()), "build the qbx target first");
+}
+
+QString TestQbxSave::document(const QString &name, int items)
+{
+    const QString path = m_dir.filePath(name);
+    QFile::remove(path);
+    qbx({QStringLiteral("generate"), QStringLiteral("--items"), QString::number(items), path});
+    return path;
+}
+
+void TestQbxSave::deviceTargets_data()
+{
+    QTest::addColumn<QStringList>("arguments"); // DOC and OUT stand for the paths
+    QTest::addColumn<QString>("target");
+    QTest::newRow("resave onto /dev/full") << QStringList{"resave", "DOC", "OUT"} << "/dev/full";
+    QTest::newRow("branch export onto /dev/full") << QStringList{"export", "branch", "DOC", "1", "OUT"} << "/dev/full";
+    QTest::newRow("XML export onto /dev/full") << QStringList{"export", "xml", "DOC", "OUT"} << "/dev/full";
+    QTest::newRow("notes export onto a FIFO") << QStringList{"export", "notes", "DOC", "OUT"} << "FIFO";
+    QTest::newRow("items export onto a FIFO")
+        << QStringList{"export", "items", "DOC", "OUT", "--choice", "3", "--select", "1"} << "FIFO";
+}
+
+void TestQbxSave::deviceTargets()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, target);
+    if (target == QLatin1String("/dev/full") && !QFileInfo::exists(target))
+        QSKIP("this system has no /dev/full");
+    const QString path = document(QStringLiteral("device.qbx"));
+    if (target == QLatin1String("FIFO")) {
+        target = m_dir.filePath(QStringLiteral("pipe"));
+        QFile::remove(target);
+        QCOMPARE(::mkfifo(QFile::encodeName(target).constData(), 0600), 0);
+    }
+    arguments.replaceInStrings(QStringLiteral("DOC"), path).replaceInStrings(QStringLiteral("OUT"), target);
+    const Run run = qbx(arguments);
+    QCOMPARE(run.status, 5);
+    QVERIFY2(run.err.contains("not a regular file"), run.err.constData());
+    QVERIFY(run.err.contains(QFile::encodeName(target)));
+    struct stat info;
+    QCOMPARE(::stat(QFile::encodeName(target).constData(), &info), 0);
+    QVERIFY(S_ISCHR(info.st_mode) || S_ISFIFO(info.st_mode)); // still what it was
+}
+
+void TestQbxSave::standardOutputFailures_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("dump") << QStringList{"dump", "DOC"};
+    QTest::newRow("view") << QStringList{"view", "DOC"};
+    QTest::newRow("find") << QStringList{"find", "DOC", "--name", "e"};
+}
+
+void TestQbxSave::standardOutputFailures()
+{
+    QFETCH(QStringList, arguments);
+    if (!QFileInfo::exists(QStringLiteral("/dev/full")))
+        QSKIP("this system has no /dev/full");
+    const QString path = document(QStringLiteral("output.qbx"));
+    arguments.replaceInStrings(QStringLiteral("DOC"), path);
+    const Run full = qbx(arguments, QStringLiteral("/dev/full"));
+    QCOMPARE(full.status, 5);
+    QCOMPARE(full.err, QByteArray("qbx: cannot write the standard output: disk full\n"));
+    QCOMPARE(qbx(arguments, QStringLiteral("/dev/null")).status, 0);
+}
+
+void TestQbxSave::exportOntoItsOwnDocument_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<bool>("throughLink");
+    const QStringList items{"export", "items", "DOC", "OUT", "--choice", "3", "--select", "1"};
+    for (const bool link : {false, true}) {
+        const char *how = link ? ", through a link" : "";
+        QTest::addRow("xml%s", how) << QStringList{"export", "xml", "DOC", "OUT"} << link;
+        QTest::addRow("view%s", how) << QStringList{"export", "view", "DOC", "OUT"} << link;
+        QTest::addRow("links%s", how) << QStringList{"export", "links", "DOC", "OUT"} << link;
+        QTest::addRow("items%s", how) << items << link;
+        QTest::addRow("items with delete%s", how) << (QStringList(items) << "--delete") << link;
+        QTest::addRow("branch%s", how) << QStringList{"export", "branch", "DOC", "1", "OUT"} << link;
+    }
+}
+
+void TestQbxSave::exportOntoItsOwnDocument()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(bool, throughLink);
+    const QString path = document(QStringLiteral("own.qbx"));
+    const QByteArray before = readAll(path);
+    QString out = path;
+    if (throughLink) {
+        out = m_dir.filePath(QStringLiteral("own-link.qbx"));
+        QFile::remove(out);
+        QVERIFY(QFile::link(path, out));
+    }
+    arguments.replaceInStrings(QStringLiteral("DOC"), path).replaceInStrings(QStringLiteral("OUT"), out);
+    const Run run = qbx(arguments);
+    QCOMPARE(run.status, 5);
+    QVERIFY2(run.err.contains("is the document being read"), run.err.constData());
+    QCOMPARE(readAll(path), before);
+}
+
+void TestQbxSave::twoWritersBothSurvive()
+{
+    // Two imports into one document at the same moment: each adds the other
+    // document's 5 items, and neither addition may be lost.
+    const QString path = document(QStringLiteral("shared.qbx"), 20);
+    const QString other = document(QStringLiteral("other.qbx"), 5);
+    for (int round = 0; round < 6; ++round) {
+        const int before = itemCount(path);
+        QProcess first;
+        QProcess second;
+        const QStringList arguments{QStringLiteral("import"), QStringLiteral("doc"), path, other,
+                                    QStringLiteral("--into"), QStringLiteral("0")};
+        first.start(qbxPath(), arguments);
+        second.start(qbxPath(), arguments);
+        first.closeWriteChannel();
+        second.closeWriteChannel();
+        const Run a = finish(first);
+        const Run b = finish(second);
+        QCOMPARE(a.status, 0);
+        QCOMPARE(b.status, 0);
+        QCOMPARE(itemCount(path), before + 10);
+    }
+    QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral(".shared.qbx.*")}, QDir::Files | QDir::Hidden),
+             QStringList());
+}
+
+void TestQbxSave::heldDocumentTimesOut()
+{
+    const QString path = document(QStringLiteral("held.qbx"));
+    const QByteArray before = readAll(path);
+    DocumentLock lock(path);
+    QVERIFY(lock.lock(0));
+    const QStringList apply{QStringLiteral("apply"),      path,
+                            QStringLiteral("--to"),       QStringLiteral("1"),
+                            QStringLiteral("--priority"), QStringLiteral("3")};
+    const Run waited = qbx(apply, QString(), 1);
+    QCOMPARE(waited.status, 6);
+    QCOMPARE(waited.err,
+             "qbx: " + QFile::encodeName(path) + " is being changed by another program; try again when it is done\n");
+    QCOMPARE(readAll(path), before);
+    lock.unlock();
+    QCOMPARE(qbx(apply, QString(), 1).status, 0);
+    QVERIFY(readAll(path) != before);
+}
+
+void TestQbxSave::exportWithDeleteSaysWhatStayed()
+{
+    // Item 1 has children that are not chosen: it is written but stays.
+    // The last item in file order has no children: it goes.
+    const QString path = document(QStringLiteral("partial.qbx"));
+    const QString out = m_dir.filePath(QStringLiteral("partial-out.qbx"));
+    const Run kept =
+        qbx({QStringLiteral("export"), QStringLiteral("items"), path, out, QStringLiteral("--choice"),
+             QStringLiteral("3"), QStringLiteral("--select"), QStringLiteral("1,30"), QStringLiteral("--delete")});
+    QCOMPARE(kept.status, 0);
+    QCOMPARE(kept.out, QByteArray("2 item(s) exported. 1 exported item(s) stayed in the document because they "
+                                  "hold items that were not exported.\n"));
+    QCOMPARE(itemCount(path), 29);
+    QCOMPARE(itemCount(out), 2);
+}
+
+void TestQbxSave::passwordOnATerminal()
+{
+    const QString script = QStandardPaths::findExecutable(QStringLiteral("script"));
+    if (script.isEmpty())
+        QSKIP("the script tool, which gives qbx a terminal, is not installed");
+    const QString path = document(QStringLiteral("password.qbx"));
+    QProcess process;
+    process.start(
+        script, {QStringLiteral("-qec"), qbxPath() + QStringLiteral(" password ") + path, QStringLiteral("/dev/null")});
+    QVERIFY(process.waitForStarted());
+    // Each line only once its prompt is there, as a person would type it.
+    QByteArray seen;
+    for (const char *answer : {"", "hunter22", "hunter22"}) {
+        QElapsedTimer timer;
+        timer.start();
+        const int prompts = seen.count(':');
+        while (seen.count(':') == prompts && timer.elapsed() < 10000) {
+            process.waitForReadyRead(200);
+            seen += process.readAll();
+        }
+        process.write(QByteArray(answer) + "\n");
+    }
+    process.waitForFinished(10000);
+    seen += process.readAll();
+    QCOMPARE(process.exitCode(), 0);
+    QVERIFY2(seen.contains("Current password:"), seen.constData());
+    QVERIFY(seen.contains("New password:"));
+    QVERIFY(seen.contains("Confirm:"));
+    QVERIFY(seen.contains("Password set"));
+    QVERIFY2(!seen.contains("hunter22"), seen.constData()); // typed without echo
+}
+
+QTEST_GUILESS_MAIN(TestQbxSave)
+#include "tst_qbxsave.moc"

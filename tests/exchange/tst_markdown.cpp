@@ -1,0 +1,353 @@
+#include "exchange/markdownexport.h"
+#include "exchange/markdownimport.h"
+#include "support/exchangetest.h"
+#include "support/treesummary.h"
+#include "model/document.h"
+#include "tools/documentgenerator.h"
+
+#include <QBuffer>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QXmlStreamReader>
+
+namespace {
+
+using namespace ExchangeTest;
+
+QByteArray writeBytes(const TreeNode *root, quint16 noteType)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (MarkdownExport::write(buffer, root, {noteType}) != MarkdownExport::Result::Ok)
+        return QByteArray("(failed)");
+    return buffer.data();
+}
+
+// What the Markdown keeps of a tree: the shape, names, status, links and notes.
+TreeSummary::Keep markdownKeeps()
+{
+    TreeSummary::Keep keep;
+    keep.priority = false;
+    keep.category = false;
+    keep.due = false;
+    return keep;
+}
+
+// How a CommonMark reader must see one Item: its depth, its first paragraph
+// (the status mark, the name and the links' texts, apart by spaces) and the
+// paragraphs that follow.
+QString expectedRendering(const Item &item, int depth, quint16 noteType)
+{
+    QStringList first;
+    if (item.statusType() == Item::CheckBox)
+        first << (item.isComplete() ? QStringLiteral("[x]") : QStringLiteral("[ ]"));
+    else if (item.statusType() == Item::ProgressBar)
+        first << QStringLiteral("[%1%]").arg(item.progress());
+    if (!item.name().isEmpty())
+        first << item.name();
+    for (const QString &link : item.links()) {
+        if (!Item::isItemLink(link))
+            first << link;
+    }
+    QString note = NoteText::plainText(item.note(), noteType);
+    note.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    QStringList paragraphs;
+    QStringList lines;
+    for (const QString &line : note.split(QLatin1Char('\n'))) {
+        if (line.trimmed().isEmpty()) {
+            if (!lines.isEmpty())
+                paragraphs << lines.join(QLatin1Char('\n'));
+            lines.clear();
+        } else {
+            lines << line;
+        }
+    }
+    if (!lines.isEmpty())
+        paragraphs << lines.join(QLatin1Char('\n'));
+    return QStringLiteral("%1|%2|%3").arg(depth).arg(first.join(QLatin1Char(' ')), paragraphs.join(QLatin1String("||")));
+}
+
+QString expectedRendering(const TreeNode *root, quint16 noteType)
+{
+    QString out = QLatin1String("# ") + root->name() + QLatin1Char('\n');
+    TreeWalker walker(root);
+    while (const Item *item = walker.next())
+        out += expectedRendering(*item, walker.depth(), noteType) + QLatin1Char('\n');
+    return out;
+}
+
+// The same lines read from cmark's XML rendering of the document.
+QString cmarkRendering(const QByteArray &xml)
+{
+    struct Open {
+        qsizetype line;
+        QStringList paragraphs;
+    };
+    std::vector<Open> items;
+    QStringList lines;
+    QString heading;
+    QString text;
+    bool inParagraph = false;
+    bool inHeading = false;
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd()) {
+        const auto token = reader.readNext();
+        const QStringView name = reader.name();
+        if (token == QXmlStreamReader::StartElement) {
+            if (name == QLatin1String("item")) {
+                items.push_back({lines.size(), {}});
+                lines << QString();
+            } else if (name == QLatin1String("paragraph") && !items.empty()) {
+                inParagraph = true;
+                text.clear();
+            } else if (name == QLatin1String("heading")) {
+                inHeading = true;
+                text.clear();
+            } else if (name == QLatin1String("linebreak") || name == QLatin1String("softbreak")) {
+                text += QLatin1Char('\n');
+            } else if ((inParagraph || inHeading) &&
+                       (name == QLatin1String("text") || name == QLatin1String("code"))) {
+                text += reader.readElementText();
+            }
+        } else if (token == QXmlStreamReader::EndElement) {
+            if (name == QLatin1String("paragraph") && inParagraph) {
+                items.back().paragraphs << text;
+                inParagraph = false;
+            } else if (name == QLatin1String("heading")) {
+                heading = text;
+                inHeading = false;
+            } else if (name == QLatin1String("item")) {
+                const Open &open = items.back();
+                const QStringList &p = open.paragraphs;
+                lines[open.line] = QStringLiteral("%1|%2|%3")
+                                       .arg(items.size())
+                                       .arg(p.value(0), p.mid(1).join(QLatin1String("||")));
+                items.pop_back();
+            }
+        }
+    }
+    if (reader.hasError())
+        return QStringLiteral("(cmark's XML: %1)").arg(reader.errorString());
+    return QLatin1String("# ") + heading + QLatin1Char('\n') + lines.join(QLatin1Char('\n')) +
+           (lines.isEmpty() ? QString() : QStringLiteral("\n"));
+}
+
+Item *item(TreeNode *parent, const QString &name, quint16 status = Item::CheckBox, quint16 progress = 0)
+{
+    auto *made = new Item(name);
+    made->setStatusType(status);
+    made->storeProgress(progress);
+    parent->appendChild(made);
+    return made;
+}
+
+void generate(Document *document, int items, bool chain, quint16 noteType, quint32 seed)
+{
+    DocumentGenerator::Options options;
+    options.items = items;
+    options.chain = chain;
+    options.noteType = noteType;
+    options.seed = seed;
+    DocumentGenerator::generate(document, options);
+}
+
+// Names and notes full of what Markdown would read as syntax, nested, with
+// every status.
+void trickyDocument(Document *document)
+{
+    document->root()->setName(QStringLiteral("Title #"));
+    const char16_t *names[] = {u"# not a heading", u"1) not a list", u"42. nor this", u"+ plus", u"* star",
+                               u"---", u"===", u"> quote", u"<div>html</div>", u"&amp; &#65; \\ \\*",
+                               u"`code` **strong** _em_", u"[x] done?", u"[link](target) ![img](x)",
+                               u"    four spaces", u"trailing  ", u"\ttab", u"a | b ~c~ ! #"};
+    TreeNode *parent = document->root();
+    quint16 status = 0;
+    for (const char16_t *name : names) {
+        Item *made = item(parent, QString::fromUtf16(name), status, status == Item::ProgressBar ? 7 : 0);
+        made->setNote(NoteText::toPlainNote(QString::fromUtf16(name) + QLatin1String("\n") +
+                                            QString::fromUtf16(name) + QLatin1String("\n\n===\n- x")));
+        status = quint16((status + 1) % 3);
+        parent = made;
+    }
+    item(document->root(), QString(), Item::NoStatus)->setNote(NoteText::toPlainNote(QStringLiteral("n")));
+    item(document->root(), QString());
+    item(document->root(), QStringLiteral("[ ] not a box"), Item::NoStatus);
+}
+
+} // namespace
+
+class TestMarkdown : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void exportWritesTheTree();
+    void rendersAsTheTree_data();
+    void rendersAsTheTree();
+    void refusesWhatIsTooDeep();
+    void importsWhatOthersWrite_data();
+    void importsWhatOthersWrite();
+    void roundTrip_data();
+    void roundTrip();
+};
+
+void TestMarkdown::exportWritesTheTree()
+{
+    TreeNode root(QStringLiteral("Plans # 1"));
+    Item *a = item(&root, QStringLiteral("1. *not* a [list]"), Item::CheckBox, 100);
+    a->setNote(note(u"first line\r\n  indented\r\n\r\nsecond paragraph"));
+    a->setLinks({QStringLiteral("!3"), QStringLiteral("https://example.org/a b"), QStringLiteral("C:\\docs\\x.doc")});
+    item(a, QStringLiteral("- dash"), Item::NoStatus);
+    Item *c = item(a, QStringLiteral(" padded "), Item::ProgressBar, 40);
+    item(c, QStringLiteral("<b>&amp;</b> ~x~ | `c` _u_"));
+    item(&root, QString(), Item::NoStatus)->setNote(note(u"n"));
+
+    QCOMPARE(writeBytes(&root, 0),
+             QByteArray("# Plans \\# 1\n"
+                        "\n"
+                        "- [x] 1\\. \\*not\\* a \\[list\\] [https://example.org/a b](<https://example.org/a b>) "
+                        "[C:\\\\docs\\\\x.doc](<C:\\\\docs\\\\x.doc>)\n"
+                        "\n"
+                        "  first line\\\n"
+                        "  &#32;&#32;indented\n"
+                        "\n"
+                        "  second paragraph\n"
+                        "  - \\- dash\n"
+                        "  - [40%] &#32;padded&#32;\n"
+                        "    - [ ] \\<b\\>\\&amp;\\</b\\> \\~x\\~ \\| \\`c\\` \\_u\\_\n"
+                        "- <span></span>\n"
+                        "\n"
+                        "  n\n"));
+}
+
+void TestMarkdown::rendersAsTheTree_data()
+{
+    QTest::addColumn<QString>("shape");
+    QTest::newRow("generated tree, plain notes") << "tree";
+    QTest::newRow("generated tree, rich text notes") << "rich";
+    QTest::newRow("a chain as deep as Markdown goes") << "chain";
+    QTest::newRow("names that look like Markdown") << "tricky";
+}
+
+void TestMarkdown::rendersAsTheTree()
+{
+    const QString cmark = QStandardPaths::findExecutable(QStringLiteral("cmark"));
+    if (cmark.isEmpty())
+        QSKIP("cmark is not installed (scripts/setup installs it)");
+    QFETCH(QString, shape);
+    Document document;
+    if (shape == QLatin1String("tree"))
+        generate(&document, 1500, false, 0, 1);
+    else if (shape == QLatin1String("rich"))
+        generate(&document, 400, false, 2, 5);
+    else if (shape == QLatin1String("chain"))
+        generate(&document, MarkdownExport::MaxDepth, true, 0, 2);
+    else
+        trickyDocument(&document);
+    const QByteArray markdown = writeBytes(document.root(), document.noteType);
+    QProcess process;
+    process.start(cmark, {QStringLiteral("--to"), QStringLiteral("xml")});
+    QVERIFY(process.waitForStarted());
+    process.write(markdown);
+    process.closeWriteChannel();
+    QVERIFY(process.waitForFinished(120000));
+    const QString expected = expectedRendering(document.root(), document.noteType);
+    QVERIFY(expected.count(QLatin1Char('\n')) > 10);
+    QCOMPARE(cmarkRendering(process.readAllStandardOutput()), expected);
+}
+
+void TestMarkdown::refusesWhatIsTooDeep()
+{
+    Document document;
+    generate(&document, MarkdownExport::MaxDepth + 1, true, 0, 1);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("deep.md"));
+    QCOMPARE(MarkdownExport::exportMarkdown(path, document.root(), {}), MarkdownExport::Result::TooDeep);
+    QVERIFY(!QFile::exists(path));
+}
+
+void TestMarkdown::importsWhatOthersWrite_data()
+{
+    QTest::addColumn<QByteArray>("markdown");
+    QTest::addColumn<QString>("rootName");
+    QTest::addColumn<QString>("summary");
+
+    QTest::newRow("every bullet, tab indents")
+        << QByteArray("* a\n\t* b\n\t\t+ c\n- d\n") << "Root" << "1 a[-]\n2 b[-]\n3 c[-]\n1 d[-]\n";
+    QTest::newRow("ordered lists") << QByteArray("1. one\n2. two\n   1) sub\n10. ten\n") << "Root"
+                                   << "1 one[-]\n1 two[-]\n2 sub[-]\n1 ten[-]\n";
+    QTest::newRow("check boxes and progress")
+        << QByteArray("- [ ] open\n- [x] done\n- [X] Done\n- [40%] part\n- [y] not a box\n- \\[x] escaped\n"
+                      "- [100%]\n- [x]tight\n")
+        << "Root" << "1 open\n1 done[x]\n1 Done[x]\n1 part[40%]\n1 [y] not a box[-]\n1 [x] escaped[-]\n1 [100%]\n"
+                     "1 [x]tight[-]\n";
+    QTest::newRow("headings are levels")
+        << QByteArray("# Project\n\nIntro text.\n\n## Phase 1\n\n- [ ] task\n\n### Detail\n\nSome notes\nover two "
+                      "lines.\n\n## Phase 2\n")
+        << "Project"
+        << "1 Intro text.[-]\n1 Phase 1[-]\n2 task\n2 Detail[-]{Some notes\nover two lines.}\n1 Phase 2[-]\n";
+    QTest::newRow("no heading ranks above the others")
+        << QByteArray("# A\n- x\n# B\n- y\n") << "Root" << "1 A[-]\n2 x[-]\n1 B[-]\n2 y[-]\n";
+    QTest::newRow("what follows an item's name is its note")
+        << QByteArray("- item\n\n  first para\n  continues\n\n  > quoted\n\n      code  line\n\n  - child\n")
+        << "Root" << "1 item[-]{first para\ncontinues\n\nquoted\n\ncode  line}\n2 child[-]\n";
+    QTest::newRow("links")
+        << QByteArray("- [Docs](https://d.example.org) and <https://x.example.org>\n\n  See [the wiki](wiki.md).\n")
+        << "Root" << "1 Docs and[-]<https://d.example.org><https://x.example.org><wiki.md>{See the wiki.}\n";
+    QTest::newRow("inline markup is text") << QByteArray("- **Bold** _it_ `a*b` <b>&eacute;</b>\n") << "Root"
+                                           << QString::fromUtf8("1 Bold it a*b é[-]\n");
+    QTest::newRow("text outside any item")
+        << QByteArray("\xef\xbb\xbfJust a line\nand another\n") << "Root" << "1 Just a line and another[-]\n";
+    QTest::newRow("empty file") << QByteArray() << "Root" << QString();
+}
+
+void TestMarkdown::importsWhatOthersWrite()
+{
+    QFETCH(QByteArray, markdown);
+    QFETCH(QString, rootName);
+    QFETCH(QString, summary);
+    TreeNode root;
+    QCOMPARE(MarkdownImport::read(markdown, &root, {}), MarkdownImport::Result::Ok);
+    QCOMPARE(root.name(), rootName);
+    QCOMPARE(TreeSummary::of(&root, 0), summary);
+}
+
+void TestMarkdown::roundTrip_data()
+{
+    QTest::addColumn<int>("items");
+    QTest::addColumn<bool>("chain");
+    QTest::addColumn<quint16>("noteType");
+    QTest::addColumn<quint32>("seed");
+
+    QTest::newRow("tree, plain notes") << 3000 << false << quint16(0) << 1u;
+    QTest::newRow("tree, rich text notes") << 800 << false << quint16(2) << 9u;
+    QTest::newRow("chain") << MarkdownExport::MaxDepth << true << quint16(0) << 3u;
+    QTest::newRow("names that look like Markdown") << 0 << false << quint16(0) << 0u;
+}
+
+void TestMarkdown::roundTrip()
+{
+    QFETCH(int, items);
+    QFETCH(bool, chain);
+    QFETCH(quint16, noteType);
+    QFETCH(quint32, seed);
+    Document original;
+    if (items > 0)
+        generate(&original, items, chain, noteType, seed);
+    else
+        trickyDocument(&original);
+
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("Outline.md"));
+    QCOMPARE(MarkdownExport::exportMarkdown(path, original.root(), {noteType}), MarkdownExport::Result::Ok);
+    Document copy;
+    QCOMPARE(MarkdownImport::importDocument(path, {noteType, 812}, &copy), MarkdownImport::Result::Ok);
+    QCOMPARE(copy.path, dir.filePath(QStringLiteral("Outline.qbx")));
+    QCOMPARE(copy.root()->name(), original.root()->name());
+    const QString expected = TreeSummary::of(original.root(), noteType, markdownKeeps());
+    QVERIFY(expected.contains(QLatin1Char('{')));
+    QCOMPARE(TreeSummary::of(copy.root(), noteType, markdownKeeps()), expected);
+}
+
+QTEST_GUILESS_MAIN(TestMarkdown)
+#include "tst_markdown.moc"

@@ -1,0 +1,136 @@
+#include "storage/documentlock.h"
+#include "storage/filefingerprint.h"
+#include "storage/safesave.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+void writeAll(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+} // namespace
+
+class TestDocumentLock : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void oneHolderAtATime();
+    void everyNameOfADocumentSharesOneLock();
+    void unwritableFolderLocksTheFileItself();
+    void fingerprintSeesEveryKindOfChange_data();
+    void fingerprintSeesEveryKindOfChange();
+};
+
+void TestDocumentLock::oneHolderAtATime()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    writeAll(path, "doc");
+    DocumentLock first(path);
+    DocumentLock second(path);
+    QVERIFY(first.lock(0));
+    QString error;
+    QVERIFY(!second.lock(100, &error));
+    QCOMPARE(error, path + QStringLiteral(" is being changed by another program; try again when it is done"));
+    first.unlock();
+    QVERIFY(second.lock(0));
+    second.unlock();
+    // Nothing is left beside the document once the lock is given back.
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("a.qbx")});
+}
+
+void TestDocumentLock::everyNameOfADocumentSharesOneLock()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    const QString link = dir.filePath(QStringLiteral("link.qbx"));
+    writeAll(path, "doc");
+    QVERIFY(QFile::link(QStringLiteral("a.qbx"), link));
+    DocumentLock byName(path);
+    DocumentLock byLink(link);
+    QVERIFY(byName.lock(0));
+    QVERIFY(!byLink.lock(50));
+    QCOMPARE(DocumentLock::lockPath(link), dir.filePath(QStringLiteral(".a.qbx.lock")));
+}
+
+void TestDocumentLock::unwritableFolderLocksTheFileItself()
+{
+    if (::geteuid() == 0)
+        QSKIP("root writes into any folder; run as an ordinary user to check the fallback");
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    writeAll(path, "doc");
+    QCOMPARE(::chmod(QFile::encodeName(dir.path()).constData(), 0555), 0);
+    DocumentLock first(path);
+    DocumentLock second(path);
+    const bool firstLocked = first.lock(0);
+    const bool secondLocked = second.lock(50);
+    ::chmod(QFile::encodeName(dir.path()).constData(), 0755);
+    QVERIFY(firstLocked);
+    QVERIFY(!secondLocked);
+}
+
+void TestDocumentLock::fingerprintSeesEveryKindOfChange_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::newRow("replaced by a file of the same size and time") << "replace";
+    QTest::newRow("rewritten in place, same size") << "rewrite";
+    QTest::newRow("grown") << "append";
+    QTest::newRow("removed") << "remove";
+    QTest::newRow("saved by a safe save") << "safesave";
+    QTest::newRow("untouched") << "none";
+}
+
+void TestDocumentLock::fingerprintSeesEveryKindOfChange()
+{
+    QFETCH(QString, change);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    writeAll(path, "content");
+    const FileFingerprint loaded = FileFingerprint::of(path);
+    QVERIFY(loaded.exists);
+    struct stat before;
+    QCOMPARE(::stat(QFile::encodeName(path).constData(), &before), 0);
+    if (change == QLatin1String("replace")) {
+        // Same size and the same modification time, but another file.
+        const QString other = dir.filePath(QStringLiteral("b.qbx"));
+        writeAll(other, "CONTENT");
+        const timespec times[2] = {before.st_atim, before.st_mtim};
+        QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(other).constData(), times, 0), 0);
+        QCOMPARE(::rename(QFile::encodeName(other).constData(), QFile::encodeName(path).constData()), 0);
+    } else if (change == QLatin1String("rewrite")) {
+        QThread::msleep(20);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        file.write("CONTENT");
+    } else if (change == QLatin1String("append")) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::Append));
+        file.write("!");
+        file.close();
+        // The time is put back: only the size tells.
+        const timespec times[2] = {before.st_atim, before.st_mtim};
+        QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+    } else if (change == QLatin1String("remove")) {
+        QVERIFY(QFile::remove(path));
+    } else if (change == QLatin1String("safesave")) {
+        QVERIFY(SafeSave::write(path, QByteArray("content")));
+    }
+    QCOMPARE(loaded.matches(path), change == QLatin1String("none"));
+}
+
+QTEST_GUILESS_MAIN(TestDocumentLock)
+#include "tst_documentlock.moc"
