@@ -1,10 +1,12 @@
 #include "shell/commands/remindercommands.h"
 
 #include "model/item.h"
+#include "reminders/wakealarm.h"
 #include "shell/commands/commandhost.h"
 #include "shell/document/documentview.h"
 #include "shell/document/remindercontroller.h"
 #include "shell/document/treepane.h"
+#include "shell/widgets/desktopnotification.h"
 #include "storage/settings.h"
 
 #include <QAction>
