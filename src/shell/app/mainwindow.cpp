@@ -985,8 +985,10 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::KeyRelease) {
         m_passedKey = nullptr;
     } else if (event->type() == QEvent::KeyPress && m_view) {
-        if (watched != m_view->treePane()) {
-            m_passedKey = event;
+        TreePane *tree = m_view->treePane();
+        if (watched != tree) {
+            if (auto *widget = qobject_cast<QWidget *>(watched); widget && tree->isAncestorOf(widget))
+                m_passedKey = event;
         } else if (event != m_passedKey) {
             if (treeKey(static_cast<QKeyEvent *>(event)))
                 return true;
