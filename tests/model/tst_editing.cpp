@@ -252,6 +252,15 @@ private Q_SLOTS:
         QVERIFY(!Editing::canMove(o.document, o.b, Move::Up));
     }
 
+    void moveUpLevelKeepsTheNewParentsOrder()
+    {
+        Outline o;
+        ChildOrder::orderChildrenBy(o.a, TreeNode::SortPriority);
+        o.a21->setPriority(1);
+        QVERIFY(Editing::move(o.document, o.a21, Editing::Move::UpLevel));
+        QCOMPARE(names(o.a), QStringLiteral("a21 a1 a2"));
+    }
+
     void quickEntry()
     {
         Outline o;

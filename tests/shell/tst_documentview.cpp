@@ -427,8 +427,9 @@ void TestDocumentView::menuEnablingDefaultView_data()
         << QStringList{"actionRename",      "actionPriority4",   "actionChangeIcon",  "actionColour9",
                        "actionShowIcon",    "actionItalicStyle", "actionProgressBar", "actionApplyAttributes",
                        "actionOrderByName", "actionOrderManual", "actionAscending",   "actionDescending",
-                       "actionCreateCopy",  "actionMarkMove",    "actionMarkCopy",    "actionDeleteItem"}
-        << QStringList{"actionPaste", "actionCreateTask", "actionCreateAppointment"}
+                       "actionCreateCopy",  "actionMarkMove",    "actionMarkCopy",    "actionDeleteItem",
+                       "actionCreateTask",  "actionCreateAppointment"}
+        << QStringList{"actionPaste"}
         << QStringList{"actionPriority4",   "actionColour9",         "actionShowIcon",  "actionItalicStyle",
                        "actionProgressBar", "actionOrderByPriority", "actionDescending"};
     // A leaf: no ordering of children and nothing to apply attributes to.

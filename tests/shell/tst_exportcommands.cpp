@@ -83,6 +83,7 @@ private Q_SLOTS:
     void cancelWritesNothing();
     void exportsFollowTheView();
     void xmlFromTheMenuEqualsQbx();
+    void importFileEqualsQbx();
     void itemsExport_data();
     void itemsExport();
 };
@@ -221,6 +222,46 @@ void TestExportCommands::xmlFromTheMenuEqualsQbx()
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(readFile(fromMenu), readFile(fromQbx));
     QVERIFY(readFile(fromMenu).size() > 40);
+}
+
+void TestExportCommands::importFileEqualsQbx()
+{
+    ShellFixture f;
+    // The other document's notes are rich text; the target rolls its
+    // progress up and orders its children by name.
+    auto other = std::make_unique<Document>();
+    other->noteType = Document::RichText;
+    Item *apple = add(other->root(), QStringLiteral("Apple"));
+    apple->setProgress(100);
+    apple->setNote(QByteArray("{\\rtf1 ripe}"));
+    other->path = f.dir.filePath(QStringLiteral("other.qbx"));
+    QVERIFY(DocumentFile::save(*other));
+    auto document = sample();
+    Item *pack = document->root()->child(0);
+    pack->setAutoProgress(true);
+    pack->setSort(TreeNode::SortName);
+    QVERIFY(f.open(std::move(document)));
+    f.select(f.at({0}));
+    f.run("actionSave");
+    const QString copy = f.dir.filePath(QStringLiteral("copy.qbx"));
+    QVERIFY(QFile::copy(f.document()->path, copy));
+
+    f.prompts.fileNames.enqueue(other->path);
+    f.run("actionImportFile");
+    f.run("actionSave");
+    QCOMPARE(f.at({0})->progress(), quint16(50));
+
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), f.dir.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("HOME"), f.dir.path());
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"),
+                  {QStringLiteral("import"), QStringLiteral("doc"), copy, other->path, QStringLiteral("--into"),
+                   QStringLiteral("1")});
+    QVERIFY(process.waitForFinished(30000));
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(readFile(copy), readFile(f.document()->path));
 }
 
 void TestExportCommands::itemsExport_data()

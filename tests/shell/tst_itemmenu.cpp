@@ -62,7 +62,7 @@ void TestItemMenu::grouped_data()
     QStringList item = range("actionPriority%1", 1, 20) + range("actionColour%1", 0, 35) +
                        QStringList{"actionRename",   "actionChangeIcon", "actionShowIcon",   "actionItalicStyle",
                                    "actionNoStatus", "actionCheckBox",   "actionProgressBar", "actionCreateCopy",
-                                   "actionDeleteItem"};
+                                   "actionCreateTask", "actionCreateAppointment", "actionDeleteItem"};
     item.sort();
     QTest::newRow("item") << false << item
                           << QStringList{"actionColour2", "actionOrderManual", "actionPriority5", "actionProgressBar",

@@ -44,9 +44,10 @@ void TestOptionsDialog::everyPageMapsToTheSettings()
         for (int i = 0; i < pages->count(); ++i)
             titles.append(pages->tabText(i));
         QCOMPARE(titles, (QStringList{QStringLiteral("Display"), QStringLiteral("General"), QStringLiteral("Defaults"),
-                                      QStringLiteral("Icons"), QStringLiteral("Import/Export")}));
+                                      QStringLiteral("Icons"), QStringLiteral("Import/Export"),
+                                      QStringLiteral("Calendar")}));
         const char *shots[] = {"options-display", "options-general", "options-defaults", "options-icons",
-                               "options-import-export"};
+                               "options-import-export", "options-calendar"};
         for (int i = 0; i < pages->count(); ++i) {
             pages->setCurrentIndex(i);
             screenshot(d, QString::fromLatin1(shots[i]));
@@ -88,6 +89,12 @@ void TestOptionsDialog::everyPageMapsToTheSettings()
         child<QComboBox>(d, "codePage")->setEditText(QStringLiteral("windows-1250"));
         QTest::mouseClick(child<QToolButton>(d, "importIcon"), Qt::LeftButton);
         choose(d, "importNoteType", 2);
+        // Calendar: a folder needs no account, a server does.
+        auto *user = child<QLineEdit>(d, "calendarUser");
+        QVERIFY(!user->isEnabled());
+        child<QLineEdit>(d, "calendarStore")->setText(QStringLiteral(" https://dav.example.org/cal/tasks/ "));
+        QVERIFY(user->isEnabled());
+        user->setText(QStringLiteral("anna"));
         press(d);
     });
     f.run("actionOptions");
@@ -105,6 +112,8 @@ void TestOptionsDialog::everyPageMapsToTheSettings()
         QCOMPARE(s.expOtherSep, quint16(4));
         QCOMPARE(s.ansiCodePage, QStringLiteral("windows-1250"));
         QCOMPARE(s.textImport, 0x00020009u);
+        QCOMPARE(s.calendarStore, QStringLiteral("https://dav.example.org/cal/tasks/"));
+        QCOMPARE(s.calendarUser, QStringLiteral("anna"));
         // Every bit but the reserved one: 4 calendar, 5 normal font, 6 bold,
         // 7 grey, 8 compact, 9 word processor, 3 long tap; 0 and 1 cleared.
         QCOMPARE(s.flags, 0x3F8u);

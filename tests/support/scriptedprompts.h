@@ -48,6 +48,10 @@ public:
     /// The file type index chosen with each saveFileOfType answer (0 when
     /// the queue is empty).
     QQueue<int> fileTypes;
+    /// Answers of askSecret; an empty queue cancels.
+    QQueue<QString> secrets;
+    /// The prompts of askSecret, in order.
+    QStringList secretPrompts;
 
     QList<Shown> shown;
     int passwordAttempts = 0;
@@ -91,6 +95,7 @@ public:
     QString saveFileOfType(QWidget *parent, const QString &title, const QString &suggested, const QStringList &filters,
                            const QString &defaultSuffix, int *chosenFilter) override;
     bool openUrl(const QUrl &url) override;
+    bool askSecret(QWidget *parent, const QString &prompt, QString *secret) override;
 
     /// Records a menu's actions as lastMenu does, for menus the shell shows
     /// itself (the menu bar's drop-downs).

@@ -18,41 +18,39 @@
 #include "storage/documentfile.h"
 #include "storage/password.h"
 
+#include <QAbstractSpinBox>
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDir>
-#include <QFileInfo>
-#include <QHeaderView>
-#include <QKeyEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QMimeData>
-#include <QAbstractSpinBox>
-#include <QComboBox>
+#include <QFileInfo>
 #include <QFileSystemWatcher>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTextEdit>
-#include <QTimer>
+#include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QSettings>
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTextEdit>
+#include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
 namespace {
 
-constexpr int MaxRecent = 10;
-const QString RecentKey = QStringLiteral("Desktop/RecentDocuments");
 const QString AutosaveKey = QStringLiteral("Desktop/Autosave");
 const QString GeometryKey = QStringLiteral("Desktop/Geometry");
 
@@ -72,25 +70,6 @@ bool takesText(const QWidget *widget)
 }
 
 /// Where another program's version of path is kept after a conflict.
-QString conflictCopyPath(const QString &path)
-{
-    const QFileInfo info(path);
-    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HHmmss"));
-    return info.dir().filePath(QStringLiteral("%1 (conflict %2).%3").arg(info.completeBaseName(), stamp, info.suffix()));
-}
-
-QIcon moveMenuIcon()
-{
-    QPixmap pm(32, 32);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(Qt::NoPen);
-    p.setBrush(QColor(0x4a, 0x6f, 0xa5));
-    p.drawPolygon(QPolygonF() << QPointF(16, 2) << QPointF(25, 13) << QPointF(7, 13));
-    p.drawPolygon(QPolygonF() << QPointF(16, 30) << QPointF(25, 19) << QPointF(7, 19));
-    return QIcon(pm);
-}
 
 } // namespace
 
@@ -206,6 +185,8 @@ QString MainWindow::documentsFolder() const
 
 void MainWindow::saveSettings()
 {
+    // The window keeps its place and size for the next start.
+    m_store->setValue(GeometryKey, saveGeometry());
     if (m_view)
         m_settings.setFlag(Settings::QuickEntryBar, m_view->isQuickEntryVisible());
     m_settings.save(*m_store);
@@ -226,129 +207,6 @@ void MainWindow::start(const QString &commandLinePath)
     bringForward();
 }
 
-// ---- actions and menus
-
-QAction *MainWindow::command(const QString &name) const
-{
-    if (m_items) {
-        if (QAction *action = m_items->action(name))
-            return action;
-    }
-    for (const CommandGroup *group : m_groups) {
-        if (QAction *action = group->action(name))
-            return action;
-    }
-    return nullptr;
-}
-
-QMenu *MainWindow::addMenu(const QString &title, const char *name, std::initializer_list<const char *> commands)
-{
-    auto *menu = new QMenu(title, menuBar());
-    menu->setObjectName(QString::fromLatin1(name));
-    for (const char *commandName : commands) {
-        if (*commandName)
-            menu->addAction(command(QString::fromLatin1(commandName)));
-        else
-            menu->addSeparator();
-    }
-    connect(menu, &QMenu::aboutToShow, this, &MainWindow::updateActions);
-    return menu;
-}
-
-void MainWindow::clearMenus()
-{
-    menuBar()->clear();
-    // The old menus may be running the command that changed the state: they
-    // go later, nameless so that nothing finds them meanwhile.
-    const auto menus = menuBar()->findChildren<QMenu *>(Qt::FindDirectChildrenOnly);
-    for (QMenu *menu : menus) {
-        menu->setObjectName(QString());
-        menu->deleteLater();
-    }
-}
-
-void MainWindow::buildFileMenus(bool viewOpen)
-{
-    QMenu *file = viewOpen ? addMenu(QStringLiteral("&File"), "menuDesktopFile",
-                                     {"actionNewFile", "actionOpen"})
-                           : addMenu(QStringLiteral("&File"), "menuDesktopFile",
-                                     {"actionNewDocument", "actionOpen"});
-    auto *recent = new QMenu(QStringLiteral("Open &Recent"), file);
-    recent->setObjectName(QStringLiteral("menuOpenRecent"));
-    recent->menuAction()->setObjectName(QStringLiteral("actionOpenRecent"));
-    connect(recent, &QMenu::aboutToShow, this, [this, recent] { fillRecentMenu(recent); });
-    fillRecentMenu(recent);
-    file->addMenu(recent);
-    file->addSeparator();
-    if (viewOpen) {
-        for (const char *name : {"actionSave", "actionSaveAs", "actionFileProperties"})
-            file->addAction(command(QString::fromLatin1(name)));
-        file->addMenu(addMenu(QStringLiteral("&Import/Export"), "menuDesktopImportExport",
-                              {"actionImportFile", "actionImportOutline", "", "actionExportView", "actionExportXml",
-                               "actionExportLinks", "actionExportNotes", "", "actionExportItems", "",
-                               "actionExportOpml", "actionExportMarkdown"}));
-        file->addSeparator();
-        file->addAction(command(QStringLiteral("actionCloseDocument")));
-    } else {
-        file->addAction(command(QStringLiteral("actionImportText")));
-    }
-    file->addAction(command(QStringLiteral("actionAutosave")));
-    file->addSeparator();
-    file->addAction(command(QStringLiteral("actionExit")));
-    menuBar()->addMenu(file);
-    if (viewOpen) {
-        // Move and Copy mark the item for a later Paste: the outliner's cut
-        // and copy.
-        QMenu *edit = addMenu(QStringLiteral("&Edit"), "menuEdit",
-                              {"actionMarkMove", "actionMarkCopy", "actionPaste", "actionDeleteItem", "",
-                               "actionRename", "", "actionFindItem"});
-        menuBar()->addMenu(edit);
-    }
-}
-
-void MainWindow::buildListMenus()
-{
-    clearMenus();
-    buildFileMenus(false);
-    menuBar()->addAction(command(QStringLiteral("actionNewDocument")));
-    menuBar()->addMenu(
-        addMenu(QStringLiteral("&Tools"), "menuTools", {"actionRefresh", "", "actionImportText", "", "actionAbout"}));
-    menuBar()->addMenu(addMenu(QStringLiteral("&Help"), "menuHelp", {"actionHelp", "", "actionAbout"}));
-    m_toolBar->hide();
-}
-
-void MainWindow::fillRecentMenu(QMenu *menu)
-{
-    menu->clear();
-    const QStringList recent = recentDocuments();
-    int number = 0;
-    for (const QString &path : recent) {
-        ++number;
-        const QString label = QStringLiteral("&%1 %2").arg(number % 10).arg(QFileInfo(path).fileName());
-        QAction *entry = menu->addAction(label, this, [this, path] { openDocument(path); });
-        entry->setToolTip(QDir::toNativeSeparators(path));
-        entry->setData(path);
-    }
-    menu->menuAction()->setEnabled(!recent.isEmpty());
-}
-
-QStringList MainWindow::recentDocuments() const
-{
-    return m_store->value(RecentKey).toStringList();
-}
-
-void MainWindow::addRecent(const QString &path)
-{
-    const QString absolute = QFileInfo(path).absoluteFilePath();
-    QStringList recent = recentDocuments();
-    recent.removeAll(absolute);
-    recent.prepend(absolute);
-    while (recent.size() > MaxRecent)
-        recent.removeLast();
-    m_store->setValue(RecentKey, recent);
-    m_store->sync();
-}
-
 bool MainWindow::isAutosaveOn() const
 {
     return m_store->value(AutosaveKey, true).toBool();
@@ -365,84 +223,6 @@ void MainWindow::setAutosaveOn(bool on)
 void MainWindow::setAutosaveDelay(int milliseconds)
 {
     m_autosave->setInterval(milliseconds);
-}
-
-QMenu *MainWindow::buildMoveMenu(QWidget *parent)
-{
-    auto *move = new QMenu(parent);
-    move->setObjectName(QStringLiteral("menuMove"));
-    move->setIcon(moveMenuIcon());
-    move->menuAction()->setObjectName(QStringLiteral("actionMoveMenu"));
-    move->menuAction()->setToolTip(QStringLiteral("Move"));
-    for (const char *name : {"actionMoveUp", "actionMoveDown", "", "actionUpALevel", "actionDownALevel"}) {
-        if (*name)
-            move->addAction(command(QString::fromLatin1(name)));
-        else
-            move->addSeparator();
-    }
-    connect(move, &QMenu::aboutToShow, this, &MainWindow::updateActions);
-    return move;
-}
-
-void MainWindow::buildViewMenus()
-{
-    clearMenus();
-    buildFileMenus(true);
-    menuBar()->addAction(command(QStringLiteral("actionNew")));
-
-    QMenu *view = addMenu(
-        QStringLiteral("&View"), "menuView",
-        {"actionDefaultView", "actionByCategory", "actionByDueDate", "actionByPriority", "", "actionHideCompleted"});
-    QMenu *hide = addMenu(QStringLiteral("Hide By Status"), "menuHideByStatus",
-                          {"actionHideNoStatus", "actionHideCheckBox", "actionHideProgressBar"});
-    view->addMenu(hide);
-    view->addMenu(addMenu(QStringLiteral("Item Display Options"), "menuItemDisplay",
-                          {"actionShowDueDate", "actionShowStatistics"}));
-    view->addSeparator();
-    view->addMenu(addMenu(QStringLiteral("Windows && Toolbars"), "menuWindows",
-                          {"actionNoteWindow", "actionQuickEntryBar", "actionRecordingToolbar"}));
-    view->addSeparator();
-    view->addAction(command(QStringLiteral("actionExpandAll")));
-    view->addAction(command(QStringLiteral("actionCollapseAll")));
-    menuBar()->addMenu(view);
-
-    QMenu *tools = addMenu(QStringLiteral("&Tools"), "menuTools",
-                           {"actionFindItem", "actionFindResult", "", "actionSetPassword", "actionSave"});
-    tools->addMenu(addMenu(QStringLiteral("File"), "menuFile",
-                           {"actionFileProperties", "actionConvertNotes", "", "actionSaveAs"}));
-    tools->addSeparator();
-    tools->addMenu(addMenu(QStringLiteral("Import/Export"), "menuImportExport",
-                           {"actionImportFile", "actionImportOutline", "", "actionExportView", "actionExportXml",
-                            "actionExportLinks", "actionExportNotes", "", "actionExportItems", "", "actionExportOpml",
-                            "actionExportMarkdown"}));
-    tools->addSeparator();
-    tools->addAction(command(QStringLiteral("actionOptions")));
-    tools->addAction(command(QStringLiteral("actionItemTemplates")));
-    tools->addAction(command(QStringLiteral("actionAbout")));
-    menuBar()->addMenu(tools);
-    menuBar()->addMenu(buildMoveMenu(menuBar()));
-    menuBar()->addMenu(addMenu(QStringLiteral("&Help"), "menuHelp", {"actionHelp", "", "actionAbout"}));
-
-    m_toolBar->clear();
-    m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_toolBar->show();
-    for (const char *name : {"actionCloseDocument", "actionSave", "", "actionMoveUp", "actionMoveDown",
-                             "actionUpALevel", "actionDownALevel", "", "actionExpandAll", "actionCollapseAll",
-                             "actionModifyItem", "actionModifyNote", "actionLinks", "actionBranchView"}) {
-        if (*name)
-            m_toolBar->addAction(command(QString::fromLatin1(name)));
-        else
-            m_toolBar->addSeparator();
-    }
-}
-
-void MainWindow::updateActions()
-{
-    for (CommandGroup *group : std::as_const(m_groups))
-        group->update();
-    if (m_items)
-        m_items->update();
-    updateTitle();
 }
 
 // ---- the document list
@@ -641,8 +421,8 @@ bool MainWindow::createDocument()
     }
     if (!saved) {
         m_prompts->message(this, Prompts::Icon::Stop,
-                           Prompts::withReason(Messages::SaveFailed, QStringLiteral("%1: %2").arg(
-                                                                         QDir::toNativeSeparators(path), error)));
+                           Prompts::withReason(Messages::SaveFailed,
+                                               QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), error)));
         return false;
     }
     m_readOnly = false;
@@ -712,195 +492,6 @@ void MainWindow::saveOnDeactivation()
     saveView();
 }
 
-void MainWindow::autosave()
-{
-    if (!m_view || !m_view->isModified() || m_readOnly || !isAutosaveOn())
-        return;
-    // A failure is not shown every few seconds: the status bar says it, and
-    // the next Save or the close asks what to do.
-    QString error;
-    const bool written = writeView(QString(), &error);
-    updateTitle();
-    if (!written)
-        statusBar()->showMessage(QStringLiteral("Autosave failed: %1").arg(error));
-}
-
-void MainWindow::quitOnSignal()
-{
-    if (m_view) {
-        QString error;
-        if (m_view->isModified() && !m_readOnly && !writeView(QString(), &error))
-            qWarning("quillbox: %s not saved: %s", qPrintable(m_view->document()->path), qPrintable(error));
-        m_settings.defFile = m_view->document()->path;
-    }
-    m_store->setValue(GeometryKey, saveGeometry());
-    saveSettings();
-    qApp->quit();
-}
-
-bool MainWindow::writeView(const QString &path, QString *error)
-{
-    const QString target = path.isEmpty() ? m_view->document()->path : path;
-    if (m_conflict && path.isEmpty() && QFileInfo::exists(target)) {
-        // Ours is written; theirs stays beside it, as sync tools keep both.
-        if (!QFile::copy(target, conflictCopyPath(target))) {
-            if (error)
-                *error = QStringLiteral("the other version of %1 could not be kept").arg(target);
-            return false;
-        }
-    }
-    m_autosave->stop();
-    if (!m_view->save(path, error))
-        return false;
-    m_conflict = false;
-    if (!path.isEmpty()) {
-        m_readOnly = false;
-        addRecent(path);
-        watch(path);
-    }
-    rememberFingerprint();
-    return true;
-}
-
-bool MainWindow::saveView()
-{
-    if (!m_view->isModified() && QFileInfo::exists(m_view->document()->path))
-        return true;
-    QString reason;
-    if (!m_readOnly && writeView(QString(), &reason))
-        return true;
-    const QString file = QDir::toNativeSeparators(m_view->document()->path);
-    if (m_readOnly)
-        reason = QStringLiteral("the file is read-only");
-    m_prompts->message(this, Prompts::Icon::Stop,
-                       Prompts::withReason(Messages::SaveFailed, QStringLiteral("%1: %2").arg(file, reason)));
-    if (m_prompts->askYesNo(this, QStringLiteral("Save %1 under another name?").arg(file)) && saveDocumentAs())
-        return true;
-    return m_prompts->askWarningYesNo(this, QStringLiteral("Discard the changes to %1?").arg(file));
-}
-
-bool MainWindow::saveDocument()
-{
-    if (!m_view)
-        return false;
-    if (m_readOnly)
-        return saveDocumentAs();
-    QString reason;
-    if (writeView(QString(), &reason))
-        return true;
-    m_prompts->message(this, Prompts::Icon::Stop,
-                       Prompts::withReason(Messages::SaveFailed,
-                                           QStringLiteral("%1: %2").arg(
-                                               QDir::toNativeSeparators(m_view->document()->path), reason)));
-    return false;
-}
-
-bool MainWindow::saveDocumentAs()
-{
-    if (!m_view)
-        return false;
-    const QString path = m_prompts->saveFileName(this, QStringLiteral("Save As"), m_view->document()->path,
-                                                 QString::fromLatin1(Messages::FileFilter));
-    if (path.isEmpty())
-        return false;
-    QString reason;
-    if (writeView(QFileInfo(path).absoluteFilePath(), &reason)) {
-        updateTitle();
-        return true;
-    }
-    m_prompts->message(this, Prompts::Icon::Stop,
-                       Prompts::withReason(Messages::SaveFailed,
-                                           QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reason)));
-    return false;
-}
-
-// ---- following the file
-
-void MainWindow::watch(const QString &path)
-{
-    if (!m_watcher->files().isEmpty())
-        m_watcher->removePaths(m_watcher->files());
-    if (QFileInfo::exists(path))
-        m_watcher->addPath(path);
-    rememberFingerprint();
-}
-
-void MainWindow::rememberFingerprint()
-{
-    if (!m_view)
-        return;
-    const QFileInfo info(m_view->document()->path);
-    m_fileSize = info.exists() ? info.size() : -1;
-    m_fileTime = info.exists() ? info.lastModified() : QDateTime();
-    // A save that replaced the file ends the watch on the old one.
-    if (info.exists() && !m_watcher->files().contains(info.filePath()))
-        m_watcher->addPath(info.filePath());
-}
-
-void MainWindow::onFileChanged()
-{
-    if (!m_view)
-        return;
-    const QString path = m_view->document()->path;
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        if (m_fileSize < 0)
-            return;
-        m_fileSize = -1;
-        statusBar()->showMessage(QStringLiteral("%1 was deleted; the next save writes it again.")
-                                     .arg(QDir::toNativeSeparators(path)));
-        m_view->markChanged();
-        return;
-    }
-    if (!m_watcher->files().contains(path))
-        m_watcher->addPath(path);
-    if (info.size() == m_fileSize && info.lastModified() == m_fileTime)
-        return; // our own save
-    if (!m_view->isModified()) {
-        reloadDocument();
-        return;
-    }
-    if (m_prompts->askYesNo(this, QStringLiteral("%1 was changed by another program. Reload it and drop your "
-                                                 "changes? (No keeps yours, and the other version is kept beside "
-                                                 "it when you save.)")
-                                      .arg(QDir::toNativeSeparators(path)))) {
-        reloadDocument();
-        return;
-    }
-    m_conflict = true;
-    m_fileSize = info.size();
-    m_fileTime = info.lastModified();
-}
-
-void MainWindow::reloadDocument()
-{
-    auto document = std::make_unique<Document>();
-    const QString path = m_view->document()->path;
-    if (DocumentFile::load(path, document.get()) != DocumentFile::Loaded)
-        return; // half written: the next change of the file tries again
-    if (!document->passwordHash.isEmpty() && document->passwordHash != m_view->document()->passwordHash)
-        return; // a new password is asked for at the next open, not now
-    // The current item is found again by its place among its siblings.
-    QList<int> place;
-    for (const TreeNode *n = m_view->treePane()->currentNode(); n && n->parent(); n = n->parent())
-        place.prepend(n->parent()->indexOf(n));
-    DocumentView *old = m_view;
-    m_stack->removeWidget(old);
-    old->deleteLater();
-    m_view = nullptr;
-    TreeNode *current = document->root();
-    for (int index : std::as_const(place)) {
-        if (index < 0 || index >= current->childCount())
-            break;
-        current = current->child(index);
-    }
-    document->setCurrent(current);
-    showView(new DocumentView(std::move(document), &m_settings, m_prompts, m_stack));
-    statusBar()->showMessage(QStringLiteral("Reloaded: %1 was changed by another program.")
-                                 .arg(QDir::toNativeSeparators(path)),
-                             10000);
-}
-
 void MainWindow::updateTitle()
 {
     const QString caption = QString::fromLatin1(Messages::Caption);
@@ -960,7 +551,6 @@ void MainWindow::closeEvent(QCloseEvent *event)
         }
         m_settings.defFile = m_view->document()->path;
     }
-    m_store->setValue(GeometryKey, saveGeometry());
     saveSettings();
     event->accept();
 }
@@ -999,8 +589,8 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::ShortcutOverride) {
         auto *key = static_cast<QKeyEvent *>(event);
         auto *widget = qobject_cast<QWidget *>(watched);
-        if (key->key() == Qt::Key_A && key->modifiers() == Qt::ControlModifier && widget &&
-            widget->window() == this && !takesText(widget))
+        if (key->key() == Qt::Key_A && key->modifiers() == Qt::ControlModifier && widget && widget->window() == this &&
+            !takesText(widget))
             return true;
     }
     return QMainWindow::eventFilter(watched, event);

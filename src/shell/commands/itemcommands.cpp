@@ -1,5 +1,6 @@
 #include "shell/commands/itemcommands.h"
 
+#include "integration/calendarstore.h"
 #include "model/childorder.h"
 #include "model/document.h"
 #include "model/item.h"
@@ -12,11 +13,13 @@
 #include "shell/dialogs/applyattributesdialog.h"
 #include "shell/dialogs/externalnoteeditor.h"
 #include "shell/dialogs/itempropertiesdialog.h"
+#include "shell/dialogs/optionsdialog.h"
 #include "shell/document/branchview.h"
 #include "shell/document/documentview.h"
 #include "shell/document/itemhost.h"
 #include "shell/document/itemmenu.h"
 #include "shell/document/treepane.h"
+#include "shell/widgets/calendaraccess.h"
 #include "shell/widgets/prompts.h"
 #include "shell/widgets/toolbaricons.h"
 #include "shell/widgets/waitcursor.h"
@@ -243,11 +246,10 @@ void ItemCommands::addItemMenuCommands()
         [this, directionMarked] { return directionMarked() && !orderAscending(); });
 
     onItem("actionCreateCopy", QStringLiteral("Copy"), [this](Item *item) { createCopy(item); });
-    // Tasks and appointments go to a calendar store, which is not set up.
-    add(
-        "actionCreateTask", QStringLiteral("Task..."), [] {}, [] { return false; });
-    add(
-        "actionCreateAppointment", QStringLiteral("Appointment..."), [] {}, [] { return false; });
+    onItem("actionCreateTask", QStringLiteral("Task..."),
+           [this](Item *item) { createInCalendar(item, CalendarObject::Task); });
+    onItem("actionCreateAppointment", QStringLiteral("Appointment..."),
+           [this](Item *item) { createInCalendar(item, CalendarObject::Appointment); });
 
     add(
         "actionMarkMove", QStringLiteral("Move"), [this] { m_list->clip().markMove(currentItem()); },
@@ -503,4 +505,64 @@ void ItemCommands::branchView()
     branch.addToolBarAction(commands->action(QStringLiteral("actionModifyItem")));
     m_host->prompts()->runDialog(&branch);
     mainListFollows();
+}
+
+// ---- tasks and appointments
+
+void ItemCommands::createInCalendar(Item *item, CalendarObject::Kind kind)
+{
+    Prompts *prompts = m_host->prompts();
+    QWidget *parent = m_list->hostWidget();
+    bool eachChild = false;
+    if (item->hasChildren()) {
+        eachChild = prompts->askYesNo(parent, QString::fromLatin1(kind == CalendarObject::Task
+                                                                      ? Messages::AskTaskForEachChild
+                                                                      : Messages::AskAppointmentForEachChild));
+    }
+
+    const Settings &settings = m_host->settings();
+    std::unique_ptr<CalendarStore> store = CalendarAccess::open(settings.calendarStore, settings.calendarUser,
+                                                                prompts, parent);
+    if (!store)
+        return; // the password was not given
+    QString error;
+    CalendarStore::CreateResult result;
+    bool connected;
+    {
+        WaitCursor wait;
+        connected = store->connect(&error);
+        if (connected)
+            result = store->createFor(*item, m_list->document()->noteType, kind, eachChild);
+    }
+    if (!connected) {
+        // A refused password is asked again next time.
+        CalendarAccess::forgetPassword(settings.calendarStore, settings.calendarUser);
+        offerCalendarOptions(error);
+        return;
+    }
+    if (result.allCreated()) {
+        prompts->message(parent, Prompts::Icon::Information,
+                         QString::fromLatin1(Messages::CalendarObjectsCreated).arg(result.created));
+        return;
+    }
+    QString text = QString::fromLatin1(Messages::CalendarObjectsFailed).arg(result.created).arg(result.failed());
+    // The first reason stands for the rest: they are most often the same.
+    prompts->message(parent, Prompts::Icon::Stop, text + QStringLiteral("\n\n") + result.errors.constFirst());
+}
+
+void ItemCommands::offerCalendarOptions(const QString &reason)
+{
+    QWidget *parent = m_list->hostWidget();
+    const QString text = QString::fromLatin1(Messages::CalendarUnreachable).arg(reason) +
+                         QStringLiteral("\n\nDo you want to choose another calendar in the options?");
+    if (!m_host->prompts()->askYesNo(parent, text))
+        return;
+    OptionsDialog dialog(m_host->settings(), m_host->prompts(), parent);
+    dialog.showCalendarPage();
+    if (m_host->prompts()->runDialog(&dialog) != QDialog::Accepted)
+        return;
+    m_host->settings() = dialog.settings();
+    m_host->saveSettings();
+    if (DocumentView *view = m_host->view())
+        view->applySettings();
 }

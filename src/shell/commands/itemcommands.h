@@ -1,5 +1,6 @@
 #pragma once
 
+#include "integration/calendarobject.h"
 #include "model/editing.h"
 #include "shell/commands/commandgroup.h"
 
@@ -52,6 +53,11 @@ private:
     void applyAttributes();
     void editItem(int page);
     void branchView();
+    /// "Task..." and "Appointment...": objects in the calendar store for the
+    /// item or its direct children; the document is not changed.
+    void createInCalendar(Item *item, CalendarObject::Kind kind);
+    /// Says why the calendar cannot be used and offers its options page.
+    void offerCalendarOptions(const QString &reason);
 
     ItemHost *m_list;
     TemplateCommands *m_templates;

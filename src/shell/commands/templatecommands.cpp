@@ -5,11 +5,11 @@
 #include "shell/commands/commandhost.h"
 #include "shell/dialogs/templatesdialog.h"
 #include "shell/document/documentview.h"
+#include "shell/widgets/calendaraccess.h"
 #include "shell/widgets/prompts.h"
 #include "shell/widgets/waitcursor.h"
 #include "storage/settings.h"
 #include "storage/templatefile.h"
-#include "views/categorylist.h"
 
 #include <QAction>
 #include <QDir>
@@ -56,9 +56,7 @@ TemplateFile &TemplateCommands::templates()
 
 QStringList TemplateCommands::categories() const
 {
-    // The calendar's categories join here once a calendar store is set up.
-    return CategoryList::fill(*m_host->view()->document(), m_host->settings().testFlag(Settings::CalendarCategories),
-                              {});
+    return CalendarAccess::categories(*m_host->view()->document(), m_host->settings());
 }
 
 ItemPropertiesDialog::Context TemplateCommands::propertiesContext()

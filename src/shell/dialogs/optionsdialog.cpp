@@ -1,14 +1,17 @@
 #include "shell/dialogs/optionsdialog.h"
 
 #include "exchange/textexport.h"
+#include "integration/calendarstore.h"
 #include "exchange/xmlexport.h"
 #include "model/document.h"
 #include "platform/codepage.h"
 #include "platform/messages.h"
 #include "rows/iconset.h"
+#include "shell/widgets/calendaraccess.h"
 #include "shell/widgets/colourcombo.h"
 #include "shell/widgets/iconbutton.h"
 #include "shell/widgets/prompts.h"
+#include "shell/widgets/waitcursor.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -66,6 +69,8 @@ OptionsDialog::OptionsDialog(const Settings &settings, Prompts *prompts, QWidget
     m_pages->addTab(page(buildDefaults()), QStringLiteral("Defaults"));
     m_pages->addTab(page(buildIcons()), QStringLiteral("Icons"));
     m_pages->addTab(page(buildExchange()), QStringLiteral("Import/Export"));
+    m_calendarPage = page(buildCalendar());
+    m_pages->addTab(m_calendarPage, QStringLiteral("Calendar"));
     layout->addWidget(m_pages, 1);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
@@ -262,6 +267,92 @@ QWidget *OptionsDialog::buildExchange()
     return w;
 }
 
+QWidget *OptionsDialog::buildCalendar()
+{
+    auto *w = new QWidget;
+    auto *layout = new QVBoxLayout(w);
+    auto *storeBox = new QGroupBox(QStringLiteral("Tasks and appointments go to"), w);
+    auto *form = new QFormLayout(storeBox);
+    m_calendarStore = new QLineEdit(m_settings.calendarStore, storeBox);
+    m_calendarStore->setObjectName(QStringLiteral("calendarStore"));
+    m_calendarStore->setPlaceholderText(CalendarStore::defaultFolder());
+    m_calendarStore->setClearButtonEnabled(true);
+    form->addRow(QStringLiteral("&Folder or address:"), m_calendarStore);
+    auto *hint = new QLabel(QStringLiteral("A folder of .ics files (empty for the one shown), or the address of a "
+                                           "CalDAV calendar, such as https://example.org/dav/calendars/me/tasks/"),
+                            storeBox);
+    hint->setWordWrap(true);
+    hint->setEnabled(false);
+    form->addRow(QString(), hint);
+    m_calendarUser = new QLineEdit(m_settings.calendarUser, storeBox);
+    m_calendarUser->setObjectName(QStringLiteral("calendarUser"));
+    form->addRow(QStringLiteral("&User name:"), m_calendarUser);
+    m_calendarPassword = new QLineEdit(storeBox);
+    m_calendarPassword->setObjectName(QStringLiteral("calendarPassword"));
+    m_calendarPassword->setEchoMode(QLineEdit::Password);
+    m_calendarPassword->setPlaceholderText(QStringLiteral("Unchanged"));
+    m_calendarPassword->setToolTip(QStringLiteral("Kept in the desktop's keyring, or for this session only where "
+                                                  "there is none"));
+    form->addRow(QStringLiteral("&Password:"), m_calendarPassword);
+    layout->addWidget(storeBox);
+
+    auto *testRow = new QHBoxLayout;
+    auto *test = new QPushButton(QStringLiteral("&Test connection"), w);
+    test->setObjectName(QStringLiteral("calendarTest"));
+    test->setAutoDefault(false);
+    testRow->addWidget(test);
+    testRow->addStretch(1);
+    layout->addLayout(testRow);
+    m_calendarResult = new QLabel(w);
+    m_calendarResult->setObjectName(QStringLiteral("calendarResult"));
+    m_calendarResult->setWordWrap(true);
+    m_calendarResult->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(m_calendarResult);
+    layout->addStretch(1);
+
+    connect(m_calendarStore, &QLineEdit::textChanged, this, &OptionsDialog::updateCalendarFields);
+    connect(test, &QPushButton::clicked, this, &OptionsDialog::testConnection);
+    updateCalendarFields();
+    return w;
+}
+
+void OptionsDialog::updateCalendarFields()
+{
+    // A folder needs no account.
+    const bool server = CalendarStore::isCalDavAddress(m_calendarStore->text().trimmed());
+    m_calendarUser->setEnabled(server);
+    m_calendarPassword->setEnabled(server);
+    m_calendarResult->clear();
+}
+
+void OptionsDialog::testConnection()
+{
+    const QString location = m_calendarStore->text().trimmed();
+    const QString user = m_calendarUser->text().trimmed();
+    const QString password = m_calendarPassword->text();
+    std::unique_ptr<CalendarStore> store;
+    if (CalendarStore::isCalDavAddress(location) && !password.isEmpty())
+        store = CalendarStore::open(location, user, password);
+    else
+        store = CalendarAccess::open(location, user, m_prompts, this);
+    if (!store)
+        return;
+    QString error;
+    bool connected;
+    {
+        WaitCursor wait;
+        connected = store->connect(&error);
+    }
+    m_calendarResult->setText(connected ? QStringLiteral("The calendar at %1 can be used.").arg(store->location())
+                                        : error);
+}
+
+void OptionsDialog::showCalendarPage()
+{
+    m_pages->setCurrentWidget(m_calendarPage);
+    m_calendarStore->setFocus();
+}
+
 Settings OptionsDialog::settings() const
 {
     Settings s = m_settings;
@@ -298,6 +389,8 @@ Settings OptionsDialog::settings() const
     s.expOtherSep = quint16(m_separator->currentIndex());
     s.ansiCodePage = m_codePage->currentText().trimmed();
     s.textImport = quint32(m_importNoteType->currentIndex()) << 16 | m_importIcon->image();
+    s.calendarStore = m_calendarStore->text().trimmed();
+    s.calendarUser = m_calendarUser->text().trimmed();
     return s;
 }
 
@@ -311,5 +404,8 @@ void OptionsDialog::accept()
         m_codePage->setFocus();
         return;
     }
+    const QString location = m_calendarStore->text().trimmed();
+    if (CalendarStore::isCalDavAddress(location) && !m_calendarPassword->text().isEmpty())
+        CalendarAccess::keepPassword(location, m_calendarUser->text().trimmed(), m_calendarPassword->text());
     QDialog::accept();
 }

@@ -10,11 +10,14 @@ class Prompts;
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
+class QLabel;
 class QListWidget;
 class QTabWidget;
 
-/// "Options...": the application-wide settings on five pages, "Display",
-/// "General", "Defaults", "Icons" and "Import/Export". The dialog works on a
+/// "Options...": the application-wide settings on six pages, "Display",
+/// "General", "Defaults", "Icons", "Import/Export" and "Calendar". The
+/// Calendar page keeps a CalDAV password in the keyring on OK, never in the
+/// settings. The dialog works on a
 /// copy of the settings; settings() gives the edited record for the caller
 /// to keep and save after OK.
 class OptionsDialog : public QDialog {
@@ -28,6 +31,8 @@ public:
 
     /// Refuses a code page that the converters do not know.
     void accept() override;
+    /// Opens on the Calendar page.
+    void showCalendarPage();
 
 private:
     QWidget *buildDisplay();
@@ -35,6 +40,9 @@ private:
     QWidget *buildDefaults();
     QWidget *buildIcons();
     QWidget *buildExchange();
+    QWidget *buildCalendar();
+    void updateCalendarFields();
+    void testConnection();
     QCheckBox *flagBox(const QString &text, const char *name, Settings::Flag flag, bool inverted = false);
 
     Settings m_settings;
@@ -54,6 +62,11 @@ private:
     QComboBox *m_codePage = nullptr;
     IconButton *m_importIcon = nullptr;
     QComboBox *m_importNoteType = nullptr;
+    QWidget *m_calendarPage = nullptr;
+    QLineEdit *m_calendarStore = nullptr;
+    QLineEdit *m_calendarUser = nullptr;
+    QLineEdit *m_calendarPassword = nullptr;
+    QLabel *m_calendarResult = nullptr;
     /// Flag boxes and whether each shows its bit inverted.
     QList<std::tuple<QCheckBox *, Settings::Flag, bool>> m_flagBoxes;
 };

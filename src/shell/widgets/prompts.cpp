@@ -11,6 +11,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -225,4 +226,13 @@ QString Prompts::withReason(const char *message, const QString &reason)
 {
     const QString text = QString::fromLatin1(message);
     return reason.isEmpty() ? text : text + QStringLiteral("\n\n") + reason;
+}
+
+bool DialogPrompts::askSecret(QWidget *parent, const QString &prompt, QString *secret)
+{
+    bool ok = false;
+    const QString text = QInputDialog::getText(parent, caption(), prompt, QLineEdit::Password, QString(), &ok);
+    if (ok)
+        *secret = text;
+    return ok;
 }

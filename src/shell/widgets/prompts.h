@@ -70,6 +70,9 @@ public:
     /// Hands a web address, "mailto:", "tel:" or a local file to the
     /// desktop's application for it; false when none took it.
     virtual bool openUrl(const QUrl &url) = 0;
+    /// A secret (a server's password) typed into a masked box under a
+    /// prompt. True with the text in *secret; false when cancelled.
+    virtual bool askSecret(QWidget *parent, const QString &prompt, QString *secret) = 0;
 
     /// The file dialog filters for a filter text in the form the document
     /// formats name them ("Text Files|*.txt|Unicode Files|*.txt|").
@@ -100,4 +103,5 @@ public:
     QString saveFileOfType(QWidget *parent, const QString &title, const QString &suggested, const QStringList &filters,
                            const QString &defaultSuffix, int *chosenFilter) override;
     bool openUrl(const QUrl &url) override;
+    bool askSecret(QWidget *parent, const QString &prompt, QString *secret) override;
 };
