@@ -300,44 +300,63 @@ void MainWindow::showView(DocumentView *view)
     updateActions();
     updateTitle();
     watch(view->document()->path);
+    // Setting the view up is no edit.
+    view->setUnmodified();
+    updateTitle();
     view->treePane()->setFocus();
 }
 
 void MainWindow::addTreeKeys()
 {
-    // Outliner keys while the tree has the focus (a rename's editor keeps
-    // its own Enter and Tab).
-    TreePane *tree = m_view->treePane();
-    auto bind = [this, tree](const char *name, QList<QKeySequence> keys, std::function<void()> run) {
-        auto *action = new QAction(tree);
-        action->setObjectName(QString::fromLatin1(name));
-        action->setShortcuts(keys);
-        action->setShortcutContext(Qt::WidgetShortcut);
-        connect(action, &QAction::triggered, this, run);
-        tree->addAction(action);
-    };
+    // Outliner keys while the tree has the focus; a rename's editor keeps
+    // its own Enter and Tab. Taken before the tree's own keys (Tab would
+    // move the focus, Enter fold the row).
+    // The application's event filter (see eventFilter) takes them.
+}
+
+bool MainWindow::treeKey(QKeyEvent *key)
+{
     auto trigger = [this](const char *name) {
-        return [this, name] {
-            updateActions();
-            if (QAction *action = command(QString::fromLatin1(name)); action && action->isEnabled())
-                action->trigger();
-        };
+        updateActions();
+        if (QAction *action = command(QString::fromLatin1(name)); action && action->isEnabled())
+            action->trigger();
     };
     auto insert = [this](InsertPosition position) {
-        return [this, position] {
-            if (!m_view || m_readOnly)
-                return;
-            m_view->insertNewItem(new Item(QString()), position);
-            m_view->treePane()->startRename();
-        };
+        if (m_readOnly)
+            return;
+        m_view->insertNewItem(new Item(QString()), position);
+        m_view->treePane()->startRename();
     };
-    bind("keyNewBelow", {QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)}, insert(InsertPosition::Same));
-    bind("keyNewChild", {QKeySequence(Qt::Key_Insert)}, insert(InsertPosition::Child));
-    bind("keyDownALevel", {QKeySequence(Qt::Key_Tab)}, trigger("actionDownALevel"));
-    bind("keyUpALevel", {QKeySequence(Qt::SHIFT | Qt::Key_Backtab), QKeySequence(Qt::Key_Backtab)},
-         trigger("actionUpALevel"));
-    bind("keyMoveUp", {QKeySequence(Qt::CTRL | Qt::Key_Up)}, trigger("actionMoveUp"));
-    bind("keyMoveDown", {QKeySequence(Qt::CTRL | Qt::Key_Down)}, trigger("actionMoveDown"));
+    const Qt::KeyboardModifiers mods = key->modifiers() & ~Qt::KeypadModifier;
+    switch (key->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (mods != Qt::NoModifier)
+            return false;
+        insert(InsertPosition::Same);
+        return true;
+    case Qt::Key_Insert:
+        if (mods != Qt::NoModifier)
+            return false;
+        insert(InsertPosition::Child);
+        return true;
+    case Qt::Key_Tab:
+        if (mods != Qt::NoModifier)
+            return false;
+        trigger("actionDownALevel");
+        return true;
+    case Qt::Key_Backtab:
+        trigger("actionUpALevel");
+        return true;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        if (mods != Qt::ControlModifier)
+            return false;
+        trigger(key->key() == Qt::Key_Up ? "actionMoveUp" : "actionMoveDown");
+        return true;
+    default:
+        return false;
+    }
 }
 
 bool MainWindow::openDocument(const QString &path)
@@ -552,6 +571,19 @@ void MainWindow::changeEvent(QEvent *event)
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
+    // A key typed in the tree itself, not one its rename editor passed up.
+    if (event->type() == QEvent::KeyRelease) {
+        m_passedKey = nullptr;
+    } else if (event->type() == QEvent::KeyPress && m_view) {
+        TreePane *tree = m_view->treePane();
+        if (watched != tree) {
+            if (auto *widget = qobject_cast<QWidget *>(watched); widget && tree->isAncestorOf(widget))
+                m_passedKey = event;
+        } else if (event != m_passedKey) {
+            if (treeKey(static_cast<QKeyEvent *>(event)))
+                return true;
+        }
+    }
     // Ctrl+A is About in the tree and the window; in a text field it selects
     // all, as the field itself says.
     if (event->type() == QEvent::ShortcutOverride) {

@@ -22,6 +22,7 @@ class QStackedWidget;
 class QTreeWidget;
 class QToolBar;
 class QLabel;
+class QKeyEvent;
 class QFileSystemWatcher;
 class QTimer;
 
@@ -122,6 +123,8 @@ private:
     void fillRecentMenu(QMenu *menu);
     void buildFileMenus(bool viewOpen);
     void addTreeKeys();
+    /// An outliner key pressed in the tree; false when it is not one.
+    bool treeKey(QKeyEvent *key);
     void watch(const QString &path);
     void rememberFingerprint();
     void onFileChanged();
@@ -153,4 +156,7 @@ private:
     /// Another program changed the file and the user kept their version.
     bool m_conflict = false;
     bool m_readOnly = false;
+    /// The key press last delivered elsewhere first (it may reach the tree
+    /// as its parent).
+    const QEvent *m_passedKey = nullptr;
 };

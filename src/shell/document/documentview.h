@@ -40,6 +40,8 @@ public:
     bool isModified() const;
     /// Bumped by every edit; save() records the count it wrote.
     quint64 changeCount() const { return m_changes; }
+    /// The document as it stands is the one on disk (just opened).
+    void setUnmodified() { m_savedChanges = m_changes; }
     /// A note pane showing an item of the branch lets go of it.
     void forgetBranch(const Item *item) override;
     void edited(Edit edit, Item *item) override { Q_EMIT itemsEdited(edit, item); }
