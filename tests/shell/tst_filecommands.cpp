@@ -253,7 +253,7 @@ void TestFileCommands::importTextMakesANewDocument_data()
     QTest::newRow("format error")
         << QByteArray("Groceries\r\nFruit\r\n") << false << QList<bool>() << QString()
         << QStringList{QStringLiteral("The format of the import text file is invalid. Please correct the file and try "
-                                      "again.")};
+                                      "again. (line 2)")};
     QTest::newRow("unreadable") << QByteArray("\xff\xfe\x00\x00", 4) << false << QList<bool>() << QString()
                                 << QStringList{QStringLiteral("Unable to load file. Please try again with a smaller "
                                                               "file.")};
