@@ -630,7 +630,7 @@ void TestDocumentView::splitterDragIsSaved()
     QCOMPARE(m_f->window->settings().splitPct7, quint16(60));
     // A wide window puts the panes side by side with the second layout's value.
     m_f->window->settings().splitPct7 = 70;
-    m_view->resize(1000, 400);
+    m_f->window->resize(1400, 500);
     QCoreApplication::processEvents();
     QCOMPARE(splitter->orientation(), Qt::Horizontal);
     const int wide = splitter->sizes().value(0) + splitter->sizes().value(1);

@@ -159,7 +159,8 @@ void TestItemProperties::detailsPage_data()
     const SystemTime march5{2024, 3, 2, 5, 0, 0, 0, 0};
     const SystemTime march5Evening{2024, 3, 2, 5, 18, 30, 0, 0};
     const SystemTime march9{2024, 3, 6, 9, 0, 0, 0, 0};
-    const SystemTime reminder{2024, 3, 1, 4, 8, 15, 0, 0};
+    // A reminder set here is pending: its seconds field is 1.
+    const SystemTime reminder{2024, 3, 1, 4, 8, 15, 1, 0};
     QTest::newRow("new due date") << none << true << QDate(2024, 3, 5) << march5 << QStringLiteral("90") << 1
                                   << QDateTime() << none;
     QTest::newRow("changed date starts the day")
