@@ -47,13 +47,13 @@ void WallClockAlarm::arm(const QDateTime &at)
 #ifdef Q_OS_LINUX
     if (m_fd >= 0) {
         const qint64 ms = at.toMSecsSinceEpoch();
-        itimerspec spec{};
+        itimerspec expiry{};
         // A zero expiry would disarm: a time at or before the epoch is long
         // past, so any small positive one fires at once as well.
-        spec.it_value.tv_sec = ms > 0 ? time_t(ms / 1000) : 0;
-        spec.it_value.tv_nsec = ms > 0 ? long(ms % 1000) * 1'000'000 : 1;
+        expiry.it_value.tv_sec = ms > 0 ? time_t(ms / 1000) : 0;
+        expiry.it_value.tv_nsec = ms > 0 ? long(ms % 1000) * 1'000'000 : 1;
         // Cancelled when the clock is set, so the caller can schedule anew.
-        if (timerfd_settime(m_fd, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &spec, nullptr) == 0)
+        if (timerfd_settime(m_fd, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &expiry, nullptr) == 0)
             return;
     }
 #endif
