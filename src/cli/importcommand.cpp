@@ -15,29 +15,41 @@
 
 namespace {
 
+// The note type and icon of imported items: the options when given, else
+// the settings. False, with the message printed, for a bad value.
+bool readTypeAndIcon(const QCommandLineParser &parser, const QCommandLineOption &noteType,
+                     const QCommandLineOption &icon, const Settings &settings, quint16 *type, quint16 *iconValue)
+{
+    QTextStream err(stderr);
+    *type = TextImport::noteTypeOf(settings.textImport);
+    if (parser.isSet(noteType) && !NoteTypes::parse(parser.value(noteType), type)) {
+        err << "qbx: --note-type is 0 (plain), 1 (ink) or 2 (rich)\n";
+        return false;
+    }
+    *iconValue = TextImport::iconOf(settings.textImport);
+    if (parser.isSet(icon)) {
+        bool ok = false;
+        const uint value = parser.value(icon).toUInt(&ok);
+        if (!ok || value > 0xffff) {
+            err << "qbx: --icon is a number from 0 to 65535\n";
+            return false;
+        }
+        *iconValue = quint16(value);
+    }
+    return true;
+}
+
 int importText(const QCommandLineParser &parser, const QStringList &args, const QCommandLineOption &noteType,
                const QCommandLineOption &icon, const QCommandLineOption &force, const QCommandLineOption &encoding)
 {
     QTextStream err(stderr);
     Settings settings;
     settings.loadUserStore();
-    quint16 type = TextImport::noteTypeOf(settings.textImport);
-    if (parser.isSet(noteType) && !NoteTypes::parse(parser.value(noteType), &type)) {
-        err << "qbx: --note-type is 0 (plain), 1 (ink) or 2 (rich)\n";
-        return 2;
-    }
+    quint16 type = 0;
     TextImport::Options options;
-    options.icon = TextImport::iconOf(settings.textImport);
+    if (!readTypeAndIcon(parser, noteType, icon, settings, &type, &options.icon))
+        return 2;
     options.codePage = settings.ansiCodePage;
-    if (parser.isSet(icon)) {
-        bool ok = false;
-        const uint value = parser.value(icon).toUInt(&ok);
-        if (!ok || value > 0xffff) {
-            err << "qbx: --icon is a number from 0 to 65535\n";
-            return 2;
-        }
-        options.icon = quint16(value);
-    }
     if (parser.isSet(encoding)) {
         const QString name = parser.value(encoding).toLower();
         if (name == QLatin1String("utf-8") || name == QLatin1String("utf8")) {
@@ -141,21 +153,10 @@ int importOutline(const QCommandLineParser &parser, const QStringList &args, con
     QTextStream err(stderr);
     Settings settings;
     settings.loadUserStore();
-    quint16 type = TextImport::noteTypeOf(settings.textImport);
-    if (parser.isSet(noteType) && !NoteTypes::parse(parser.value(noteType), &type)) {
-        err << "qbx: --note-type is 0 (plain), 1 (ink) or 2 (rich)\n";
+    quint16 type = 0;
+    quint16 iconValue = 0;
+    if (!readTypeAndIcon(parser, noteType, icon, settings, &type, &iconValue))
         return 2;
-    }
-    quint16 iconValue = TextImport::iconOf(settings.textImport);
-    if (parser.isSet(icon)) {
-        bool ok = false;
-        const uint value = parser.value(icon).toUInt(&ok);
-        if (!ok || value > 0xffff) {
-            err << "qbx: --icon is a number from 0 to 65535\n";
-            return 2;
-        }
-        iconValue = quint16(value);
-    }
     Document document;
     TreeNode *target = nullptr;
     QString savePath;
