@@ -98,7 +98,8 @@ bool OpmlExport::write(QIODevice &out, const TreeNode *root, const Options &opti
     newLine(xml, 1);
     xml.writeStartElement(QStringLiteral("head"));
     newLine(xml, 2);
-    xml.writeTextElement(QStringLiteral("title"), ExchangeText::xmlSafe(root->name()));
+    // Readers trim the title, so it is written trimmed and reads back the same.
+    xml.writeTextElement(QStringLiteral("title"), ExchangeText::xmlSafe(root->name()).trimmed());
     newLine(xml, 1);
     xml.writeEndElement();
     newLine(xml, 1);
