@@ -1,8 +1,8 @@
 # One helper registers every Qt Test suite: each tests/<dir>/tst_<unit>.cpp is
 # its own executable and CTest test. Suites under tests/rows, tests/noteeditor
 # and tests/shell link the desktop library and run on the offscreen platform;
-# suites under tests/cli run the qbx program. Shared helpers live in
-# tests/support/. Suites under tests/app run the quillbox program with the
+# the suites under tests/cli run the qbx program and form one program,
+# tst_qbx. Shared helpers live in tests/support/. Suites under tests/app run the quillbox program with the
 # desktop library at hand; suites under tests/packaging install or package
 # this build.
 function(quillbox_add_test src)
@@ -19,6 +19,11 @@ function(quillbox_add_test src)
     if(gui)
         add_executable(${name} ${src} ${CMAKE_CURRENT_SOURCE_DIR}/tests/support/scriptedprompts.cpp)
         target_link_libraries(${name} PRIVATE quillbox_ui Qt6::Test)
+    elseif(area STREQUAL "cli")
+        # The qbx suites are one program: its runner and every suite beside it.
+        file(GLOB suites CONFIGURE_DEPENDS ${dir}/*.cpp)
+        add_executable(${name} ${suites})
+        target_link_libraries(${name} PRIVATE quillbox_core Qt6::Test)
     else()
         add_executable(${name} ${src})
         target_link_libraries(${name} PRIVATE quillbox_core Qt6::Test)

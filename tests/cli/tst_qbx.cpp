@@ -1,50 +1,22 @@
 #include "support/filebytes.h"
+#include "support/qbxprocess.h"
 
-#include <QFile>
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <memory>
 
 namespace {
 
-struct Run {
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
-Run qbx(const QStringList &arguments, const QByteArray &input = QByteArray())
+// Options that type these lines on the standard input.
+QbxOptions typed(const QByteArray &lines)
 {
-    QProcess process;
-    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), arguments);
-    Run run;
-    if (!process.waitForStarted())
-        return run;
-    process.write(input);
-    process.closeWriteChannel();
-    process.waitForFinished(120000);
-    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    run.out = process.readAllStandardOutput();
-    run.err = process.readAllStandardError();
-    return run;
-}
-
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QString writeFile(const QTemporaryDir &dir, const QString &name, const QByteArray &bytes)
-{
-    const QString path = dir.filePath(name);
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-    return path;
+    QbxOptions options;
+    options.input = lines;
+    return options;
 }
 
 QJsonArray times(std::initializer_list<int> fields)
@@ -57,27 +29,22 @@ QJsonArray times(std::initializer_list<int> fields)
 
 } // namespace
 
+// The commands on whole documents: dump, check, resave, password, generate.
 class TestQbx : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void dumpPrintsEveryField();
     void loadFailuresGiveMessageAndStatus_data();
     void loadFailuresGiveMessageAndStatus();
     void resaveWritesTheCurrentVersion();
     void passwordCommand();
     void generateIsRepeatable();
-    void helpForEveryCommand();
+    void helpAndUsage();
 
 private:
     QTemporaryDir m_dir;
 };
-
-void TestQbx::initTestCase()
-{
-    QVERIFY2(QFile::exists(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx")), "build the qbx target first");
-}
 
 void TestQbx::dumpPrintsEveryField()
 {
@@ -91,9 +58,9 @@ void TestQbx::dumpPrintsEveryField()
     f.u32(2).u32(9).u16(0).str(QString()).u32(0).u32(2).u16(15);
     f.str(QString()).u16(0).zeroTime().u16(0).u16(0).u32(1).str(QString()).u16(10).zeroTime().zeroTime();
     f.u32(0).u32(0);
-    const QString path = writeFile(m_dir, QStringLiteral("dump.qbx"), f);
+    const QString path = writeBytes(m_dir.filePath(QStringLiteral("dump.qbx")), f);
 
-    const Run run = qbx({QStringLiteral("dump"), path});
+    const QbxRun run = qbx({QStringLiteral("dump"), path});
     QCOMPARE(run.status, 0);
     QVERIFY(run.err.isEmpty());
     QJsonParseError error;
@@ -166,7 +133,7 @@ void TestQbx::dumpPrintsEveryField()
                                               {"Children", QJsonArray{first}}}}};
     QCOMPARE(dump, expected);
 
-    const Run check = qbx({QStringLiteral("check"), path});
+    const QbxRun check = qbx({QStringLiteral("check"), path});
     QCOMPARE(check.status, 0);
     QCOMPARE(check.out, (path + QStringLiteral(": loaded, version 551, 2 items, password protected\n")).toUtf8());
 }
@@ -180,12 +147,11 @@ void TestQbx::loadFailuresGiveMessageAndStatus_data()
     const QString damaged = QStringLiteral("Unable to load file. The file may be corrupted.\n");
     const QString unsupported = QStringLiteral("This file was created either prior to version 5.0 or by a newer "
                                                "version. These file formats are not supported.\n");
-    for (const char *command : {"dump", "check", "resave", "password"}) {
-        QTest::addRow("%s damaged", command) << command << QByteArray::fromHex("2702000000") << 1 << damaged;
-        QTest::addRow("%s version 600", command) << command << QByteArray::fromHex("58020000") << 2 << unsupported;
-        QTest::addRow("%s absent", command)
-            << command << QByteArray() << 4 << QStringLiteral("File '%1' does not exist.\n");
-    }
+    // Every command loads through the same path: one failure kind each.
+    QTest::newRow("dump damaged") << "dump" << QByteArray::fromHex("2702000000") << 1 << damaged;
+    QTest::newRow("resave version 600") << "resave" << QByteArray::fromHex("58020000") << 2 << unsupported;
+    QTest::newRow("password damaged") << "password" << QByteArray::fromHex("2702000000") << 1 << damaged;
+    QTest::newRow("check absent") << "check" << QByteArray() << 4 << QStringLiteral("File '%1' does not exist.\n");
 }
 
 void TestQbx::loadFailuresGiveMessageAndStatus()
@@ -195,13 +161,13 @@ void TestQbx::loadFailuresGiveMessageAndStatus()
     QFETCH(int, status);
     QFETCH(QString, message);
     const QString path = file.isEmpty() ? m_dir.filePath(QStringLiteral("absent.qbx"))
-                                        : writeFile(m_dir, QStringLiteral("bad.qbx"), file);
-    const Run run = qbx({command, path});
+                                        : writeBytes(m_dir.filePath(QStringLiteral("bad.qbx")), file);
+    const QbxRun run = qbx({command, path});
     QCOMPARE(run.status, status);
     QCOMPARE(QString::fromUtf8(run.err), message.contains(QLatin1String("%1")) ? message.arg(path) : message);
     QVERIFY(run.out.isEmpty());
     if (!file.isEmpty())
-        QCOMPARE(readAll(path), file); // a file that did not load is never written
+        QCOMPARE(fileBytes(path), file); // a file that did not load is never written
 }
 
 void TestQbx::resaveWritesTheCurrentVersion()
@@ -211,7 +177,7 @@ void TestQbx::resaveWritesTheCurrentVersion()
     f.u16(1).str(QStringLiteral("R")).u32(0).u32(2).u16(5);
     f.u32(1).u32(3).u16(2).str(QStringLiteral("a")).u32(0).u32(2).u16(5).str(QString()).u16(0).zeroTime();
     f.u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().u32(0).u32(0);
-    const QString path = writeFile(m_dir, QStringLiteral("old.qbx"), f);
+    const QString path = writeBytes(m_dir.filePath(QStringLiteral("old.qbx")), f);
     const QString out = m_dir.filePath(QStringLiteral("new.qbx"));
 
     FileBytes e;
@@ -221,10 +187,10 @@ void TestQbx::resaveWritesTheCurrentVersion()
     e.u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().zeroTime().u32(0).u32(0);
 
     QCOMPARE(qbx({QStringLiteral("resave"), path, out}).status, 0);
-    QCOMPARE(readAll(out), e.data());
-    QCOMPARE(readAll(path), f.data());
+    QCOMPARE(fileBytes(out), e.data());
+    QCOMPARE(fileBytes(path), f.data());
     QCOMPARE(qbx({QStringLiteral("resave"), path}).status, 0);
-    QCOMPARE(readAll(path), e.data());
+    QCOMPARE(fileBytes(path), e.data());
 }
 
 void TestQbx::passwordCommand()
@@ -241,24 +207,24 @@ void TestQbx::passwordCommand()
         QStringLiteral("The password is not correct. Please enter the password and try again.\n");
     const QString mismatch = QStringLiteral("The new password and confirmation do not match. Please try again.\n");
 
-    Run run = qbx({QStringLiteral("password"), path}, "\nabc\nABC\n");
+    QbxRun run = qbx({QStringLiteral("password"), path}, typed("\nabc\nABC\n"));
     QCOMPARE(run.status, 3);
     QCOMPARE(QString::fromUtf8(run.err), mismatch);
     QCOMPARE(hash(), QString());
 
-    QCOMPARE(qbx({QStringLiteral("password"), path}, "ignored\nabc\nabc\n").status, 0);
+    QCOMPARE(qbx({QStringLiteral("password"), path}, typed("ignored\nabc\nabc\n")).status, 0);
     QCOMPARE(hash(), QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315"));
 
-    run = qbx({QStringLiteral("password"), path}, "ABC\n\n\n");
+    run = qbx({QStringLiteral("password"), path}, typed("ABC\n\n\n"));
     QCOMPARE(run.status, 3);
     QCOMPARE(QString::fromUtf8(run.err), notCorrect);
 
-    run = qbx({QStringLiteral("password"), path}, "abc\n1234567890123456\n1234567890123456\n");
+    run = qbx({QStringLiteral("password"), path}, typed("abc\n1234567890123456\n1234567890123456\n"));
     QCOMPARE(run.status, 3);
     QCOMPARE(hash(), QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315"));
 
     // Windows line ends are read as line ends.
-    QCOMPARE(qbx({QStringLiteral("password"), path}, "abc\r\n\r\n\r\n").status, 0);
+    QCOMPARE(qbx({QStringLiteral("password"), path}, typed("abc\r\n\r\n\r\n")).status, 0);
     QCOMPARE(hash(), QString());
 }
 
@@ -270,8 +236,8 @@ void TestQbx::generateIsRepeatable()
     QCOMPARE(qbx(QStringList{"generate", "--items", "200", "--seed", "5", a}).status, 0);
     QCOMPARE(qbx(QStringList{"generate", "--items", "200", "--seed", "5", b}).status, 0);
     QCOMPARE(qbx(QStringList{"generate", "--items", "200", "--seed", "6", c}).status, 0);
-    QCOMPARE(readAll(a), readAll(b));
-    QVERIFY(readAll(a) != readAll(c));
+    QCOMPARE(fileBytes(a), fileBytes(b));
+    QVERIFY(fileBytes(a) != fileBytes(c));
     QCOMPARE(qbx({QStringLiteral("check"), a}).out, (a + QStringLiteral(": loaded, version 551, 200 items\n")).toUtf8());
 
     const QString chain = m_dir.filePath(QStringLiteral("chain.qbx"));
@@ -290,15 +256,28 @@ void TestQbx::generateIsRepeatable()
     QCOMPARE(qbx(QStringList{"generate", "--items", "3", "--note-type", "3", c}).status, 2);
 }
 
-void TestQbx::helpForEveryCommand()
+void TestQbx::helpAndUsage()
 {
-    for (const char *command : {"dump", "check", "resave", "password", "generate"}) {
-        const Run run = qbx({QString::fromLatin1(command), QStringLiteral("--help")});
-        QCOMPARE(run.status, 0);
-        QVERIFY2(run.out.startsWith(QByteArray("Usage: qbx ") + command), run.out.constData());
-        QVERIFY(qbx({QString::fromLatin1(command)}).status == 2); // the file is missing
-    }
+    const QbxRun help = qbx({QStringLiteral("resave"), QStringLiteral("--help")});
+    QCOMPARE(help.status, 0);
+    QVERIFY2(help.out.startsWith("Usage: qbx resave"), help.out.constData());
+    QCOMPARE(qbx({QStringLiteral("resave")}).status, 2); // the file is missing
 }
 
-QTEST_GUILESS_MAIN(TestQbx)
+QBX_SUITE(TestQbx)
+
+// Every qbx suite of this folder in one program.
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (!QFile::exists(qbxProgram()))
+        qFatal("build the qbx target first");
+    int failed = 0;
+    for (const QbxSuites::Make &make : QbxSuites::all()) {
+        const std::unique_ptr<QObject> suite(make());
+        failed += QTest::qExec(suite.get(), argc, argv) != 0;
+    }
+    return failed;
+}
+
 #include "tst_qbx.moc"

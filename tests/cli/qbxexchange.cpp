@@ -1,10 +1,10 @@
 #include "support/exchangetest.h"
+#include "support/qbxprocess.h"
 #include "model/document.h"
 #include "storage/documentfile.h"
 #include "storage/settings.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -12,17 +12,7 @@
 #include <csignal>
 #include <sys/resource.h>
 
-namespace {
-
-struct Run {
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
 using namespace ExchangeTest;
-
-} // namespace
 
 class TestQbxExchange : public QObject {
     Q_OBJECT
@@ -38,7 +28,8 @@ private Q_SLOTS:
     void failuresPrintTheMessage();
 
 private:
-    Run qbx(const QStringList &arguments, const QByteArray &input = QByteArray());
+    // The settings come from a store of the test's own.
+    QbxRun call(const QStringList &arguments) { return qbx(arguments, {{}, {}, path(QStringLiteral("config")), {}}); }
     QString path(const QString &name) const { return m_dir->filePath(name); }
     // R
     //   a (done, note "hi")
@@ -52,28 +43,7 @@ private:
 
 void TestQbxExchange::init()
 {
-    QVERIFY2(QFile::exists(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx")), "build the qbx target first");
     m_dir = std::make_unique<QTemporaryDir>();
-}
-
-Run TestQbxExchange::qbx(const QStringList &arguments, const QByteArray &input)
-{
-    // The settings come from a store of the test's own, never the user's.
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path(QStringLiteral("config")));
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), arguments);
-    Run run;
-    if (!process.waitForStarted())
-        return run;
-    process.write(input);
-    process.closeWriteChannel();
-    process.waitForFinished(120000);
-    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    run.out = process.readAllStandardOutput();
-    run.err = process.readAllStandardError();
-    return run;
 }
 
 QString TestQbxExchange::writeSample(quint16 noteType)
@@ -114,7 +84,7 @@ void TestQbxExchange::exportsTakeOptionsOrSettings()
     const QString out = path(QStringLiteral("out.txt"));
 
     // Defaults with no settings stored: one space, ":", the code page.
-    QCOMPARE(qbx({"export", "view", doc, out}).status, 0);
+    QCOMPARE(call({"export", "view", doc, out}).status, 0);
     QCOMPARE(readFile(out), QByteArray("R\r\n a\r\n  b\r\n c\r\n"));
 
     writeSettings([](Settings &s) {
@@ -122,20 +92,20 @@ void TestQbxExchange::exportsTakeOptionsOrSettings()
         s.expOtherSep = 2;
         s.xmlEncode = 1;
     });
-    QCOMPARE(qbx({"export", "view", doc, out}).status, 0);
+    QCOMPARE(call({"export", "view", doc, out}).status, 0);
     QCOMPARE(readFile(out), QByteArray("R\r\n\ta\r\n\t\tb\r\n\tc\r\n"));
-    QCOMPARE(qbx({"export", "links", doc, out}).status, 0);
+    QCOMPARE(call({"export", "links", doc, out}).status, 0);
     QCOMPARE(readFile(out), QByteArray("R/a\r\n(None)\r\n\r\nR/a/b\r\n(None)\r\n\r\nR/c\r\n(None)\r\n\r\n"));
-    QCOMPARE(qbx({"export", "xml", doc, out}).status, 0);
+    QCOMPARE(call({"export", "xml", doc, out}).status, 0);
     QVERIFY(readFile(out).startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<ROOT Flags=\"2\""));
 
     // Options win over the settings.
-    QCOMPARE(qbx({"export", "view", doc, out, "--indent", "0", "--unicode"}).status, 0);
+    QCOMPARE(call({"export", "view", doc, out, "--indent", "0", "--unicode"}).status, 0);
     QCOMPARE(readFile(out), QByteArray("\xff\xfe") + le(u"R\r\na\r\nb\r\nc\r\n"));
-    QCOMPARE(qbx({"export", "xml", doc, out, "--encoding", "2"}).status, 0);
+    QCOMPARE(call({"export", "xml", doc, out, "--encoding", "2"}).status, 0);
     QVERIFY(readFile(out).startsWith(QByteArray("\xff\xfe") + le(u"<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n")));
 
-    const Run bad = qbx({"export", "view", doc, out, "--indent", "7"});
+    const QbxRun bad = call({"export", "view", doc, out, "--indent", "7"});
     QCOMPARE(bad.status, 2);
     QVERIFY(bad.err.contains("--indent"));
 }
@@ -145,7 +115,7 @@ void TestQbxExchange::exportItemsAndBranch()
     const QString doc = writeSample();
     const QString part = path(QStringLiteral("part.qbx"));
     // Picked items, deleted afterwards: the document file is saved.
-    Run run = qbx({"export", "items", doc, part, "--choice", "3", "--select", "2,3", "--delete"});
+    QbxRun run = call({"export", "items", doc, part, "--choice", "3", "--select", "2,3", "--delete"});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.out, QByteArray("2 item(s) exported.\n"));
     Document left;
@@ -154,17 +124,17 @@ void TestQbxExchange::exportItemsAndBranch()
 
     // Nothing matches now that c is gone and a is not picked.
     QFile::remove(part);
-    run = qbx({"export", "items", doc, part, "--choice", "3", "--select", "0"});
+    run = call({"export", "items", doc, part, "--choice", "3", "--select", "0"});
     QCOMPARE(run.status, 3);
     QCOMPARE(run.err, QByteArray("There are no items that matched the export criteria. No file is created.\n"));
     QVERIFY(!QFile::exists(part));
 
     const QString branch = path(QStringLiteral("branch.qbx"));
-    QCOMPARE(qbx({"export", "branch", doc, "1", branch}).status, 0);
+    QCOMPARE(call({"export", "branch", doc, "1", branch}).status, 0);
     Document branchDoc;
     QCOMPARE(DocumentFile::load(branch, &branchDoc), DocumentFile::Loaded);
     QCOMPARE(describe(branchDoc.root()), QStringLiteral("a"));
-    QCOMPARE(qbx({"export", "branch", doc, "9", branch}).status, 2);
+    QCOMPARE(call({"export", "branch", doc, "9", branch}).status, 2);
 }
 
 void TestQbxExchange::importText()
@@ -176,7 +146,7 @@ void TestQbxExchange::importText()
     file.close();
 
     writeSettings([](Settings &s) { s.textImport = 0x00020007; });
-    Run run = qbx({"import", "text", text});
+    QbxRun run = call({"import", "text", text});
     QCOMPARE(run.status, 0);
     const QString doc = path(QStringLiteral("plan.qbx"));
     QCOMPARE(run.out, doc.toUtf8() + "\n");
@@ -187,9 +157,9 @@ void TestQbxExchange::importText()
     QCOMPARE(back.root()->child(0)->image(), quint16(7));
 
     // An existing document is kept unless --force.
-    run = qbx({"import", "text", text, "--note-type", "plain", "--icon", "12"});
+    run = call({"import", "text", text, "--note-type", "plain", "--icon", "12"});
     QCOMPARE(run.status, 3);
-    run = qbx({"import", "text", text, "--note-type", "plain", "--icon", "12", "--force"});
+    run = call({"import", "text", text, "--note-type", "plain", "--icon", "12", "--force"});
     QCOMPARE(run.status, 0);
     Document again;
     QCOMPARE(DocumentFile::load(doc, &again), DocumentFile::Loaded);
@@ -199,7 +169,7 @@ void TestQbxExchange::importText()
     file.write("Plan\r\nNo indent\r\n");
     file.close();
     QFile::remove(doc);
-    run = qbx({"import", "text", text});
+    run = call({"import", "text", text});
     QCOMPARE(run.status, 3);
     QCOMPARE(run.err, QByteArray("The format of the import text file is invalid. Please correct the file and try "
                                  "again. (line 2)\n"));
@@ -220,20 +190,20 @@ void TestQbxExchange::outlinesOutAndIn()
     QFETCH(QString, extension);
     const QString doc = writeSample();
     const QString outline = path(QStringLiteral("out.") + extension);
-    QCOMPARE(qbx({"export", kind, doc, outline}).status, 0);
+    QCOMPARE(call({"export", kind, doc, outline}).status, 0);
 
     // A new document beside the outline...
-    Run run = qbx({"import", kind, outline});
+    QbxRun run = call({"import", kind, outline});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.out, path(QStringLiteral("out.qbx")).toUtf8() + "\n");
     Document made;
     QCOMPARE(DocumentFile::load(path(QStringLiteral("out.qbx")), &made), DocumentFile::Loaded);
     QCOMPARE(describe(made.root()), QStringLiteral("R(a(b),c)"));
-    QCOMPARE(qbx({"import", kind, outline}).status, 3);
+    QCOMPARE(call({"import", kind, outline}).status, 3);
 
     // ...or its items under an item of a document; a missing file changes nothing.
-    QCOMPARE(qbx({"import", kind, doc, path(QStringLiteral("missing"))}).status, 4);
-    QCOMPARE(qbx({"import", kind, doc, outline, "--into", "3"}).status, 0);
+    QCOMPARE(call({"import", kind, doc, path(QStringLiteral("missing"))}).status, 4);
+    QCOMPARE(call({"import", kind, doc, outline, "--into", "3"}).status, 0);
     Document joined;
     QCOMPARE(DocumentFile::load(doc, &joined), DocumentFile::Loaded);
     QCOMPARE(describe(joined.root()), QStringLiteral("R(a(b),c(a(b),c))"));
@@ -247,7 +217,7 @@ void TestQbxExchange::importDocumentConvertsNotes()
     QVERIFY(QFile::rename(other, otherCopy));
     const QString doc = writeSample(Document::PlainText);
 
-    QCOMPARE(qbx({"import", "doc", doc, otherCopy, "--into", "3"}).status, 0);
+    QCOMPARE(call({"import", "doc", doc, otherCopy, "--into", "3"}).status, 0);
     Document back;
     QCOMPARE(DocumentFile::load(doc, &back), DocumentFile::Loaded);
     const Item *c = back.root()->child(1);
@@ -260,7 +230,7 @@ void TestQbxExchange::importDocumentConvertsNotes()
 void TestQbxExchange::convertNotes()
 {
     const QString doc = writeSample(Document::PlainText);
-    Run run = qbx({"convert-notes", doc, "--to", "rich"});
+    QbxRun run = call({"convert-notes", doc, "--to", "rich"});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.out, QByteArray("Note conversion completed.\n"));
     Document back;
@@ -269,7 +239,7 @@ void TestQbxExchange::convertNotes()
     QCOMPARE(
         back.root()->child(0)->note(),
         QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}\r\n\\pard hi\\par\r\n}"));
-    QCOMPARE(qbx({"convert-notes", doc, "--to", "5"}).status, 2);
+    QCOMPARE(call({"convert-notes", doc, "--to", "5"}).status, 2);
 }
 
 void TestQbxExchange::failuresPrintTheMessage()
@@ -278,10 +248,10 @@ void TestQbxExchange::failuresPrintTheMessage()
     // file and the reason.
     const QString doc = writeSample();
     const QString missing = path(QStringLiteral("no/such/dir/out"));
-    const Run run = qbx({"export", "notes", doc, missing});
+    const QbxRun run = call({"export", "notes", doc, missing});
     QCOMPARE(run.status, 5);
     QCOMPARE(run.err, "qbx: " + QFile::encodeName(missing) + ": folder missing\n");
-    const Run items = qbx({"export", "items", doc, path(QStringLiteral(".")), "--choice", "0"});
+    const QbxRun items = call({"export", "items", doc, path(QStringLiteral(".")), "--choice", "0"});
     QCOMPARE(items.status, 5);
     QCOMPARE(items.err, "qbx: " + QFile::encodeName(m_dir->path()) + ": is a directory\n");
 
@@ -303,5 +273,5 @@ void TestQbxExchange::failuresPrintTheMessage()
     QCOMPARE(QDir(m_dir->path()).entryList({QStringLiteral("*.part")}, QDir::Files | QDir::Hidden), QStringList());
 }
 
-QTEST_GUILESS_MAIN(TestQbxExchange)
-#include "tst_qbxexchange.moc"
+QBX_SUITE(TestQbxExchange)
+#include "qbxexchange.moc"

@@ -1,44 +1,20 @@
 #include "support/icalobject.h"
 #include "support/outline.h"
+#include "support/qbxprocess.h"
 #include "support/radicaleserver.h"
 
 #include "platform/messages.h"
 #include "storage/documentfile.h"
 
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
 
-struct Run {
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-Run qbx(const QStringList &arguments, const QString &password = QString())
+// qbx with the calendar password in its environment.
+QbxRun withPassword(const QStringList &arguments, const QString &password = QString())
 {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
-    environment.insert(QStringLiteral("QUILLBOX_CALDAV_PASSWORD"), password);
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), arguments);
-    Run run;
-    if (!process.waitForStarted() || !process.waitForFinished(120000))
-        return run;
-    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    run.out = QString::fromUtf8(process.readAllStandardOutput());
-    run.err = QString::fromUtf8(process.readAllStandardError());
-    return run;
-}
-
-QByteArray bytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return qbx(arguments, {{}, {}, {}, {{QStringLiteral("QUILLBOX_CALDAV_PASSWORD"), password}}});
 }
 
 // Positions: 1 Move, 2 Give notice, 3 Find the contract, 4 Book the van, 5 Pack.
@@ -76,19 +52,19 @@ void TestQbxCalendar::initTestCase()
 void TestQbxCalendar::folderStore()
 {
     const QString folder = m_dir.filePath(QStringLiteral("calendar"));
-    const QByteArray before = bytes(m_path);
-    Run run = qbx({"create", "task", m_path, "--to", "1", "--children", "--store", folder});
-    QCOMPARE(run.err, QString());
-    QCOMPARE(run.out, QStringLiteral("3 object(s) created in the calendar.\n"));
+    const QByteArray before = fileBytes(m_path);
+    QbxRun run = withPassword({"create", "task", m_path, "--to", "1", "--children", "--store", folder});
+    QCOMPARE(run.error(), QString());
+    QCOMPARE(run.text(), QStringLiteral("3 object(s) created in the calendar.\n"));
     QCOMPARE(run.status, 0);
-    run = qbx({"create", "appointment", m_path, "--to", "2", "--store", folder});
-    QCOMPARE(run.out, QStringLiteral("1 object(s) created in the calendar.\n"));
-    QCOMPARE(bytes(m_path), before);
+    run = withPassword({"create", "appointment", m_path, "--to", "2", "--store", folder});
+    QCOMPARE(run.text(), QStringLiteral("1 object(s) created in the calendar.\n"));
+    QCOMPARE(fileBytes(m_path), before);
 
     QStringList summaries;
     const QDir dir(folder);
     for (const QString &name : dir.entryList({QStringLiteral("*.ics")}, QDir::Files)) {
-        const IcalObject object = IcalObject::parse(bytes(dir.filePath(name)));
+        const IcalObject object = IcalObject::parse(fileBytes(dir.filePath(name)));
         summaries.append(object.kind + QLatin1Char(' ') + object.summary);
     }
     summaries.sort();
@@ -99,17 +75,17 @@ void TestQbxCalendar::folderStore()
     other.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:VTODO\r\nUID:o\r\n"
                 "DTSTAMP:20240101T000000Z\r\nCATEGORIES:home\r\nEND:VTODO\r\nEND:VCALENDAR\r\n");
     other.close();
-    run = qbx({"categories", m_path, "--store", folder});
-    QCOMPARE(run.out, QStringLiteral("Home\nPapers\nErrands\nhome\n"));
-    run = qbx({"categories", m_path});
-    QCOMPARE(run.out, QStringLiteral("Home\nPapers\nErrands\n"));
+    run = withPassword({"categories", m_path, "--store", folder});
+    QCOMPARE(run.text(), QStringLiteral("Home\nPapers\nErrands\nhome\n"));
+    run = withPassword({"categories", m_path});
+    QCOMPARE(run.text(), QStringLiteral("Home\nPapers\nErrands\n"));
 
-    run = qbx({"create", "task", m_path, "--to", "1", "--store", "http://192.0.2.1/cal/"});
+    run = withPassword({"create", "task", m_path, "--to", "1", "--store", "http://192.0.2.1/cal/"});
     QCOMPARE(run.status, 9);
-    QCOMPARE(run.err, QString::fromUtf8(Messages::CalendarUnreachable)
+    QCOMPARE(run.error(), QString::fromUtf8(Messages::CalendarUnreachable)
                               .arg(QString::fromUtf8(Messages::CalendarHttpsRequired).arg("http://192.0.2.1/cal/")) +
                           QLatin1Char('\n'));
-    run = qbx({"create", "task", m_path, "--to", "9", "--store", folder});
+    run = withPassword({"create", "task", m_path, "--to", "9", "--store", folder});
     QCOMPARE(run.status, 2);
 }
 
@@ -122,16 +98,16 @@ void TestQbxCalendar::caldavStore()
     QVERIFY2(server.start(&error), qPrintable(error));
     const QString url = server.calendarUrl().toString();
 
-    Run run = qbx({"create", "task", m_path, "--to", "1", "--children", "--store", url, "--user", "alice"},
+    QbxRun run = withPassword({"create", "task", m_path, "--to", "1", "--children", "--store", url, "--user", "alice"},
                   QStringLiteral("wrong"));
     QCOMPARE(run.status, 9);
-    QVERIFY2(run.err.contains(QString::fromUtf8(Messages::CalendarAuthFailed).arg("127.0.0.1")), qPrintable(run.err));
+    QVERIFY2(run.error().contains(QString::fromUtf8(Messages::CalendarAuthFailed).arg("127.0.0.1")), run.err.constData());
     QVERIFY(server.storedObjects().isEmpty());
 
-    run = qbx({"create", "task", m_path, "--to", "1", "--children", "--store", url, "--user", "alice"},
+    run = withPassword({"create", "task", m_path, "--to", "1", "--children", "--store", url, "--user", "alice"},
               QStringLiteral("secret"));
-    QCOMPARE(run.err, QString());
-    QCOMPARE(run.out, QStringLiteral("3 object(s) created in the calendar.\n"));
+    QCOMPARE(run.error(), QString());
+    QCOMPARE(run.text(), QStringLiteral("3 object(s) created in the calendar.\n"));
     QCOMPARE(server.storedObjects().size(), 3);
 
     QCOMPARE(server.request("PUT", server.calendarUrl().resolved(QUrl(QStringLiteral("call.ics"))),
@@ -140,9 +116,9 @@ void TestQbxCalendar::caldavStore()
                             "END:VEVENT\r\nEND:VCALENDAR\r\n",
                             "text/calendar"),
              201);
-    run = qbx({"categories", m_path, "--store", url, "--user", "alice"}, QStringLiteral("secret"));
-    QCOMPARE(run.out, QStringLiteral("Home\nPapers\nErrands\nCalls\n"));
+    run = withPassword({"categories", m_path, "--store", url, "--user", "alice"}, QStringLiteral("secret"));
+    QCOMPARE(run.text(), QStringLiteral("Home\nPapers\nErrands\nCalls\n"));
 }
 
-QTEST_GUILESS_MAIN(TestQbxCalendar)
-#include "tst_qbxcalendar.moc"
+QBX_SUITE(TestQbxCalendar)
+#include "qbxcalendar.moc"

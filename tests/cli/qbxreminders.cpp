@@ -1,8 +1,8 @@
 #include "support/outline.h"
+#include "support/qbxprocess.h"
 
 #include "storage/documentfile.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -72,13 +72,10 @@ void TestQbxReminders::reminders()
     QFETCH(QStringList, options);
     QFETCH(int, status);
     QFETCH(QString, out);
-    QProcess process;
-    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"),
-                  QStringList({QStringLiteral("reminders"), m_path}) + options);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitCode(), status);
-    QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()), out);
+    const QbxRun run = qbx(QStringList({QStringLiteral("reminders"), m_path}) + options);
+    QCOMPARE(run.status, status);
+    QCOMPARE(run.text(), out);
 }
 
-QTEST_GUILESS_MAIN(TestQbxReminders)
-#include "tst_qbxreminders.moc"
+QBX_SUITE(TestQbxReminders)
+#include "qbxreminders.moc"

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+// Runs the qbx program of this build in a fixed locale, so collation and long
+// dates are known, and with the settings of a store of the test's own when
+// one is named, never the user's.
+struct QbxRun {
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+    QString text() const { return QString::fromUtf8(out); }
+    QString error() const { return QString::fromUtf8(err); }
+};
+
+struct QbxOptions {
+    QByteArray input;
+    QString standardOutputFile;
+    QString configHome;
+    QMap<QString, QString> environment;
+};
+
+inline QString qbxProgram()
+{
+    return QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
+}
+
+inline QProcess *startQbx(QProcess &process, const QStringList &arguments, const QbxOptions &options = {})
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
+    environment.insert(QStringLiteral("LANG"), QStringLiteral("en_US.UTF-8"));
+    if (!options.configHome.isEmpty())
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), options.configHome);
+    for (auto it = options.environment.begin(); it != options.environment.end(); ++it)
+        environment.insert(it.key(), it.value());
+    process.setProcessEnvironment(environment);
+    if (!options.standardOutputFile.isEmpty())
+        process.setStandardOutputFile(options.standardOutputFile);
+    process.start(qbxProgram(), arguments);
+    if (process.waitForStarted()) {
+        process.write(options.input);
+        process.closeWriteChannel();
+    }
+    return &process;
+}
+
+inline QbxRun finishQbx(QProcess &process)
+{
+    QbxRun run;
+    if (!process.waitForFinished(120000))
+        return run;
+    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
+}
+
+inline QbxRun qbx(const QStringList &arguments, const QbxOptions &options = {})
+{
+    QProcess process;
+    startQbx(process, arguments, options);
+    return finishQbx(process);
+}
+
+inline QByteArray fileBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+}
+
+inline QString writeBytes(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
+    return path;
+}
+
+// The qbx suites are one program: each suite's file registers its class, and
+// the runner runs them in turn.
+namespace QbxSuites {
+using Make = std::function<QObject *()>;
+inline std::vector<Make> &all()
+{
+    static std::vector<Make> suites;
+    return suites;
+}
+struct Add {
+    explicit Add(Make make) { all().push_back(std::move(make)); }
+};
+} // namespace QbxSuites
+
+#define QBX_SUITE(Class) static const QbxSuites::Add add##Class([]() -> QObject * { return new Class; });
