@@ -43,9 +43,10 @@ void writeOutline(QXmlStreamWriter &xml, const Item &item, quint16 noteType)
     else
         xml.writeEmptyElement(QStringLiteral("outline"));
     xml.writeAttribute(QStringLiteral("text"), ExchangeText::xmlSafe(item.name()));
-    const QString note = ExchangeText::noteText(item, noteType);
+    // A note of nothing but characters XML cannot hold is no note.
+    const QString note = ExchangeText::xmlSafe(ExchangeText::noteText(item, noteType));
     if (!note.isEmpty())
-        xml.writeAttribute(QStringLiteral("_note"), ExchangeText::xmlSafe(note));
+        xml.writeAttribute(QStringLiteral("_note"), note);
     switch (item.statusType()) {
     case Item::NoStatus:
         xml.writeAttribute(QStringLiteral("_status"), QStringLiteral("none"));
