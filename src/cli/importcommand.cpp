@@ -50,11 +50,15 @@ int importText(const QCommandLineParser &parser, const QStringList &args, const 
     if (!readTypeAndIcon(parser, noteType, icon, settings, &type, &options.icon))
         return 2;
     options.codePage = settings.ansiCodePage;
+    if (settings.testFlag(Settings::Utf8TextImport))
+        options.encoding = TextImport::Encoding::Utf8;
     if (parser.isSet(encoding)) {
         const QString name = parser.value(encoding).toLower();
         if (name == QLatin1String("utf-8") || name == QLatin1String("utf8")) {
             options.encoding = TextImport::Encoding::Utf8;
-        } else if (name != QLatin1String("ansi")) {
+        } else if (name == QLatin1String("ansi")) {
+            options.encoding = TextImport::Encoding::Ansi;
+        } else {
             err << "qbx: --encoding is ansi or utf-8\n";
             return 2;
         }
@@ -237,7 +241,8 @@ int run(const QStringList &arguments)
                                   QStringLiteral("POSITION"));
     const QCommandLineOption encoding(QStringLiteral("encoding"),
                                       QStringLiteral("text: how a file without a byte-order mark is read, ansi "
-                                                     "(the settings' code page, the default) or utf-8."),
+                                                     "(the code page) or utf-8; the default is the settings' choice, the code page unless "
+                                                     "the options say UTF-8."),
                                       QStringLiteral("NAME"));
     parser.addOptions({noteType, icon, force, into, encoding});
     parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("text, doc, opml or markdown."));

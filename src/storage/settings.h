@@ -36,6 +36,9 @@ public:
         CompactMode = 1u << 8,
         /// Rich notes open in the desktop's word processor for full-screen editing.
         ExternalRichEditor = 1u << 9,
+        /// Text files without a byte-order mark are imported as UTF-8
+        /// rather than in the code page.
+        Utf8TextImport = 1u << 10,
     };
 
     /// The layout version that save() writes.

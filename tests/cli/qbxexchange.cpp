@@ -165,6 +165,19 @@ void TestQbxExchange::importText()
     QCOMPARE(DocumentFile::load(doc, &again), DocumentFile::Loaded);
     QCOMPARE(again.root()->child(0)->image(), quint16(12));
 
+    // UTF-8 without a byte-order mark when the options say so, unless the
+    // command line says otherwise.
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("Caf\xc3\xa9\r\n");
+    file.close();
+    writeSettings([](Settings &s) { s.setFlag(Settings::Utf8TextImport, true); });
+    QCOMPARE(call({"import", "text", text, "--force"}).status, 0);
+    QCOMPARE(DocumentFile::load(doc, &again), DocumentFile::Loaded);
+    QCOMPARE(again.root()->name(), QStringLiteral("Caf\u00e9"));
+    QCOMPARE(call({"import", "text", text, "--force", "--encoding", "ansi"}).status, 0);
+    QCOMPARE(DocumentFile::load(doc, &again), DocumentFile::Loaded);
+    QCOMPARE(again.root()->name(), QStringLiteral("Caf\u00c3\u00a9"));
+
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write("Plan\r\nNo indent\r\n");
     file.close();

@@ -272,10 +272,25 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     if (!QFile::exists(qbxProgram()))
         qFatal("build the qbx target first");
-    int failed = 0;
+    // Test functions named on the command line run in the suites that have them.
+    const auto names = [argc, argv](const QObject *suite) {
+        int found = 0;
+        for (int i = 1; i < argc; ++i) {
+            const QByteArray name = QByteArray(argv[i]).split(':').value(0);
+            found += suite->metaObject()->indexOfMethod((name + "()").constData()) >= 0;
+        }
+        return found;
+    };
+    std::vector<std::unique_ptr<QObject>> suites;
+    bool named = false;
     for (const QbxSuites::Make &make : QbxSuites::all()) {
-        const std::unique_ptr<QObject> suite(make());
-        failed += QTest::qExec(suite.get(), argc, argv) != 0;
+        suites.emplace_back(make());
+        named = named || names(suites.back().get()) > 0;
+    }
+    int failed = 0;
+    for (const auto &suite : suites) {
+        if (!named || names(suite.get()) > 0)
+            failed += QTest::qExec(suite.get(), argc, argv) != 0;
     }
     return failed;
 }

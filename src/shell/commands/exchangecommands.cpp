@@ -336,6 +336,8 @@ bool ExchangeCommands::importText()
             TextImport::Options options;
             options.icon = icon;
             options.codePage = settings.ansiCodePage;
+            if (settings.testFlag(Settings::Utf8TextImport))
+                options.encoding = TextImport::Encoding::Utf8;
             int line = 0;
             const TextImport::Result result =
                 TextImport::importDocument(path, quint16(noteType), options, &document, &line);

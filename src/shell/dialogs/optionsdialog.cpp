@@ -262,6 +262,8 @@ QWidget *OptionsDialog::buildExchange()
     const int noteType = int(m_settings.textImport >> 16);
     m_importNoteType->setCurrentIndex(noteType < 3 ? noteType : 1);
     importForm->addRow(QStringLiteral("Default &note type:"), m_importNoteType);
+    importForm->addRow(flagBox(QStringLiteral("Read text files as &UTF-8 (a byte-order mark always wins)"),
+                               "utf8TextImport", Settings::Utf8TextImport));
     layout->addWidget(importBox);
     layout->addStretch(1);
     return w;
