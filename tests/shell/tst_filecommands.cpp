@@ -107,6 +107,8 @@ void TestFileCommands::importFile()
     f.prompts.passwords.append(passwords);
     f.prompts.fileNames.enqueue(path);
     f.run("actionImportFile");
+    for (QString &m : messages)
+        m += QStringLiteral("\n\n") + QDir::toNativeSeparators(path); // the box names the file
     QCOMPARE(f.shownTexts(), messages);
     for (const auto &shown : std::as_const(f.prompts.shown))
         QCOMPARE(shown.icon, Prompts::Icon::Stop);
@@ -253,10 +255,10 @@ void TestFileCommands::importTextMakesANewDocument_data()
     QTest::newRow("format error")
         << QByteArray("Groceries\r\nFruit\r\n") << false << QList<bool>() << QString()
         << QStringList{QStringLiteral("The format of the import text file is invalid. Please correct the file and try "
-                                      "again. (line 2)")};
+                                      "again. (line 2)\n\n%2")};
     QTest::newRow("unreadable") << QByteArray("\xff\xfe\x00\x00", 4) << false << QList<bool>() << QString()
                                 << QStringList{QStringLiteral("Unable to load file. Please try again with a smaller "
-                                                              "file.")};
+                                                              "file.\n\n%2")};
 }
 
 void TestFileCommands::importTextMakesANewDocument()
@@ -289,7 +291,8 @@ void TestFileCommands::importTextMakesANewDocument()
 
     QStringList expected = messages;
     for (QString &m : expected)
-        m.replace(QLatin1String("%1"), QDir::toNativeSeparators(target));
+        m.replace(QLatin1String("%1"), QDir::toNativeSeparators(target))
+            .replace(QLatin1String("%2"), QDir::toNativeSeparators(source));
     QCOMPARE(f.shownTexts(), expected);
     QCOMPARE(f.prompts.noteTypesOffered, QList<int>{2}); // the option's note type comes first
     if (outline.isEmpty()) {

@@ -102,7 +102,7 @@ void ExchangeCommands::importOutline()
         }
     }
     if (!message.isEmpty()) {
-        prompts->message(view, Prompts::Icon::Stop, message);
+        prompts->message(view, Prompts::Icon::Stop, Prompts::withFile(message, path));
         return;
     }
     view->edited(ItemHost::Edit::ItemsAdded, target->asItem());
@@ -168,7 +168,7 @@ void ExchangeCommands::importFile()
     }
     const QString message = DocumentFile::importMessage(result);
     if (!message.isEmpty())
-        prompts->message(view, Prompts::Icon::Stop, message);
+        prompts->message(view, Prompts::Icon::Stop, Prompts::withFile(message, path));
     if (result == DocumentFile::Loaded) {
         view->edited(ItemHost::Edit::ItemsAdded, target->asItem());
         view->refresh(target);
@@ -347,7 +347,7 @@ bool ExchangeCommands::importText()
             saved = DocumentFile::save(document, QString(), &error);
     }
     if (!failure.isEmpty()) {
-        prompts->message(frame, Prompts::Icon::Stop, failure);
+        prompts->message(frame, Prompts::Icon::Stop, Prompts::withFile(failure, path));
         return false;
     }
     if (!saved) {

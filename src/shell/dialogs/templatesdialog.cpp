@@ -111,8 +111,9 @@ bool TemplatesDialog::editProperties(Template *entry)
 
 void TemplatesDialog::save()
 {
-    if (!m_templates->save(m_path))
-        m_context.prompts->message(this, Prompts::Icon::Stop, QString::fromLatin1(Messages::SaveFailed));
+    QString error;
+    if (!m_templates->save(m_path, &error))
+        m_context.prompts->message(this, Prompts::Icon::Stop, Prompts::withReason(Messages::SaveFailed, error));
 }
 
 void TemplatesDialog::addTemplate()

@@ -9,6 +9,7 @@
 #include <QButtonGroup>
 #include <QDesktopServices>
 #include <QDialog>
+#include <QDir>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QInputDialog>
@@ -226,6 +227,11 @@ QString Prompts::withReason(const char *message, const QString &reason)
 {
     const QString text = QString::fromLatin1(message);
     return reason.isEmpty() ? text : text + QStringLiteral("\n\n") + reason;
+}
+
+QString Prompts::withFile(const QString &message, const QString &path)
+{
+    return message + QStringLiteral("\n\n") + QDir::toNativeSeparators(path);
 }
 
 bool DialogPrompts::askSecret(QWidget *parent, const QString &prompt, QString *secret)

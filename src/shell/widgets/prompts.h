@@ -79,6 +79,8 @@ public:
     /// A failure message followed by the reason the core gave (which names
     /// the file), or the message alone when there is no reason.
     static QString withReason(const char *message, const QString &reason);
+    /// A message about a file, with the file's name under it.
+    static QString withFile(const QString &message, const QString &path);
     static QStringList filtersOf(const QString &pairs);
 };
 
