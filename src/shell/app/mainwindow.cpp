@@ -11,6 +11,7 @@
 #include "shell/commands/remindercommands.h"
 #include "shell/commands/templatecommands.h"
 #include "shell/commands/viewcommands.h"
+#include "shell/document/backgroundsave.h"
 #include "shell/document/documentview.h"
 #include "shell/document/treepane.h"
 #include "shell/widgets/prompts.h"
@@ -138,6 +139,8 @@ MainWindow::MainWindow(const ShellEnvironment &environment, QWidget *parent)
     m_autosave->setSingleShot(true);
     m_autosave->setInterval(3000);
     connect(m_autosave, &QTimer::timeout, this, &MainWindow::autosave);
+    m_backgroundSave = new BackgroundSave(
+        [this](bool ok, const QString &error, quint64 changes) { backgroundSaved(ok, error, changes); }, this);
     m_watcher = new QFileSystemWatcher(this);
     m_watchDelay = new QTimer(this);
     m_watchDelay->setSingleShot(true);
@@ -489,7 +492,13 @@ void MainWindow::saveOnDeactivation()
 {
     if (!m_view || !m_view->isModified() || m_readOnly)
         return;
-    saveView();
+    // A big document is written behind the window, so switching away from it
+    // never waits for the disk.
+    constexpr qint64 BigFile = 8 << 20;
+    if (m_fileSize > BigFile)
+        saveInBackground();
+    else
+        saveView();
 }
 
 void MainWindow::updateTitle()

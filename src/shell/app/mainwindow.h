@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+class BackgroundSave;
 class CommandGroup;
 class ExchangeCommands;
 class ItemCommands;
@@ -120,6 +121,10 @@ private:
     /// keeping another program's version beside it after a conflict.
     bool writeView(const QString &path, QString *error);
     void autosave();
+    /// Starts writing the open document on the worker thread; a write
+    /// already running makes this one wait for the autosave's next turn.
+    void saveInBackground();
+    void backgroundSaved(bool ok, const QString &error, quint64 changes);
     void fillRecentMenu(QMenu *menu);
     void buildFileMenus(bool viewOpen);
     void addTreeKeys();
@@ -148,6 +153,7 @@ private:
     QList<CommandGroup *> m_groups;
     QPointer<ItemCommands> m_items;
     QTimer *m_autosave = nullptr;
+    BackgroundSave *m_backgroundSave = nullptr;
     QFileSystemWatcher *m_watcher = nullptr;
     QTimer *m_watchDelay = nullptr;
     /// Size and time of the file as this window last wrote or read it.

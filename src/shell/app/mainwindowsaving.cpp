@@ -11,6 +11,7 @@
 #include "shell/commands/remindercommands.h"
 #include "shell/commands/templatecommands.h"
 #include "shell/commands/viewcommands.h"
+#include "shell/document/backgroundsave.h"
 #include "shell/document/documentview.h"
 #include "shell/document/treepane.h"
 #include "shell/widgets/prompts.h"
@@ -66,13 +67,52 @@ void MainWindow::autosave()
 {
     if (!m_view || !m_view->isModified() || m_readOnly || !isAutosaveOn())
         return;
+    saveInBackground();
+}
+
+void MainWindow::saveInBackground()
+{
+    if (m_backgroundSave->isBusy()) {
+        m_autosave->start(); // this change is saved once the running write is done
+        return;
+    }
+    if (m_conflict) {
+        // The other program's version is kept first: the plain save does that.
+        QString error;
+        if (!writeView(QString(), &error))
+            statusBar()->showMessage(QStringLiteral("Autosave failed: %1").arg(error));
+        updateTitle();
+        return;
+    }
+    m_autosave->stop();
+    quint64 changes = 0;
+    QByteArray bytes;
+    {
+        WaitCursor wait;
+        bytes = m_view->snapshot(&changes);
+    }
+    statusBar()->showMessage(
+        QStringLiteral("Saving %1...").arg(QDir::toNativeSeparators(m_view->document()->path)));
+    m_backgroundSave->start(m_view->document()->path, bytes, changes);
+}
+
+void MainWindow::backgroundSaved(bool ok, const QString &error, quint64 changes)
+{
+    if (!m_view)
+        return;
     // A failure is not shown every few seconds: the status bar says it, and
     // the next Save or the close asks what to do.
-    QString error;
-    const bool written = writeView(QString(), &error);
-    updateTitle();
-    if (!written)
+    if (ok) {
+        m_view->markSaved(changes);
+        rememberFingerprint();
+        statusBar()->clearMessage();
+    } else {
         statusBar()->showMessage(QStringLiteral("Autosave failed: %1").arg(error));
+    }
+    updateTitle();
+    // A change made while the bytes went to disk is saved next.
+    if (ok && m_view->isModified() && isAutosaveOn() && !m_readOnly)
+        m_autosave->start();
 }
 
 void MainWindow::quitOnSignal()
@@ -89,6 +129,7 @@ void MainWindow::quitOnSignal()
 
 bool MainWindow::writeView(const QString &path, QString *error)
 {
+    m_backgroundSave->wait(); // never two writers of one file
     const QString target = path.isEmpty() ? m_view->document()->path : path;
     if (m_conflict && path.isEmpty() && QFileInfo::exists(target)) {
         // Ours is written; theirs stays beside it, as sync tools keep both.
@@ -113,6 +154,7 @@ bool MainWindow::writeView(const QString &path, QString *error)
 
 bool MainWindow::saveView()
 {
+    m_backgroundSave->wait();
     if (!m_view->isModified() && QFileInfo::exists(m_view->document()->path))
         return true;
     QString reason;
@@ -203,6 +245,8 @@ void MainWindow::onFileChanged()
     }
     if (!m_watcher->files().contains(path))
         m_watcher->addPath(path);
+    if (m_backgroundSave->isBusy())
+        return; // our own write, still going: its end remembers the file
     if (info.size() == m_fileSize && info.lastModified() == m_fileTime)
         return; // our own save
     if (!m_view->isModified()) {

@@ -204,6 +204,19 @@ bool DocumentView::save(const QString &path, QString *error)
     return true;
 }
 
+QByteArray DocumentView::snapshot(quint64 *changes)
+{
+    commitEdits();
+    *changes = m_changes;
+    return DocumentFile::toBytes(*m_document);
+}
+
+void DocumentView::markSaved(quint64 changes)
+{
+    m_savedChanges = changes;
+    Q_EMIT stateChanged();
+}
+
 void DocumentView::markChanged()
 {
     ++m_changes;

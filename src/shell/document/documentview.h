@@ -55,6 +55,11 @@ public:
     /// Commits and writes the document under its path, or under path from
     /// then on; false with the reason in error.
     bool save(const QString &path = QString(), QString *error = nullptr);
+    /// Commits and gives the bytes a save would write, with the change count
+    /// they hold, for a write elsewhere (see markSaved).
+    QByteArray snapshot(quint64 *changes);
+    /// The bytes of snapshot() with this change count reached the disk.
+    void markSaved(quint64 changes);
 
     void setQuickEntryVisible(bool visible);
     bool isQuickEntryVisible() const;
