@@ -65,10 +65,11 @@ void writeOutline(QXmlStreamWriter &xml, const Item &item, quint16 noteType)
         xml.writeAttribute(QStringLiteral("_category"), ExchangeText::xmlSafe(item.category()));
     if (item.hasDueDate())
         xml.writeAttribute(QStringLiteral("_due"), isoDate(item.dueDate()));
-    const QString link = ExchangeText::firstOuterLink(item);
+    // Readers trim an address, so it is written trimmed.
+    const QString link = ExchangeText::xmlSafe(ExchangeText::firstOuterLink(item)).trimmed();
     if (!link.isEmpty()) {
         xml.writeAttribute(QStringLiteral("type"), QStringLiteral("link"));
-        xml.writeAttribute(QStringLiteral("url"), ExchangeText::xmlSafe(link));
+        xml.writeAttribute(QStringLiteral("url"), link);
     }
 }
 
