@@ -28,7 +28,7 @@ void sortChildrenByName(benchmark::State &state)
     TreeNode root;
     for (int i = 0; i < count; ++i)
         root.appendChild(new Item(randomName(rng)));
-    const std::vector<Item *> original = root.children();
+    const std::vector<Item *> original = root.copyOfChildren();
     for (auto _ : state) {
         state.PauseTiming();
         root.reorderChildren(original);
@@ -51,7 +51,7 @@ void sortChildrenByDueDate(benchmark::State &state)
             item->setDueDate({quint16(2020 + rng() % 5), quint16(1 + rng() % 12), 0, quint16(1 + rng() % 28), 0, 0, 0, 0});
         root.appendChild(item);
     }
-    const std::vector<Item *> original = root.children();
+    const std::vector<Item *> original = root.copyOfChildren();
     for (auto _ : state) {
         state.PauseTiming();
         root.reorderChildren(original);

@@ -24,7 +24,7 @@ template <typename Result, typename Read> Result into(Document *document, TreeNo
         return result;
     for (qsizetype i = document->categories.size(); i < scratch.categories.size(); ++i)
         document->collectCategory(scratch.categories.at(i));
-    const std::vector<Item *> imported = root.children();
+    const std::vector<Item *> imported = root.copyOfChildren();
     while (root.hasChildren())
         root.takeChild(root.childCount() - 1);
     for (Item *item : imported)

@@ -246,7 +246,7 @@ void sortAgain(TreeNode *node)
 {
     if (node->sort() == TreeNode::SortManual || node->childCount() < 2)
         return;
-    std::vector<Item *> children = node->children();
+    std::vector<Item *> children = node->copyOfChildren();
     sortItems(children, node->sort(), node->isAscending());
     node->reorderChildren(children);
 }

@@ -185,7 +185,7 @@ bool move(Document &document, Item *item, Move move)
     switch (move) {
     case Move::Up:
     case Move::Down: {
-        std::vector<Item *> order = parent->children();
+        std::vector<Item *> order = parent->copyOfChildren();
         std::swap(order[size_t(index)], order[size_t(move == Move::Up ? index - 1 : index + 1)]);
         parent->reorderChildren(order);
         ChildOrder::sortAgain(parent);

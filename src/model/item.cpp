@@ -4,7 +4,7 @@
 
 #if Q_PROCESSOR_WORDSIZE == 8 && !defined(Q_CC_MSVC)
 // A document may hold a million Items: every 16 bytes more is 16 MB more.
-static_assert(sizeof(Item) <= 152, "an Item has grown; see the field order in item.h and treenode.h");
+static_assert(sizeof(Item) <= 104, "an Item has grown; see the field order in item.h and treenode.h");
 #endif
 
 namespace {
@@ -17,13 +17,42 @@ QHash<quint32, Item *> &handleRegistry()
     return registry;
 }
 quint32 g_nextHandle = 1;
+
+// The categories of a document repeat: each distinct text is kept once, and
+// an Item holds its number (0 for none). The model lives on one thread.
+class CategoryPool {
+public:
+    quint32 numberOf(const QString &text)
+    {
+        if (text.isEmpty())
+            return 0;
+        const auto known = m_numbers.constFind(text);
+        if (known != m_numbers.constEnd())
+            return *known;
+        const auto number = quint32(m_texts.size());
+        m_texts.push_back(text);
+        m_numbers.insert(text, number);
+        return number;
+    }
+    const QString &text(quint32 number) const { return m_texts[number]; }
+
+private:
+    QHash<QString, quint32> m_numbers;
+    std::vector<QString> m_texts{QString()};
+};
+
+CategoryPool &categoryPool()
+{
+    static CategoryPool pool;
+    return pool;
+}
 } // namespace
 
-Item::Item(const QString &name, quint16 image) : TreeNode(Kind::Item, name, image), m_created(SystemTime::now()) {}
+Item::Item(const QString &name, quint16 image) : Item(name, image, SystemTime::now()) {}
 
-Item::Item(const QString &name, quint16 image, const SystemTime &created)
-    : TreeNode(Kind::Item, name, image), m_created(created)
+Item::Item(const QString &name, quint16 image, const SystemTime &created) : TreeNode(Kind::Item, name, image)
 {
+    setCreated(created);
 }
 
 Item::~Item()
@@ -43,6 +72,52 @@ void Item::dropEmptyExtras()
 {
     if (m_extras && m_extras->isEmpty())
         m_extras.reset();
+}
+
+QString Item::category() const
+{
+    return categoryPool().text(m_category);
+}
+
+void Item::setCategory(const QString &category)
+{
+    m_category = categoryPool().numberOf(category);
+}
+
+Item::Extras::Extras(const Extras &other)
+    : taskTime(other.taskTime), links(other.links), note(other.note), reminderTime(other.reminderTime),
+      wide(other.wide ? std::make_unique<WideDates>(*other.wide) : nullptr)
+{
+}
+
+// A date packs into the Item when it can, else it waits whole in the extras.
+void Item::setCreated(const SystemTime &time)
+{
+    m_createdWhole = !PackedTime::fits(time);
+    m_created = m_createdWhole ? PackedTime() : PackedTime::pack(time);
+    storeWide(&WideDates::created, m_createdWhole ? time : SystemTime());
+}
+
+void Item::setDueDate(const SystemTime &date)
+{
+    m_dueWhole = !PackedTime::fits(date);
+    m_dueDate = m_dueWhole ? PackedTime() : PackedTime::pack(date);
+    storeWide(&WideDates::dueDate, m_dueWhole ? date : SystemTime());
+}
+
+void Item::storeWide(SystemTime WideDates::*field, const SystemTime &time)
+{
+    if (!time.isZero()) {
+        Extras &e = extras();
+        if (!e.wide)
+            e.wide = std::make_unique<WideDates>();
+        e.wide.get()->*field = time;
+    } else if (m_extras && m_extras->wide) {
+        m_extras->wide.get()->*field = {};
+        if (m_extras->wide->created.isZero() && m_extras->wide->dueDate.isZero())
+            m_extras->wide.reset();
+        dropEmptyExtras();
+    }
 }
 
 QString Item::taskTime() const
@@ -111,10 +186,13 @@ Item *Item::clone() const
 {
     auto *copy = new Item(name(), image());
     copyNodeFieldsTo(copy);
-    if (m_extras)
+    if (m_extras) {
         copy->m_extras = std::make_unique<Extras>(*m_extras);
+        copy->storeWide(&WideDates::created, {}); // the copy was created now
+    }
     copy->m_category = m_category;
     copy->m_dueDate = m_dueDate;
+    copy->m_dueWhole = m_dueWhole;
     copy->m_taskTimeType = m_taskTimeType;
     copy->m_colour = m_colour;
     copy->m_progress = m_progress;

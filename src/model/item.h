@@ -29,8 +29,8 @@ public:
     /// Index into the 36-colour table; 0 is the default colour.
     quint16 colour() const { return m_colour; }
     void setColour(quint16 colour) { m_colour = colour; }
-    const SystemTime &created() const { return m_created; }
-    void setCreated(const SystemTime &time) { m_created = time; }
+    SystemTime created() const { return m_createdWhole ? m_extras->wide->created : m_created.unpack(); }
+    void setCreated(const SystemTime &time);
 
     QStringList links() const;
     void setLinks(const QStringList &links);
@@ -60,13 +60,13 @@ public:
     quint32 flags() const { return quint32(m_showIcon) | quint32(m_autoProgress) << 1 | quint32(m_italic) << 2; }
     void setFlags(quint32 flags);
 
-    QString category() const override { return m_category; }
-    void setCategory(const QString &category) { m_category = category; }
+    QString category() const override;
+    void setCategory(const QString &category);
     quint16 priority() const override { return m_priority; }
     void setPriority(quint16 priority) { m_priority = priority; }
-    SystemTime dueDate() const override { return m_dueDate; }
-    void setDueDate(const SystemTime &date) { m_dueDate = date; }
-    bool hasDueDate() const { return m_dueDate.hasDate(); }
+    SystemTime dueDate() const override { return m_dueWhole ? m_extras->wide->dueDate : m_dueDate.unpack(); }
+    void setDueDate(const SystemTime &date);
+    bool hasDueDate() const { return m_dueWhole ? m_extras->wide->dueDate.hasDate() : m_dueDate.hasDate(); }
     SystemTime reminderTime() const;
     void setReminderTime(const SystemTime &time);
 
@@ -89,29 +89,45 @@ public:
     static bool isItemLink(const QString &link) { return link.startsWith(QLatin1Char('!')); }
 
 private:
+    struct WideDates {
+        SystemTime created;
+        SystemTime dueDate;
+    };
     // What most items lack lives apart, to keep a million items small.
     struct Extras {
+        Extras() = default;
+        Extras(const Extras &other);
         QString taskTime;
         QStringList links;
         QByteArray note;
         SystemTime reminderTime;
-        bool isEmpty() const { return taskTime.isEmpty() && links.isEmpty() && note.isEmpty() && reminderTime.isZero(); }
+        // The dates whose fields are too wide to pack (m_createdWhole, m_dueWhole).
+        std::unique_ptr<WideDates> wide;
+        bool isEmpty() const
+        {
+            return taskTime.isEmpty() && links.isEmpty() && note.isEmpty() && reminderTime.isZero() && !wide;
+        }
     };
     Extras &extras();
     void dropEmptyExtras();
+    /// Keeps a date too wide to pack, or lets go of it (a zero time).
+    void storeWide(SystemTime WideDates::*field, const SystemTime &time);
 
     // The small fields first: they fill the end of TreeNode's last word.
     bool m_showIcon : 1 = true;
     bool m_autoProgress : 1 = false;
     bool m_italic : 1 = false;
+    bool m_createdWhole : 1 = false;
+    bool m_dueWhole : 1 = false;
     quint16 m_progress = 0;
     quint16 m_statusType = CheckBox;
     quint16 m_priority = 10;
     std::unique_ptr<Extras> m_extras;
-    QString m_category;
-    SystemTime m_created;
-    SystemTime m_dueDate;
+    /// The category's number in the process's pool of category texts.
+    quint32 m_category = 0;
     mutable quint32 m_handle = 0;
+    PackedTime m_created;
+    PackedTime m_dueDate;
     quint16 m_taskTimeType = 0;
     quint16 m_colour = 0;
 };

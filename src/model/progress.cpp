@@ -5,7 +5,7 @@
 
 namespace Progress {
 
-quint16 mean(const std::vector<Item *> &items)
+quint16 mean(std::span<Item *const> items)
 {
     if (items.empty())
         return 0;
@@ -48,7 +48,7 @@ Statistics statistics(const TreeNode *node)
     return statistics(node->children());
 }
 
-Statistics statistics(const std::vector<Item *> &items)
+Statistics statistics(std::span<Item *const> items)
 {
     Statistics stats;
     for (const Item *item : items) {

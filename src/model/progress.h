@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 #include <array>
+#include <span>
 #include <vector>
 
 class Item;
@@ -16,7 +17,7 @@ inline constexpr std::array<quint16, 7> Presets = {0, 10, 25, 50, 75, 90, 100};
 
 /// The automatic progress of a list of items: the unsigned mean of their
 /// progress (100, 100 and 0 give 66), 0 for none.
-quint16 mean(const std::vector<Item *> &items);
+quint16 mean(std::span<Item *const> items);
 
 /// Recomputes node if it is automatic (the unsigned mean of its direct
 /// children, 0 without children), then every ancestor the same way up to the
@@ -43,6 +44,6 @@ struct Statistics {
 };
 Statistics statistics(const TreeNode *node);
 /// The same counts over any list of items (a group heading's).
-Statistics statistics(const std::vector<Item *> &items);
+Statistics statistics(std::span<Item *const> items);
 
 } // namespace Progress

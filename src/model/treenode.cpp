@@ -16,13 +16,13 @@ TreeNode::~TreeNode()
 {
     // Destroy the branch with an explicit stack: each node's children are
     // taken away before it is deleted, so no destructor recurses.
-    std::vector<Item *> pending;
-    pending.swap(m_children);
+    std::vector<Item *> pending = m_children.take();
     while (!pending.empty()) {
         Item *node = pending.back();
         pending.pop_back();
         TreeNode *base = node;
-        pending.insert(pending.end(), base->m_children.begin(), base->m_children.end());
+        const std::span<Item *const> children = base->m_children.view();
+        pending.insert(pending.end(), children.begin(), children.end());
         base->m_children.clear();
         delete node;
     }
@@ -46,18 +46,15 @@ void TreeNode::setStdFlags(quint32 flags)
 
 void TreeNode::insertChild(Item *child, int position)
 {
-    TreeNode *node = child;
-    node->m_parent = this;
-    if (position < 0 || size_t(position) >= m_children.size())
-        m_children.push_back(child);
-    else
-        m_children.insert(m_children.begin() + position, child);
+    const qsizetype count = m_children.size();
+    m_children.insert(position < 0 || position >= count ? count : position, child);
+    static_cast<TreeNode *>(child)->m_parent = this;
 }
 
 Item *TreeNode::takeChild(int position)
 {
-    Item *child = m_children[size_t(position)];
-    m_children.erase(m_children.begin() + position);
+    Item *child = m_children[position];
+    m_children.erase(position);
     static_cast<TreeNode *>(child)->m_parent = nullptr;
     if (m_children.empty())
         m_expanded = false;
@@ -75,8 +72,8 @@ bool TreeNode::removeChild(Item *child)
 
 int TreeNode::indexOf(const TreeNode *child) const
 {
-    const auto it = std::find(m_children.begin(), m_children.end(), child);
-    return int(it - m_children.begin());
+    const std::span<Item *const> children = m_children.view();
+    return int(std::find(children.begin(), children.end(), child) - children.begin());
 }
 
 int TreeNode::level() const

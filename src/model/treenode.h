@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/childlist.h"
 #include "model/systemtime.h"
 
 #include <QByteArray>
@@ -57,10 +58,12 @@ public:
     void setStdFlags(quint32 flags);
 
     TreeNode *parent() const { return m_parent; }
-    const std::vector<Item *> &children() const { return m_children; }
+    std::span<Item *const> children() const { return m_children.view(); }
+    /// The children as a list of their own, to reorder or keep.
+    std::vector<Item *> copyOfChildren() const { return {m_children.view().begin(), m_children.view().end()}; }
     int childCount() const { return int(m_children.size()); }
     bool hasChildren() const { return !m_children.empty(); }
-    Item *child(int index) const { return m_children[size_t(index)]; }
+    Item *child(int index) const { return m_children[index]; }
     /// Takes ownership; position -1 (or past the end) appends.
     void insertChild(Item *child, int position = -1);
     void appendChild(Item *child) { insertChild(child, -1); }
@@ -69,7 +72,7 @@ public:
     /// Detaches the child if it is one of ours; false otherwise.
     bool removeChild(Item *child);
     /// Replaces the children by the same Items in another order.
-    void reorderChildren(const std::vector<Item *> &order) { m_children = order; }
+    void reorderChildren(const std::vector<Item *> &order) { m_children.assign(order); }
     /// Position among the children, or the child count when absent.
     int indexOf(const TreeNode *child) const;
     /// Depth below the root: 0 for the root, 1 for its children.
@@ -108,7 +111,7 @@ private:
     // The flags share one byte, and Item's own small fields fill the rest of
     // the last word: a million items, 16 bytes each.
     TreeNode *m_parent = nullptr;
-    std::vector<Item *> m_children;
+    ChildList m_children;
     QString m_name;
     quint32 m_extraWord = 0;
     quint16 m_image = 0;

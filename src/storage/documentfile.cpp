@@ -575,7 +575,7 @@ DocumentFile::LoadResult DocumentFile::importFile(Document *document, TreeNode *
     }
     for (qsizetype i = document->categories.size(); i < scratch.categories.size(); ++i)
         document->collectCategory(scratch.categories.at(i));
-    const std::vector<Item *> imported = importedRoot.children();
+    const std::vector<Item *> imported = importedRoot.copyOfChildren();
     while (importedRoot.hasChildren())
         importedRoot.takeChild(importedRoot.childCount() - 1);
     for (Item *item : imported)

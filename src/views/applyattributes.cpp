@@ -83,7 +83,7 @@ void apply(TreeNode *target, const AttributeSet &set)
         for (Item *child : parent->children())
             setOn(child, set);
         if (set.allSubItems) {
-            const std::vector<Item *> &children = parent->children();
+            const std::span<Item *const> children = parent->children();
             for (auto it = children.rbegin(); it != children.rend(); ++it) {
                 if ((*it)->hasChildren())
                     pending.push_back(*it);

@@ -134,7 +134,7 @@ std::vector<Item *> Finder::search(const Document &document, const FindCriteria 
     std::vector<std::pair<const TreeNode *, size_t>> stack{{document.root(), 0}};
     while (!stack.empty()) {
         auto &[node, index] = stack.back();
-        const std::vector<Item *> &children = node->children();
+        const std::span<Item *const> children = node->children();
         if (index >= children.size()) {
             stack.pop_back();
             continue;

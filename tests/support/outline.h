@@ -14,6 +14,7 @@
 #include <QDateTime>
 #include <QRegularExpression>
 #include <QStringList>
+#include <span>
 #include <vector>
 
 namespace Outline {
@@ -103,7 +104,7 @@ inline Item *find(const TreeNode *root, const QString &name)
     return nullptr;
 }
 
-inline QStringList names(const std::vector<Item *> &items)
+inline QStringList names(std::span<Item *const> items)
 {
     QStringList out;
     for (const Item *item : items)
