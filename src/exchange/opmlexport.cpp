@@ -65,9 +65,10 @@ void writeOutline(QXmlStreamWriter &xml, const Item &item, quint16 noteType)
         xml.writeAttribute(QStringLiteral("_category"), ExchangeText::xmlSafe(item.category()));
     if (item.hasDueDate())
         xml.writeAttribute(QStringLiteral("_due"), isoDate(item.dueDate()));
-    // Readers trim an address, so it is written trimmed.
+    // Readers trim an address, so it is written trimmed; one that then looks
+    // like a link to an item would read back as one, and is left out.
     const QString link = ExchangeText::xmlSafe(ExchangeText::firstOuterLink(item)).trimmed();
-    if (!link.isEmpty()) {
+    if (!link.isEmpty() && !Item::isItemLink(link)) {
         xml.writeAttribute(QStringLiteral("type"), QStringLiteral("link"));
         xml.writeAttribute(QStringLiteral("url"), link);
     }
