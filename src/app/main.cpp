@@ -1,3 +1,4 @@
+#include "model/document.h"
 #include "platform/largeheap.h"
 #include "rows/iconset.h"
 #include "shell/app/mainwindow.h"
@@ -56,6 +57,7 @@ int main(int argc, char *argv[])
 
     LargeHeap::enable(argv);
     QApplication app(argc, argv);
+    Document::freeTreesInBackground();
     QApplication::setApplicationName(QStringLiteral("Quillbox"));
     QApplication::setOrganizationName(QStringLiteral("Quillbox"));
     QApplication::setApplicationVersion(QStringLiteral(QUILLBOX_VERSION));

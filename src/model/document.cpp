@@ -2,17 +2,27 @@
 
 #include "platform/collation.h"
 
+#include "model/item.h"
+#include "model/treewalker.h"
+
+#include <thread>
 #include <vector>
 
 Document::Document() : m_root(std::make_unique<TreeNode>()) {}
 
 namespace {
 bool g_keepTrees = false;
+bool g_freeInBackground = false;
 } // namespace
 
 void Document::keepTreesUntilExit()
 {
     g_keepTrees = true;
+}
+
+void Document::freeTreesInBackground()
+{
+    g_freeInBackground = true;
 }
 
 Document::~Document()
@@ -22,6 +32,13 @@ Document::~Document()
         // not lost.
         static auto *const kept = new std::vector<TreeNode *>;
         kept->push_back(m_root.release());
+    } else if (g_freeInBackground && m_root && m_root->hasChildren()) {
+        // The handle registry belongs to the model's thread: the link targets
+        // leave it here. Nothing else an Item frees is shared.
+        TreeWalker walker(m_root.get());
+        while (Item *item = walker.next())
+            item->forgetHandle();
+        std::thread([root = m_root.release()] { delete root; }).detach();
     }
 }
 

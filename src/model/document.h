@@ -36,6 +36,10 @@ public:
     /// leaves its tree to the operating system, which takes the memory back
     /// at once, instead of freeing a million nodes one by one.
     static void keepTreesUntilExit();
+    /// For the desktop application: from now on a destroyed Document's tree
+    /// is freed on a thread of its own, so closing a million items never
+    /// keeps the window waiting.
+    static void freeTreesInBackground();
 
     TreeNode *root() const { return m_root.get(); }
     /// Replaces the tree; the current node becomes the new root.

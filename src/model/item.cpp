@@ -57,8 +57,14 @@ Item::Item(const QString &name, quint16 image, const SystemTime &created) : Tree
 
 Item::~Item()
 {
+    forgetHandle();
+}
+
+void Item::forgetHandle()
+{
     if (m_handle)
         handleRegistry().remove(m_handle);
+    m_handle = 0;
 }
 
 Item::Extras &Item::extras()

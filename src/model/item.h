@@ -80,6 +80,8 @@ public:
     /// Whether a handle was ever given, i.e. whether any link can name this
     /// Item; asks nothing of the registry.
     bool hasHandle() const { return m_handle != 0; }
+    /// Leaves the registry now, as destruction would: links to it are dead.
+    void forgetHandle();
     /// "!" followed by the handle.
     QString linkText() const;
     /// The live Item with this handle, or null.
