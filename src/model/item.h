@@ -72,7 +72,7 @@ public:
 
     /// Every attribute, links and note included, childless and collapsed,
     /// with a creation date of now.
-    Item *clone() const override;
+    virtual Item *clone() const;
 
     /// The identity that item links carry ("!" + decimal handle). Given on
     /// first use and never reused, so a link to a destroyed Item stays dead.

@@ -101,12 +101,6 @@ bool TreeNode::isAncestorOf(const TreeNode *node) const
     return false;
 }
 
-TreeNode *TreeNode::clone() const
-{
-    auto *copy = new TreeNode(m_name, m_image);
-    copyNodeFieldsTo(copy);
-    return copy;
-}
 
 void TreeNode::copyNodeFieldsTo(TreeNode *other) const
 {

@@ -80,9 +80,6 @@ public:
     TreeNode *topNode();
     bool isAncestorOf(const TreeNode *node) const;
 
-    /// A new node of the same class with the same attributes, childless and
-    /// collapsed.
-    virtual TreeNode *clone() const;
 
     // The attribute operations every node answers; the root answers with
     // empty or zero values and ignores the setters.

@@ -126,11 +126,13 @@ void TestItemExport::choices()
 void TestItemExport::copiesKeepTheirFieldsAndLinks()
 {
     Sample sample;
+    sample.item("B")->setExpanded(true);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("part.qbx"));
     QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::CompletedOnly, false, {}, path), 4);
     Document back;
     QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
+    QVERIFY(find(back.root(), QStringLiteral("B"))->isExpanded()); // its child came along
     const Item *a2a = find(back.root(), QStringLiteral("A2a"));
     QVERIFY(a2a);
     QCOMPARE(a2a->category(), QStringLiteral("Work"));

@@ -198,7 +198,7 @@ void TestMarkdown::exportWritesTheTree()
     a->setNote(note(u"first line\r\n  indented\r\n\r\nsecond paragraph"));
     a->setLinks({QStringLiteral("!3"), QStringLiteral("https://example.org/a b"), QStringLiteral("C:\\docs\\x.doc")});
     item(a, QStringLiteral("- dash"), Item::NoStatus);
-    Item *c = item(a, QStringLiteral(" padded "), Item::ProgressBar, 40);
+    Item *c = item(a, QStringLiteral(" padded \t"), Item::ProgressBar, 40);
     item(c, QStringLiteral("<b>&amp;</b> ~x~ | `c` _u_"));
     item(&root, QString(), Item::NoStatus)->setNote(note(u"n"));
 
@@ -213,7 +213,7 @@ void TestMarkdown::exportWritesTheTree()
                         "\n"
                         "  second paragraph\n"
                         "  - \\- dash\n"
-                        "  - [40%] &#32;padded&#32;\n"
+                        "  - [40%] &#32;padded&#32;&#9;\n"
                         "    - [ ] \\<b\\>\\&amp;\\</b\\> \\~x\\~ \\| \\`c\\` \\_u\\_\n"
                         "- <span></span>\n"
                         "\n"

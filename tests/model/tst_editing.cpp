@@ -234,6 +234,7 @@ private Q_SLOTS:
         QVERIFY(!Editing::canMove(o.document, o.a, Move::DownLevel)); // first child: nothing to go under
         QVERIFY(!Editing::canMove(o.document, o.b, Move::UpLevel));   // a child of the root
         QVERIFY(!Editing::canMove(o.document, o.c, Move::Down));
+        QVERIFY(Editing::canMove(o.document, o.b, Move::Down)); // the one before the last
         QVERIFY(!Editing::canMove(o.document, nullptr, Move::Down));
 
         QVERIFY(Editing::move(o.document, o.c, Move::Up));
@@ -250,6 +251,61 @@ private Q_SLOTS:
 
         o.document.viewMode = Document::ByCategory;
         QVERIFY(!Editing::canMove(o.document, o.b, Move::Up));
+    }
+
+    void applyPropertiesStoresEveryField()
+    {
+        Outline o;
+        ChildOrder::orderChildrenBy(o.a, TreeNode::SortPriority);
+        const SystemTime due{2024, 3, 0, 5, 9, 30, 0, 0};
+        const SystemTime remind{2024, 3, 0, 4, 8, 0, 0, 0};
+        ItemProperties p;
+        p.name = QStringLiteral("renamed");
+        p.priority = 20;
+        p.category = QStringLiteral("Errands");
+        p.image = 7;
+        p.colour = 4;
+        p.showIcon = false;
+        p.italic = true;
+        p.statusType = Item::ProgressBar;
+        p.dueDate = due;
+        p.taskTime = QStringLiteral("15");
+        p.taskTimeType = 1;
+        p.reminderTime = remind;
+        p.links = QStringList{QStringLiteral("tel:1")};
+        p.note = QByteArray("n\0\0", 4);
+        p.progress = 60;
+        Editing::applyProperties(o.a1, p, &o.document);
+        QCOMPARE(o.a1->name(), QStringLiteral("renamed"));
+        QCOMPARE(o.a1->priority(), quint16(20));
+        QCOMPARE(names(o.a), QStringLiteral("a2 renamed")); // its parent orders by priority
+        QCOMPARE(o.a1->category(), QStringLiteral("Errands"));
+        QVERIFY(o.document.categories.contains(QStringLiteral("Errands")));
+        QCOMPARE(o.a1->image(), quint16(7));
+        QCOMPARE(o.a1->colour(), quint16(4));
+        QVERIFY(!o.a1->showIcon());
+        QVERIFY(o.a1->isItalic());
+        QCOMPARE(o.a1->statusType(), quint16(Item::ProgressBar));
+        QCOMPARE(o.a1->dueDate(), due);
+        QCOMPARE(o.a1->taskTime(), QStringLiteral("15"));
+        QCOMPARE(o.a1->taskTimeType(), quint16(1));
+        QCOMPARE(o.a1->reminderTime(), remind);
+        QCOMPARE(o.a1->links(), QStringList{QStringLiteral("tel:1")});
+        QCOMPARE(o.a1->note(), QByteArray("n\0\0", 4));
+        QCOMPARE(o.a1->progress(), quint16(60));
+
+        // Links and note stay when the dialog did not show them; automatic
+        // progress comes from the children.
+        ItemProperties q = p;
+        q.links.reset();
+        q.note.reset();
+        q.autoProgress = true;
+        o.a21->setProgress(100);
+        Editing::applyProperties(o.a2, q, &o.document);
+        QVERIFY(o.a2->links().isEmpty());
+        QVERIFY(o.a2->note().isEmpty());
+        QVERIFY(o.a2->autoProgress());
+        QCOMPARE(o.a2->progress(), quint16(100));
     }
 
     void moveUpLevelKeepsTheNewParentsOrder()

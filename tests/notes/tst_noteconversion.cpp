@@ -121,6 +121,16 @@ void TestNoteConversion::foreignInkKeepsItsBytes()
                                              "5\x00",
                                              18)),
              QString());
+    // The first and last units of each range of text belong to a run; the
+    // units just outside end it.
+    const auto units = [](const QString &text) {
+        return QByteArray(reinterpret_cast<const char *>(text.utf16()), 2 * text.size());
+    };
+    const QString edges = QStringLiteral("Ab\u0020~\t\u00a0\u017f\u0370\u052f\u2010\u206f\u20ac");
+    QCOMPARE(RichInk::extractText(units(edges)), edges);
+    for (const char16_t outside : {u'\x1f', u'\x7f', u'\x9f', u'\u0180', u'\u036f', u'\u0530', u'\u200f', u'\u2070'})
+        QCOMPARE(RichInk::extractText(units(QStringLiteral("Abcd") + QChar(outside) + QStringLiteral("Efgh"))),
+                 QStringLiteral("Abcd\r\nEfgh"));
     // Writing a chunk makes the note one of ours.
     ink.setChunk(RichInk::rtfTag(), "{\\rtf1 new}");
     QVERIFY(ink.isOurs());
