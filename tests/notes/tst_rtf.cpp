@@ -91,6 +91,9 @@ void TestRtf::readsText_data()
         << QByteArray("{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fswiss Arial;}{\\f1\\fnil\\fcharset128 MS Mincho;}}"
                       "\\f1 \\'93\\'fa\\f0 \\'e9}")
         << QString::fromUtf8("日é");
+    QTest::newRow("a font's definition ends at its semicolon")
+        << QByteArray("{\\rtf1\\ansi\\ansicpg1252{\\fonttbl\\f0\\fcharset204;\\cpg1252}\\f0 \\'c4}")
+        << QString::fromUtf8("Д");
     QTest::newRow("second byte as a plain letter")
         << QByteArray("{\\rtf1\\ansi\\ansicpg932 \\'83e\\'83X\\'83g}") << QString::fromUtf8("テスト");
     QTest::newRow("empty paragraph") << QByteArray("{\\rtf1 a\\par\\par b}") << "a\r\n\r\nb";
@@ -189,6 +192,10 @@ void TestRtf::deepNestingIsSafe()
     QByteArray rtf("{\\rtf1 a");
     rtf += QByteArray(200000, '{') + "\\b deep" + QByteArray(200000, '}') + "b}";
     QCOMPARE(RtfReader::plainText(rtf), QStringLiteral("adeepb"));
+    // Past the depth that is kept the groups still close in order: the
+    // skipped destination ends, and the text after it is read.
+    const QByteArray skipped("{\\rtf1 a{\\*\\unknown" + QByteArray(2000, '{') + QByteArray(2000, '}') + "x}b}");
+    QCOMPARE(RtfReader::plainText(skipped), QStringLiteral("ab"));
     // Groups left open, however many, end with the text.
     QByteArray open("{\\rtf1 x" + QByteArray(300000, '{') + "y");
     QCOMPARE(RtfReader::plainText(open), QStringLiteral("xy"));
