@@ -128,6 +128,9 @@ void TestNoteConversion::foreignInkKeepsItsBytes()
     };
     const QString edges = QStringLiteral("Ab\u0020~\t\u00a0\u017f\u0370\u052f\u2010\u206f\u20ac");
     QCOMPARE(RichInk::extractText(units(edges)), edges);
+    // A run needs two letters; an RTF text inside, even at the very start, is read as RTF.
+    QCOMPARE(RichInk::extractText(units(QStringLiteral("a1234"))), QString());
+    QCOMPARE(RichInk::extractText("{\\rtf1 Hello}"), QStringLiteral("Hello"));
     for (const char16_t outside : {u'\x1f', u'\x7f', u'\x9f', u'\u0180', u'\u036f', u'\u0530', u'\u200f', u'\u2070'})
         QCOMPARE(RichInk::extractText(units(QStringLiteral("Abcd") + QChar(outside) + QStringLiteral("Efgh"))),
                  QStringLiteral("Abcd\r\nEfgh"));
