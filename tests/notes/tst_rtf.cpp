@@ -130,14 +130,15 @@ void TestRtf::readsFormatting()
     const QByteArray rtf("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red255\\green0\\blue0;"
                          "\\red0\\green128\\blue0;}\r\n"
                          "\\pard\\qc{\\b Bold}{\\i  italic}\\par\r\n"
-                         "\\pard\\ul under\\ulnone  \\strike gone\\strike0\\par\r\n"
+                         "\\pard caf\\'e9\\ul under\\ulnone  \\strike gone\\strike0\\par\r\n"
                          "\\pard\\qr\\fs32\\cf1 big red\\cf2  green\\plain  plain\\par\r\n"
                          "\\pard\\qj{\\b\\i both}\\par}");
     RichText expected;
     expected.paragraphs.push_back(
         paragraph(RichText::Alignment::Centre,
                   {{"Bold", format(true, false, false, false)}, {" italic", format(false, true, false, false)}}));
-    expected.paragraphs.push_back(paragraph(RichText::Alignment::Left, {{"under", format(false, false, true, false)},
+    expected.paragraphs.push_back(paragraph(RichText::Alignment::Left, {{"caf\u00e9", format(false, false, false, false)},
+                                                                        {"under", format(false, false, true, false)},
                                                                         {" ", format(false, false, false, false)},
                                                                         {"gone", format(false, false, false, true)}}));
     expected.paragraphs.push_back(
