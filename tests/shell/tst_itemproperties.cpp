@@ -41,7 +41,6 @@ private:
 private Q_SLOTS:
     void generalPageStoredOnlyOnOk_data();
     void generalPageStoredOnlyOnOk();
-    void storeReordersAndRollsUp();
     void detailsPage_data();
     void detailsPage();
     void newItemGoesWhereAsked_data();
@@ -104,43 +103,6 @@ void TestItemProperties::generalPageStoredOnlyOnOk()
         QCOMPARE(beta->image(), quint16(0));
     }
     QCOMPARE(f.current(), beta);
-}
-
-void TestItemProperties::storeReordersAndRollsUp()
-{
-    // Work orders its children by priority; two of them are done.
-    ShellFixture f;
-    auto document = sample();
-    Item *work = document->root()->child(0);
-    ChildOrder::orderChildrenBy(work, TreeNode::SortPriority);
-    work->child(0)->storeProgress(100);
-    work->child(1)->storeProgress(100);
-    work->storeProgress(5);
-    QVERIFY(f.open(std::move(document)));
-    work = f.at({0}); // the opened document is read back from its file
-    f.select(work);
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        clickButton(child<QRadioButton>(d, "automatic"));
-        // An automatic item's progress follows its children.
-        QVERIFY(!child<QSpinBox>(d, "progress")->isEnabled());
-        press(d);
-    });
-    f.run("actionModifyItem");
-    QVERIFY(work->autoProgress());
-    QCOMPARE(work->progress(), quint16(66));
-
-    Item *gamma = f.at({0, 2});
-    f.select(gamma);
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        child<QComboBox>(d, "priority")->setCurrentIndex(0);
-        child<QSpinBox>(d, "progress")->setValue(90);
-        press(d);
-    });
-    f.run("actionModifyItem");
-    QCOMPARE(f.at({0, 0}), gamma);
-    QCOMPARE(f.at({0, 1})->name(), QStringLiteral("Alpha"));
-    QCOMPARE(f.current(), gamma);
-    QCOMPARE(work->progress(), quint16(96));
 }
 
 void TestItemProperties::detailsPage_data()
