@@ -277,10 +277,11 @@ void TestMarkdown::importsWhatOthersWrite_data()
     QTest::newRow("ordered lists") << QByteArray("1. one\n2. two\n   1) sub\n10. ten\n") << "Root"
                                    << "1 one[-]\n1 two[-]\n2 sub[-]\n1 ten[-]\n";
     QTest::newRow("check boxes and progress")
-        << QByteArray("- [ ] open\n- [x] done\n- [X] Done\n- [40%] part\n- [y] not a box\n- \\[x] escaped\n"
-                      "- [100%]\n- [x]tight\n")
-        << "Root" << "1 open\n1 done[x]\n1 Done[x]\n1 part[40%]\n1 [y] not a box[-]\n1 [x] escaped[-]\n1 [100%]\n"
-                     "1 [x]tight[-]\n";
+        << QByteArray("- \\[ ] first line\n- [ ] open\n- [x] done\n- [X] Done\n- [40%] part\n- [y] not a box\n"
+                      "- \\[x] escaped\n- [100%]\n- [x]tight\n")
+        << "Root"
+        << "1 [ ] first line[-]\n1 open\n1 done[x]\n1 Done[x]\n1 part[40%]\n1 [y] not a box[-]\n1 [x] escaped[-]\n"
+           "1 [100%]\n1 [x]tight[-]\n";
     QTest::newRow("headings are levels")
         << QByteArray("# Project\n\nIntro text.\n\n## Phase 1\n\n- [ ] task\n\n### Detail\n\nSome notes\nover two "
                       "lines.\n\n## Phase 2\n")

@@ -130,6 +130,7 @@ private Q_SLOTS:
         Outline o;
         ItemClip clip;
         clip.markMove(o.a2);
+        QVERIFY(!clip.asksForChildren()); // a move takes the whole branch
         QCOMPARE(clip.paste(o.b, false), o.a2);
         QCOMPARE(names(o.a), QStringLiteral("a1"));
         QCOMPARE(names(o.b), QStringLiteral("a2"));
