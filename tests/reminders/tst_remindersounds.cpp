@@ -35,6 +35,8 @@ void TestReminderSounds::initTestCase()
     touch(m_dir.filePath(QStringLiteral("system/bell.oga")));
     touch(m_dir.filePath(QStringLiteral("user/Chime.wav")));
     touch(m_dir.filePath(QStringLiteral("user/(None).wav")));
+    // The same sound reached twice, through a link to its folder, is offered once.
+    QVERIFY(QFile::link(m_dir.filePath(QStringLiteral("system/alarms")), m_dir.filePath(QStringLiteral("user/alarms"))));
 }
 
 void TestReminderSounds::choices()
