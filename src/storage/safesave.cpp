@@ -464,7 +464,7 @@ QString SafeSave::resolve(const QString &path, QString *error)
     }
 }
 
-int SafeSave::removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds)
+void SafeSave::removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds)
 {
     const QFileInfo info(target);
     const QString prefix = QLatin1Char('.') + info.fileName() + QLatin1Char('.');
@@ -472,7 +472,6 @@ int SafeSave::removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds
     const QStringList names =
         folder.entryList({prefix + QLatin1String("*") + TempSuffix}, QDir::Files | QDir::Hidden | QDir::System);
     const qint64 now = QDateTime::currentSecsSinceEpoch();
-    int removed = 0;
     for (const QString &name : names) {
         // Only ".<name>.XXXXXX.part" (earlier versions wrote eight letters):
         // a longer name belongs to another document.
@@ -500,10 +499,9 @@ int SafeSave::removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds
                 ::close(fd);
             }
         }
-        if (stale && ::unlink(path.constData()) == 0)
-            ++removed;
+        if (stale)
+            ::unlink(path.constData());
     }
-    return removed;
 }
 
 void SafeSave::removeTemporaryOnSignals()
@@ -593,10 +591,7 @@ QString SafeSave::resolve(const QString &path, QString *)
     return QFileInfo(path).absoluteFilePath();
 }
 
-int SafeSave::removeStaleTemporaries(const QString &, qint64)
-{
-    return 0;
-}
+void SafeSave::removeStaleTemporaries(const QString &, qint64) {}
 
 void SafeSave::removeTemporaryOnSignals() {}
 

@@ -78,8 +78,8 @@ public:
 
     /// Removes the stale temporary files of target from its folder: only
     /// ".<name>.XXXXXX.part" of that very name, older than maxAgeSeconds or
-    /// not open in any process. Returns how many were removed.
-    static int removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds = 24 * 3600);
+    /// not open in any process.
+    static void removeStaleTemporaries(const QString &target, qint64 maxAgeSeconds = 24 * 3600);
 
     /// Installs handlers for SIGINT, SIGTERM and SIGHUP that remove the
     /// temporary file of a save in progress and then end the process by the

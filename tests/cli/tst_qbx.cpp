@@ -178,7 +178,8 @@ void TestQbx::resaveWritesTheCurrentVersion()
     f.u32(1).u32(3).u16(2).str(QStringLiteral("a")).u32(0).u32(2).u16(5).str(QString()).u16(0).zeroTime();
     f.u16(0).u16(1).u32(1).str(QString()).u16(10).zeroTime().u32(0).u32(0);
     const QString path = writeBytes(m_dir.filePath(QStringLiteral("old.qbx")), f);
-    const QString out = m_dir.filePath(QStringLiteral("new.qbx"));
+    // An existing other file is replaced; the source stays as it was.
+    const QString out = writeBytes(m_dir.filePath(QStringLiteral("new.qbx")), "an older file");
 
     FileBytes e;
     e.u32(551).u16(16).hex("d29e9e1676c2b9d01b1e10adce084822").u32(0x81).u16(1).u16(0).u16(0).u32(0).u32(0);

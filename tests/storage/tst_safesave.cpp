@@ -299,9 +299,12 @@ void TestSafeSave::ownerAndGroupStay()
     writeAll(path, "old");
     const QByteArray name = QFile::encodeName(path);
     QCOMPARE(::chown(name.constData(), 12345, 23456), 0);
+    struct stat before;
+    QCOMPARE(::stat(name.constData(), &before), 0);
     QVERIFY(SafeSave::write(path, QByteArray("new")));
     struct stat info;
     QCOMPARE(::stat(name.constData(), &info), 0);
+    QVERIFY(info.st_ino != before.st_ino); // a new file took its place: the safe save, not a write in place
     QCOMPARE(info.st_uid, uid_t(12345));
     QCOMPARE(info.st_gid, gid_t(23456));
     QCOMPARE(readAll(path), QByteArray("new"));
