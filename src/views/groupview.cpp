@@ -116,14 +116,13 @@ GroupView::GroupView(const Document &document, quint16 mode, const VisibilityFil
                 m_hidden.insert(item);
         }
         GroupHeading *heading = nullptr;
-        bool isNew = false;
         if (mode == ByCategory) {
             // Neighbours in the tree mostly share a category.
             QString category = item->category();
             if (lastHeading && category == lastCategory) {
                 heading = lastHeading;
             } else {
-                heading = findOrMake(item, category.isEmpty() ? noCategoryText() : category, &isNew);
+                heading = findOrMake(item, category.isEmpty() ? noCategoryText() : category);
                 lastCategory = std::move(category);
                 lastHeading = heading;
             }
@@ -131,7 +130,7 @@ GroupView::GroupView(const Document &document, quint16 mode, const VisibilityFil
             const quint64 value = groupValue(item, mode);
             heading = byValue.value(value);
             if (!heading) {
-                heading = findOrMake(item, headingText(item, mode), &isNew);
+                heading = findOrMake(item, headingText(item, mode));
                 byValue.insert(value, heading);
             }
         }
@@ -146,15 +145,14 @@ GroupView::~GroupView() = default;
 
 GroupHeading *GroupView::findOrMake(const Item *item, const QString &text, bool *isNew)
 {
-    if (GroupHeading *known = m_byText.value(text)) {
-        *isNew = false;
+    if (GroupHeading *known = m_byText.value(text))
         return known;
-    }
     m_owned.push_back(std::make_unique<GroupHeading>(text, headingIcon(m_mode), item));
     GroupHeading *heading = m_owned.back().get();
     m_headings.push_back(heading);
     m_byText.insert(text, heading);
-    *isNew = true;
+    if (isNew)
+        *isNew = true;
     return heading;
 }
 

@@ -66,7 +66,9 @@ public:
     void setOrder(quint16 key, bool ascending);
 
 private:
-    GroupHeading *findOrMake(const Item *item, const QString &text, bool *isNew);
+    /// The heading of that text, made when there is none yet (then isNew, if
+    /// given, is set).
+    GroupHeading *findOrMake(const Item *item, const QString &text, bool *isNew = nullptr);
     void sortHeadings();
 
     VisibilityFilter m_filter;

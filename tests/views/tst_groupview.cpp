@@ -315,6 +315,7 @@ e
     QCOMPARE(rows.parentIndex(3), 2);
 
     QCOMPARE(rows.rowsBelow(1), 3);
+    QCOMPARE(rows.rowsBelow(4), 0); // d, then its parent's sibling e
     QCOMPARE(rows.setExpanded(5, true), 1);
     QCOMPARE(rows.setExpanded(1, false), 3);
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  e", "    f"}));
