@@ -328,6 +328,7 @@ e
     rows.collapseAll();
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  e"}));
     QVERIFY(!Outline::find(document.root(), QStringLiteral("b"))->isExpanded());
+    QCOMPARE(rows.reveal(Outline::find(document.root(), QStringLiteral("c"))), 3); // its ancestors open
     rows.expandAll();
     QCOMPARE(rows.setExpanded(0, false), 6);
 
@@ -358,6 +359,7 @@ c | pri=2
     QCOMPARE(rows.setExpanded(3, false), 2);
     QCOMPARE(rows.setExpanded(0, false), 3);
     QCOMPARE(rows.setExpanded(0, true), 3); // the first heading was left open
+    QVERIFY(rows.isExpanded(0));
 
     // Heading expansion survives a rebuild and a new order (descending turns
     // the headings round too); the tree keeps its own order.
