@@ -145,6 +145,11 @@ void TestCalDav::refusals()
                                QStringLiteral("secret"));
     QVERIFY(!unencrypted.connect(&error));
     QCOMPARE(error, message(Messages::CalendarHttpsRequired).arg(QStringLiteral("http://192.0.2.1/cal/")));
+    for (const char *address : {"https:///cal/", "ftp://example.org/cal/"}) {
+        CalDavCalendar bad(QUrl(QString::fromLatin1(address)), QStringLiteral("alice"), QStringLiteral("secret"));
+        QVERIFY(!bad.connect(&error));
+        QCOMPARE(error, message(Messages::CalendarBadAddress).arg(bad.location()));
+    }
 }
 
 void TestCalDav::stoppedServer()

@@ -112,6 +112,7 @@ void TestRtf::readsText_data()
         << QByteArray("{\\rtf1 a{\\pict\\wmetafile8 0102ff}{\\pict\\bin3 {}\\}b}") << "ab";
     QTest::newRow("a star after text or a group is no destination")
         << QByteArray("{\\rtf1 {x\\*\\foo y}{}\\*\\bar z}") << "xyz";
+    QTest::newRow("a parameter of minus zero") << QByteArray("{\\rtf1 a\\li-0 b}") << "ab";
     QTest::newRow("what follows the document's group") << QByteArray("{\\rtf1 a}tail") << "a";
     QTest::newRow("truncated escape") << QByteArray("{\\rtf1 ab\\'4") << "ab";
     QTest::newRow("not rtf at all") << QByteArray("plain caf\xe9\r\nline 2")
