@@ -152,6 +152,12 @@ void TestRtf::readsFormatting()
     expected.paragraphs.push_back(
         paragraph(RichText::Alignment::Justify, {{"both", format(true, true, false, false)}}));
     QCOMPARE(describe(RtfReader::read(rtf)), describe(expected));
+
+    // A colour table whose last entry lacks its ";" keeps that entry.
+    RichText red;
+    red.paragraphs.push_back(
+        paragraph(RichText::Alignment::Left, {{"red", format(false, false, false, false, 0, 0xff0000)}}));
+    QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green0\\blue0}\\cf1 red}")), describe(red));
 }
 
 void TestRtf::writesExactBytes()
