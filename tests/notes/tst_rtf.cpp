@@ -118,6 +118,7 @@ void TestRtf::readsText_data()
     QTest::newRow("not rtf at all") << QByteArray("plain caf\xe9\r\nline 2")
                                     << QString::fromUtf8("plain café\r\nline 2");
     QTest::newRow("empty") << QByteArray() << QString();
+    QTest::newRow("not rtf, ending at once") << QByteArray("\0abc", 4) << QString();
 }
 
 void TestRtf::readsText()

@@ -427,6 +427,7 @@ void TestDocumentFile::damagedFilesAreRefused_data()
     QTest::newRow("TaskTime of 8 units") << file551({{.taskTime = QStringLiteral("12345678")}}) << damaged;
     QTest::newRow("note size beyond the file") << file551({{.noteSize = 0x7FFFFFFF}}) << damaged;
     QTest::newRow("link count huge") << file551({{.linkCount = 0x7FFFFFFF}}) << damaged;
+    QTest::newRow("empty links that end the file") << file551({{.links = {QString(), QString()}}}) << loaded;
     QTest::newRow("first entry at depth 2") << file551({{.depth = 2}}) << damaged;
     QTest::newRow("depth 0") << file551({{.depth = 0}}) << damaged;
     QTest::newRow("depth 1 to 3") << file551({{}, {.depth = 3, .number = 2}}) << damaged;
