@@ -124,6 +124,8 @@ d
 
     QVERIFY(rows.toggle(VisibilityFilter::HideCompleted));
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  d"})); // collapsed to the top level
+    QCOMPARE(rows.reveal(Outline::find(document.root(), QStringLiteral("b"))), -1); // hidden: nothing opens
+    QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  d"}));
     rows.expandAll();
     QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    c", "  d"}));
 
