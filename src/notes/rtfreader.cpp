@@ -604,5 +604,6 @@ RichText RtfReader::read(QByteArrayView rtf)
         CodePage page;
         return RichText::fromPlainText(page.toUnicode(end < 0 ? rtf : rtf.first(end)));
     }
-    return Parser(rtf).parse();
+    // White space before the header is no text of the document.
+    return Parser(rtf.sliced(rtf.indexOf('{'))).parse();
 }

@@ -112,6 +112,10 @@ void TestRtf::readsText_data()
         << QByteArray("{\\rtf1 a{\\pict\\wmetafile8 0102ff}{\\pict\\bin3 {}\\}b}") << "ab";
     QTest::newRow("a star after text or a group is no destination")
         << QByteArray("{\\rtf1 {x\\*\\foo y}{}\\*\\bar z}") << "xyz";
+    QTest::newRow("a group ends the fallback") << QByteArray("{\\rtf1 caf\\u233{x}}") << QString::fromUtf8("caféx");
+    QTest::newRow("code page of the first font")
+        << QByteArray("{\\rtf1\\ansi{\\fonttbl\\f0\\cpg1251 Cyr;}\\f0 \\'c4}") << QString::fromUtf8("Д");
+    QTest::newRow("white space before the header") << QByteArray(" \t\r\n{\\rtf1 x}") << "x";
     QTest::newRow("a parameter of minus zero") << QByteArray("{\\rtf1 a\\li-0 b}") << "ab";
     QTest::newRow("what follows the document's group") << QByteArray("{\\rtf1 a}tail") << "a";
     QTest::newRow("truncated escape") << QByteArray("{\\rtf1 ab\\'4") << "ab";
@@ -157,8 +161,8 @@ void TestRtf::readsFormatting()
     // A colour table whose last entry lacks its ";" keeps that entry.
     RichText red;
     red.paragraphs.push_back(
-        paragraph(RichText::Alignment::Left, {{"red", format(false, false, false, false, 0, 0xff0000)}}));
-    QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green0\\blue0}\\cf1 red}")), describe(red));
+        paragraph(RichText::Alignment::Left, {{"red", format(false, false, false, false, 0, 0xff8001)}}));
+    QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green128\\blue1}\\cf1 red}")), describe(red));
 }
 
 void TestRtf::writesExactBytes()
