@@ -338,7 +338,8 @@ void TestDocumentFile::version410LegacyRecords()
     f.u32(0x80).fixed(QStringLiteral("Tief"), 96).u16(0xFFFF - 796).u16(9).fixed(QString(), 64);
     f.zeroTime().fixed(QString(), 8).u16(0).u16(0xFFFF).zeroTime().u32(3).u32(6).u32(42).u32(0).u32(0);
     // Plain check box with its own progress; depth 0 climbs to the top.
-    f.u32(0).fixed(QStringLiteral("Drei"), 96).u16(1).u16(0).fixed(QStringLiteral("Home"), 64);
+    // Bit 8 without bit 7 is still a check box.
+    f.u32(0x100).fixed(QStringLiteral("Drei"), 96).u16(1).u16(0).fixed(QStringLiteral("Home"), 64);
     f.zeroTime().fixed(QString(), 8).u16(0).u16(0).zeroTime().u32(0).u32(7).u32(60);
     f.u32(2).fixed(QStringLiteral("/docs/Projects/x.txt"), 260).fixed(QStringLiteral("/docsother/y.txt"), 260);
     f.u32(0);

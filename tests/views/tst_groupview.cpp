@@ -313,6 +313,7 @@ e
     QVERIFY(rows.row(5).expandable);
     QVERIFY(!rows.row(4).expandable);
     QCOMPARE(rows.parentIndex(3), 2);
+    QCOMPARE(rows.parentIndex(1), 0); // the title row
 
     QCOMPARE(rows.rowsBelow(1), 3);
     QCOMPARE(rows.rowsBelow(4), 0); // d, then its parent's sibling e
