@@ -89,6 +89,8 @@ void TestItemExport::choices_data()
                                   << "R";
     QTest::newRow("selected items") << 3 << "" << QStringList{"A2a", "C", "A2"} << 3 << "R(A2(A2a),C)"
                                     << "R(A(A1(A1x)),B(B1))";
+    QTest::newRow("selected whole first branch") << 3 << "" << QStringList{"A", "A1", "A1x", "A2", "A2a"} << 5
+                                                 << "R(A(A1(A1x),A2(A2a)))" << "R(B(B1),C)";
     QTest::newRow("selected parent without its child") << 3 << "" << QStringList{"A1"} << 1 << "R(A1)"
                                                        << "R(A(A1(A1x),A2(A2a)),B(B1),C)";
 }
