@@ -30,7 +30,7 @@ inline QString qbxProgram()
     return QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
 }
 
-inline QProcess *startQbx(QProcess &process, const QStringList &arguments, const QbxOptions &options = {})
+inline void startQbx(QProcess &process, const QStringList &arguments, const QbxOptions &options = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
@@ -47,7 +47,6 @@ inline QProcess *startQbx(QProcess &process, const QStringList &arguments, const
         process.write(options.input);
         process.closeWriteChannel();
     }
-    return &process;
 }
 
 inline QbxRun finishQbx(QProcess &process)
