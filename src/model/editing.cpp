@@ -2,6 +2,7 @@
 
 #include "model/childorder.h"
 #include "model/document.h"
+#include "model/editstep.h"
 #include "model/progress.h"
 
 #include <utility>
@@ -124,7 +125,8 @@ TreeNode *deleteItem(Document &document, Item *item, ItemClip *clip)
         document.setCurrent(parent);
     if (parent)
         parent->removeChild(item);
-    delete item;
+    if (!EditStep::keeps(item)) // an undo may want the branch back
+        delete item;
     if (parent)
         Progress::rollUp(parent);
     return parent;

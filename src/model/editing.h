@@ -88,7 +88,8 @@ Item *createCopy(Item *item);
 /// copied here), appended under copyTop in order; used by paste with children.
 void copyChildren(const Item *source, Item *copyTop);
 
-/// Deletes item and its branch: drops a clip mark inside it, recomputes the
+/// Deletes item and its branch (a recording edit step keeps the branch
+/// instead, for its undo): drops a clip mark inside it, recomputes the
 /// parent's automatic progress and makes the parent current. Returns the
 /// parent.
 TreeNode *deleteItem(Document &document, Item *item, ItemClip *clip);

@@ -87,7 +87,11 @@ QString Item::category() const
 
 void Item::setCategory(const QString &category)
 {
-    m_category = categoryPool().numberOf(category);
+    const quint32 number = categoryPool().numberOf(category);
+    if (number != m_category) {
+        willChange();
+        m_category = number;
+    }
 }
 
 Item::Extras::Extras(const Extras &other)
@@ -99,6 +103,7 @@ Item::Extras::Extras(const Extras &other)
 // A date packs into the Item when it can, else it waits whole in the extras.
 void Item::setCreated(const SystemTime &time)
 {
+    willChange();
     m_createdWhole = !PackedTime::fits(time);
     m_created = m_createdWhole ? PackedTime() : PackedTime::pack(time);
     storeWide(&WideDates::created, m_createdWhole ? time : SystemTime());
@@ -106,6 +111,7 @@ void Item::setCreated(const SystemTime &time)
 
 void Item::setDueDate(const SystemTime &date)
 {
+    willChange();
     m_dueWhole = !PackedTime::fits(date);
     m_dueDate = m_dueWhole ? PackedTime() : PackedTime::pack(date);
     storeWide(&WideDates::dueDate, m_dueWhole ? date : SystemTime());
@@ -133,6 +139,7 @@ QString Item::taskTime() const
 
 void Item::setTaskTime(const QString &text)
 {
+    willChange();
     extras().taskTime = text.left(7);
     dropEmptyExtras();
 }
@@ -144,6 +151,7 @@ QStringList Item::links() const
 
 void Item::setLinks(const QStringList &links)
 {
+    willChange();
     extras().links = links;
     dropEmptyExtras();
 }
@@ -160,6 +168,7 @@ QByteArray Item::note() const
 
 void Item::setNote(const QByteArray &note)
 {
+    willChange();
     extras().note = note;
     dropEmptyExtras();
 }
@@ -171,18 +180,21 @@ SystemTime Item::reminderTime() const
 
 void Item::setReminderTime(const SystemTime &time)
 {
+    willChange();
     extras().reminderTime = time;
     dropEmptyExtras();
 }
 
 void Item::setProgress(quint16 progress)
 {
+    willChange();
     m_progress = progress;
     progressChanged();
 }
 
 void Item::setFlags(quint32 flags)
 {
+    willChange();
     m_showIcon = flags & 1;
     m_autoProgress = flags & 2;
     m_italic = flags & 4;
@@ -190,24 +202,54 @@ void Item::setFlags(quint32 flags)
 
 Item *Item::clone() const
 {
-    auto *copy = new Item(name(), image());
-    copyNodeFieldsTo(copy);
-    if (m_extras) {
-        copy->m_extras = std::make_unique<Extras>(*m_extras);
-        copy->storeWide(&WideDates::created, {}); // the copy was created now
-    }
-    copy->m_category = m_category;
-    copy->m_dueDate = m_dueDate;
-    copy->m_dueWhole = m_dueWhole;
-    copy->m_taskTimeType = m_taskTimeType;
-    copy->m_colour = m_colour;
-    copy->m_progress = m_progress;
-    copy->m_statusType = m_statusType;
-    copy->m_priority = m_priority;
-    copy->m_showIcon = m_showIcon;
-    copy->m_autoProgress = m_autoProgress;
-    copy->m_italic = m_italic;
+    auto *copy = new Item(QString(), 0, SystemTime());
+    copyFieldsTo(*copy);
+    copy->setCreated(SystemTime::now());
+    copy->setExpanded(false);
     return copy;
+}
+
+void Item::copyItemFieldsTo(Item &other) const
+{
+    other.m_extras = m_extras ? std::make_unique<Extras>(*m_extras) : nullptr;
+    other.m_category = m_category;
+    other.m_created = m_created;
+    other.m_createdWhole = m_createdWhole;
+    other.m_dueDate = m_dueDate;
+    other.m_dueWhole = m_dueWhole;
+    other.m_taskTimeType = m_taskTimeType;
+    other.m_colour = m_colour;
+    other.m_progress = m_progress;
+    other.m_statusType = m_statusType;
+    other.m_priority = m_priority;
+    other.m_showIcon = m_showIcon;
+    other.m_autoProgress = m_autoProgress;
+    other.m_italic = m_italic;
+}
+
+void Item::swapItemFields(Item &other)
+{
+    const bool createdWhole = m_createdWhole, dueWhole = m_dueWhole;
+    const bool showIcon = m_showIcon, autoProgress = m_autoProgress, italic = m_italic;
+    m_createdWhole = other.m_createdWhole;
+    m_dueWhole = other.m_dueWhole;
+    m_showIcon = other.m_showIcon;
+    m_autoProgress = other.m_autoProgress;
+    m_italic = other.m_italic;
+    other.m_createdWhole = createdWhole;
+    other.m_dueWhole = dueWhole;
+    other.m_showIcon = showIcon;
+    other.m_autoProgress = autoProgress;
+    other.m_italic = italic;
+    std::swap(m_extras, other.m_extras);
+    std::swap(m_category, other.m_category);
+    std::swap(m_created, other.m_created);
+    std::swap(m_dueDate, other.m_dueDate);
+    std::swap(m_taskTimeType, other.m_taskTimeType);
+    std::swap(m_colour, other.m_colour);
+    std::swap(m_progress, other.m_progress);
+    std::swap(m_statusType, other.m_statusType);
+    std::swap(m_priority, other.m_priority);
 }
 
 quint32 Item::handle() const

@@ -25,10 +25,22 @@ public:
     /// Unit of the task time (0 none, 1 minutes ... 5 months); the file does
     /// not keep it.
     quint16 taskTimeType() const { return m_taskTimeType; }
-    void setTaskTimeType(quint16 type) { m_taskTimeType = type; }
+    void setTaskTimeType(quint16 type)
+    {
+        if (m_taskTimeType != type) {
+            willChange();
+            m_taskTimeType = type;
+        }
+    }
     /// Index into the 36-colour table; 0 is the default colour.
     quint16 colour() const { return m_colour; }
-    void setColour(quint16 colour) { m_colour = colour; }
+    void setColour(quint16 colour)
+    {
+        if (m_colour != colour) {
+            willChange();
+            m_colour = colour;
+        }
+    }
     SystemTime created() const { return m_createdWhole ? m_extras->wide->created : m_created.unpack(); }
     void setCreated(const SystemTime &time);
 
@@ -45,17 +57,47 @@ public:
     /// ancestor to the root.
     void setProgress(quint16 progress) override;
     /// Stores the value without the roll-up (loading, cloning).
-    void storeProgress(quint16 progress) { m_progress = progress; }
+    void storeProgress(quint16 progress)
+    {
+        if (m_progress != progress) {
+            willChange();
+            m_progress = progress;
+        }
+    }
     quint16 statusType() const override { return m_statusType; }
-    void setStatusType(quint16 type) { m_statusType = type; }
+    void setStatusType(quint16 type)
+    {
+        if (m_statusType != type) {
+            willChange();
+            m_statusType = type;
+        }
+    }
     bool isComplete() const override { return m_progress == 100; }
 
     bool showIcon() const { return m_showIcon; }
-    void setShowIcon(bool on) { m_showIcon = on; }
+    void setShowIcon(bool on)
+    {
+        if (m_showIcon != on) {
+            willChange();
+            m_showIcon = on;
+        }
+    }
     bool autoProgress() const { return m_autoProgress; }
-    void setAutoProgress(bool on) { m_autoProgress = on; }
+    void setAutoProgress(bool on)
+    {
+        if (m_autoProgress != on) {
+            willChange();
+            m_autoProgress = on;
+        }
+    }
     bool isItalic() const { return m_italic; }
-    void setItalic(bool on) { m_italic = on; }
+    void setItalic(bool on)
+    {
+        if (m_italic != on) {
+            willChange();
+            m_italic = on;
+        }
+    }
     /// Bit 0 ShowIcon, bit 1 AutoProgress, bit 2 Italic.
     quint32 flags() const { return quint32(m_showIcon) | quint32(m_autoProgress) << 1 | quint32(m_italic) << 2; }
     void setFlags(quint32 flags);
@@ -63,7 +105,13 @@ public:
     QString category() const override;
     void setCategory(const QString &category);
     quint16 priority() const override { return m_priority; }
-    void setPriority(quint16 priority) { m_priority = priority; }
+    void setPriority(quint16 priority)
+    {
+        if (m_priority != priority) {
+            willChange();
+            m_priority = priority;
+        }
+    }
     SystemTime dueDate() const override { return m_dueWhole ? m_extras->wide->dueDate : m_dueDate.unpack(); }
     void setDueDate(const SystemTime &date);
     bool hasDueDate() const { return m_dueWhole ? m_extras->wide->dueDate.hasDate() : m_dueDate.hasDate(); }
@@ -91,6 +139,10 @@ public:
     static bool isItemLink(const QString &link) { return link.startsWith(QLatin1Char('!')); }
 
 private:
+    friend class TreeNode;
+    void copyItemFieldsTo(Item &other) const;
+    void swapItemFields(Item &other);
+
     struct WideDates {
         SystemTime created;
         SystemTime dueDate;

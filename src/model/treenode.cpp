@@ -40,6 +40,7 @@ const Item *TreeNode::asItem() const
 
 void TreeNode::setStdFlags(quint32 flags)
 {
+    willChange();
     m_ascending = flags & 2;
     setExpanded(flags & 1);
 }
@@ -47,13 +48,18 @@ void TreeNode::setStdFlags(quint32 flags)
 void TreeNode::insertChild(Item *child, int position)
 {
     const qsizetype count = m_children.size();
-    m_children.insert(position < 0 || position >= count ? count : position, child);
+    const qsizetype at = position < 0 || position >= count ? count : position;
+    m_children.insert(at, child);
     static_cast<TreeNode *>(child)->m_parent = this;
+    if (EditRecording::step) [[unlikely]]
+        EditRecording::childInserted(this, int(at), child);
 }
 
 Item *TreeNode::takeChild(int position)
 {
     Item *child = m_children[position];
+    if (EditRecording::step) [[unlikely]]
+        EditRecording::childTaking(this, position, child);
     m_children.erase(position);
     static_cast<TreeNode *>(child)->m_parent = nullptr;
     if (m_children.empty())
@@ -102,14 +108,32 @@ bool TreeNode::isAncestorOf(const TreeNode *node) const
 }
 
 
-void TreeNode::copyNodeFieldsTo(TreeNode *other) const
+void TreeNode::copyFieldsTo(TreeNode &other) const
 {
-    other->m_name = m_name;
-    other->m_image = m_image;
-    other->m_sort = m_sort;
-    other->m_extraWord = m_extraWord;
-    other->m_ascending = m_ascending;
-    other->m_expanded = false;
+    other.m_name = m_name;
+    other.m_image = m_image;
+    other.m_sort = m_sort;
+    other.m_extraWord = m_extraWord;
+    other.m_ascending = m_ascending;
+    other.m_expanded = m_expanded;
+    if (isItem() && other.isItem())
+        static_cast<const Item *>(this)->copyItemFieldsTo(static_cast<Item &>(other));
+}
+
+void TreeNode::swapFields(TreeNode &other)
+{
+    std::swap(m_name, other.m_name);
+    std::swap(m_image, other.m_image);
+    std::swap(m_sort, other.m_sort);
+    std::swap(m_extraWord, other.m_extraWord);
+    const bool ascending = m_ascending;
+    m_ascending = other.m_ascending;
+    other.m_ascending = ascending;
+    const bool expanded = m_expanded;
+    m_expanded = other.m_expanded;
+    other.m_expanded = expanded;
+    if (isItem() && other.isItem())
+        static_cast<Item *>(this)->swapItemFields(static_cast<Item &>(other));
 }
 
 void TreeNode::progressChanged()

@@ -7,7 +7,20 @@
 #include <QString>
 #include <vector>
 
+class EditStep;
 class Item;
+class TreeNode;
+
+/// The edit step that records the changes made on this thread to a document,
+/// or null (see model/editstep.h). The tree calls these before or after each
+/// change; they ignore a node outside the recorded document's tree.
+namespace EditRecording {
+inline thread_local EditStep *step = nullptr;
+void fieldsChanging(TreeNode *node);
+void childInserted(TreeNode *parent, int position, Item *child);
+void childTaking(TreeNode *parent, int position, Item *child);
+void childrenReordering(TreeNode *parent, const std::vector<Item *> &order);
+} // namespace EditRecording
 
 /// A node of the note tree. The root of a document is a plain TreeNode; every
 /// other node is an Item. A node owns its children; destroying a node destroys
@@ -38,21 +51,55 @@ public:
     const Item *asItem() const;
 
     quint16 image() const { return m_image; }
-    void setImage(quint16 image) { m_image = image; }
+    void setImage(quint16 image)
+    {
+        if (m_image != image) {
+            willChange();
+            m_image = image;
+        }
+    }
     /// Raw child order key; see ChildOrder for the operations that sort.
     quint16 sort() const { return m_sort; }
-    void setSort(quint16 sort) { m_sort = sort; }
+    void setSort(quint16 sort)
+    {
+        if (m_sort != sort) {
+            willChange();
+            m_sort = sort;
+        }
+    }
     const QString &name() const { return m_name; }
-    void setName(const QString &name) { m_name = name; }
+    void setName(const QString &name)
+    {
+        if (m_name != name) {
+            willChange();
+            m_name = name;
+        }
+    }
     /// Kept unchanged through load and save; its meaning is not ours.
     quint32 extraWord() const { return m_extraWord; }
-    void setExtraWord(quint32 word) { m_extraWord = word; }
+    void setExtraWord(quint32 word)
+    {
+        if (m_extraWord != word) {
+            willChange();
+            m_extraWord = word;
+        }
+    }
 
     bool isExpanded() const { return m_expanded; }
     /// A node is only ever expanded while it has children.
-    void setExpanded(bool expanded) { m_expanded = expanded && !m_children.empty(); }
+    void setExpanded(bool expanded)
+    {
+        willChange();
+        m_expanded = expanded && !m_children.empty();
+    }
     bool isAscending() const { return m_ascending; }
-    void setAscending(bool ascending) { m_ascending = ascending; }
+    void setAscending(bool ascending)
+    {
+        if (m_ascending != ascending) {
+            willChange();
+            m_ascending = ascending;
+        }
+    }
     /// Bit 0 Expanded, bit 1 Ascending.
     quint32 stdFlags() const { return quint32(m_expanded) | quint32(m_ascending) << 1; }
     void setStdFlags(quint32 flags);
@@ -72,7 +119,12 @@ public:
     /// Detaches the child if it is one of ours; false otherwise.
     bool removeChild(Item *child);
     /// Replaces the children by the same Items in another order.
-    void reorderChildren(const std::vector<Item *> &order) { m_children.assign(order); }
+    void reorderChildren(const std::vector<Item *> &order)
+    {
+        if (EditRecording::step) [[unlikely]]
+            EditRecording::childrenReordering(this, order);
+        m_children.assign(order);
+    }
     /// Position among the children, or the child count when absent.
     int indexOf(const TreeNode *child) const;
     /// Depth below the root: 0 for the root, 1 for its children.
@@ -100,9 +152,20 @@ public:
     template<typename Fn>
     void forEachDescendant(Fn &&fn) const;
 
+    /// Every field of the node itself, an Item's attributes included, but
+    /// its place in the tree and an Item's handle: what an edit keeps aside
+    /// and puts back. Between an Item and the root only the node's own.
+    void copyFieldsTo(TreeNode &other) const;
+    void swapFields(TreeNode &other);
+
 protected:
     TreeNode(Kind kind, const QString &name, quint16 image);
-    void copyNodeFieldsTo(TreeNode *other) const;
+    /// Called by every setter before it changes a field.
+    void willChange()
+    {
+        if (EditRecording::step) [[unlikely]]
+            EditRecording::fieldsChanging(this);
+    }
 
 private:
     // The flags share one byte, and Item's own small fields fill the rest of

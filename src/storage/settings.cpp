@@ -4,6 +4,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QtEndian>
+#include <algorithm>
 
 namespace {
 
@@ -18,6 +19,7 @@ const QString KeyExpOtherSep = QStringLiteral("ExpOtherSep");
 const QString KeyXmlEncode = QStringLiteral("XmlEncode");
 const QString KeyBranchTab = QStringLiteral("BranchTab");
 const QString KeyNoteZoom = QStringLiteral("NoteZoom");
+const QString KeyUndoLimit = QStringLiteral("UndoLimit");
 const QString KeyTextImport = QStringLiteral("TextImport");
 const QString KeyDefFile = QStringLiteral("DefFile");
 const QString KeyTemplateFile = QStringLiteral("TemplateFile");
@@ -166,6 +168,7 @@ bool Settings::load(QSettings &store)
     xmlEncode = quint16(readDword(store, KeyXmlEncode, 0));
     branchTab = quint16(readDword(store, KeyBranchTab, 1));
     noteZoom = quint16(readDword(store, KeyNoteZoom, 100));
+    undoLimit = quint16(std::clamp<quint32>(readDword(store, KeyUndoLimit, 100), 1, 1000));
     textImport = readDword(store, KeyTextImport, 0x0001032C);
 
     readString(store, KeyDefFile, &defFile);
@@ -204,6 +207,7 @@ bool Settings::save(QSettings &store) const
     store.setValue(KeyExpOtherSep, uint(expOtherSep));
     store.setValue(KeyXmlEncode, uint(xmlEncode));
     store.setValue(KeyNoteZoom, uint(noteZoom));
+    store.setValue(KeyUndoLimit, uint(undoLimit));
     store.setValue(KeyTextImport, uint(textImport));
     store.setValue(KeyBranchTab, uint(branchTab));
     if (favIcons.isEmpty())

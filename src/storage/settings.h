@@ -59,6 +59,8 @@ public:
     /// five spaces.
     quint16 branchTab = 1;
     quint16 noteZoom = 100;
+    /// How many steps each open document can undo (1 to 1000).
+    quint16 undoLimit = 100;
     quint32 textImport = 0x0001032C;
     QString defFile;
     QString templateFile = defaultTemplateFile();

@@ -466,9 +466,10 @@ void TestDocumentView::menuEnablingDefaultView()
     openMenuOn(row);
     QCOMPARE(m_prompts->lastMenuTexts,
              QStringList({"Rename", "Priority", "Change Icon...", "Colour", "Set", "-", "Apply Attributes...",
-                          "Order Children By", "Create", "-", "Move", "Copy", "Paste", "-", "Delete Item"}));
+                          "Order Children By", "Create", "-", "Move", "Copy", "Paste", "-", "Delete Item", "-",
+                          "Undo", "Redo"}));
     const auto &menu = m_prompts->lastMenu;
-    QCOMPARE(menu.size(), 20 + 36 + 5 + 9 + 3 + 7);
+    QCOMPARE(menu.size(), 20 + 36 + 5 + 9 + 3 + 7 + 2);
     for (const QString &name : enabled)
         QVERIFY2(menu.value(name).enabled, qPrintable(name));
     for (const QString &name : greyed)

@@ -142,8 +142,8 @@ void MainWindow::buildFileMenus(bool viewOpen)
         // Move and Copy mark the item for a later Paste: the outliner's cut
         // and copy.
         QMenu *edit = addMenu(QStringLiteral("&Edit"), "menuEdit",
-                              {"actionMarkMove", "actionMarkCopy", "actionPaste", "actionDeleteItem", "",
-                               "actionRename", "", "actionFindItem"});
+                              {"actionUndo", "actionRedo", "", "actionMarkMove", "actionMarkCopy", "actionPaste",
+                               "actionDeleteItem", "", "actionRename", "", "actionFindItem"});
         menuBar()->addMenu(edit);
     }
 }
@@ -250,9 +250,10 @@ void MainWindow::buildViewMenus()
     m_toolBar->clear();
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_toolBar->show();
-    for (const char *name : {"actionCloseDocument", "actionSave", "", "actionMoveUp", "actionMoveDown",
-                             "actionUpALevel", "actionDownALevel", "", "actionExpandAll", "actionCollapseAll",
-                             "actionModifyItem", "actionModifyNote", "actionLinks", "actionBranchView"}) {
+    for (const char *name :
+         {"actionCloseDocument", "actionSave", "", "actionUndo", "actionRedo", "", "actionMoveUp", "actionMoveDown",
+          "actionUpALevel", "actionDownALevel", "", "actionExpandAll", "actionCollapseAll", "actionModifyItem",
+          "actionModifyNote", "actionLinks", "actionBranchView"}) {
         if (*name)
             m_toolBar->addAction(command(QString::fromLatin1(name)));
         else

@@ -1,6 +1,8 @@
 #include "shell/commands/commandgroup.h"
 
 #include "shell/commands/commandhost.h"
+#include "shell/document/documentview.h"
+#include "shell/document/undostack.h"
 
 #include <QAction>
 
@@ -38,10 +40,26 @@ QAction *CommandGroup::add(const char *name, const QString &text, std::function<
     action->setObjectName(QString::fromLatin1(name));
     action->setCheckable(bool(checked));
     m_entries.push_back({action, enabled, checked});
-    connect(action, &QAction::triggered, this, [this, run = std::move(run), enabled = std::move(enabled)] {
-        if (!enabled || enabled())
+    connect(action, &QAction::triggered, this, [this, action, run = std::move(run), enabled = std::move(enabled)] {
+        if (!enabled || enabled()) {
+            // Whatever the command changes in the document is one undo step.
+            DocumentView *view = m_host->view();
+            const bool records = view && m_recordsSteps && !m_unrecorded.contains(action);
+            EditScope scope(records ? view->undoStack() : nullptr, stepName(action));
             run();
+        }
         m_host->updateActions();
     });
     return action;
+}
+
+QString CommandGroup::stepName(QAction *action) const
+{
+    const auto named = m_stepNames.constFind(action);
+    if (named != m_stepNames.constEnd())
+        return *named;
+    QString text = action->text().remove(QLatin1Char('&'));
+    if (text.endsWith(QLatin1String("...")))
+        text.chop(3);
+    return text;
 }

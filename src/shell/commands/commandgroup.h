@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
+#include <QSet>
 #include <QObject>
 #include <functional>
 #include <vector>
@@ -31,13 +33,26 @@ protected:
     QAction *add(const char *name, const QString &text, std::function<void()> run, Rule enabled = {},
                  Rule checked = {});
 
+    /// The name an undo shows for the command's step ("Undo Set Priority");
+    /// by default its text without the accelerator and the dots.
+    void setStepName(QAction *action, const QString &name) { m_stepNames.insert(action, name); }
+    /// The group's commands change nothing the undo follows (files, views,
+    /// finding) or run other commands that record steps of their own.
+    void setRecordsSteps(bool on) { m_recordsSteps = on; }
+    void leaveUnrecorded(QAction *action) { m_unrecorded.insert(action); }
+
     CommandHost *m_host;
 
 private:
+    QString stepName(QAction *action) const;
+
     struct Entry {
         QAction *action;
         Rule enabled;
         Rule checked;
     };
     std::vector<Entry> m_entries;
+    QHash<QAction *, QString> m_stepNames;
+    QSet<QAction *> m_unrecorded;
+    bool m_recordsSteps = true;
 };

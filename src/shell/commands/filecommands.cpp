@@ -69,6 +69,9 @@ FileCommands::FileCommands(CommandHost *host, QObject *parent) : CommandGroup(ho
     QAction *help = add("actionHelp", QStringLiteral("Help"), [this] { showHelp(); });
     help->setShortcut(QKeySequence::HelpContents);
     help->setShortcutContext(Qt::ApplicationShortcut);
+    // Opening and closing documents are no edits of the open one.
+    for (const char *name : {"actionNewDocument", "actionNewFile", "actionOpen", "actionCloseDocument", "actionExit"})
+        leaveUnrecorded(action(QString::fromLatin1(name)));
 }
 
 void FileCommands::openFile()

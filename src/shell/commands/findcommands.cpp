@@ -19,6 +19,7 @@
 FindCommands::FindCommands(CommandHost *host, TemplateCommands *templates, QObject *parent)
     : CommandGroup(host, parent), m_templates(templates)
 {
+    setRecordsSteps(false);
     add(
         "actionFindItem", QStringLiteral("Find Item..."), [this] { find(); }, [host] { return host->view(); })
         ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));

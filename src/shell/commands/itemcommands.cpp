@@ -19,6 +19,7 @@
 #include "shell/document/itemhost.h"
 #include "shell/document/itemmenu.h"
 #include "shell/document/treepane.h"
+#include "shell/document/undostack.h"
 #include "shell/widgets/calendaraccess.h"
 #include "shell/widgets/prompts.h"
 #include "shell/widgets/toolbaricons.h"
@@ -64,6 +65,7 @@ ItemCommands::ItemCommands(ItemHost *host, CommandHost *window, TemplateCommands
 {
     addItemMenuCommands();
     addViewCommands();
+    addUndoCommands();
     TreePane *tree = host->treePane();
     connect(tree, &TreePane::contextMenuRequested, this, &ItemCommands::showItemMenu);
     connect(tree, &TreePane::deleteRequested, this, [this] { action(QStringLiteral("actionDeleteItem"))->trigger(); });
@@ -178,6 +180,7 @@ void ItemCommands::addItemMenuCommands()
             QStringLiteral("actionPriority%1").arg(p).toLatin1().constData(), QString::number(p),
             [this, p](Item *item) { setPriority(item, quint16(p)); },
             [p](const Item *item) { return item->priority() == p; });
+        setStepName(actions().last(), QStringLiteral("Set Priority"));
     }
     onItem("actionChangeIcon", QStringLiteral("Change Icon..."), [this](Item *item) { changeIcon(item); });
     const QColor text = m_list->hostWidget()->palette().color(QPalette::Text);
@@ -190,6 +193,7 @@ void ItemCommands::addItemMenuCommands()
             },
             [c](const Item *item) { return item->colour() == c; });
         QAction *colour = actions().last();
+        setStepName(colour, QStringLiteral("Set Colour"));
         colour->setIcon(swatch(c, text));
         colour->setToolTip(c == 0 ? QStringLiteral("Default colour") : QStringLiteral("Colour %1").arg(c));
     }
@@ -232,6 +236,7 @@ void ItemCommands::addItemMenuCommands()
         add(
             OrderNames[k], QString::fromLatin1(OrderTexts[k]), [this, k] { orderChildren(quint16(k)); },
             [this] { return orderEnabled() && !headingOrder(); }, [this, k] { return orderKey() == k; });
+        setStepName(actions().last(), QStringLiteral("Order by ") + QString::fromLatin1(OrderTexts[k]));
     }
     add(
         "actionOrderManual", QStringLiteral("[Manual Order]"), [this] { orderChildren(TreeNode::SortManual); },
@@ -246,6 +251,7 @@ void ItemCommands::addItemMenuCommands()
         [this, directionMarked] { return directionMarked() && !orderAscending(); });
 
     onItem("actionCreateCopy", QStringLiteral("Copy"), [this](Item *item) { createCopy(item); });
+    setStepName(actions().last(), QStringLiteral("Create Copy"));
     onItem("actionCreateTask", QStringLiteral("Task..."),
            [this](Item *item) { createInCalendar(item, CalendarObject::Task); });
     onItem("actionCreateAppointment", QStringLiteral("Appointment..."),
@@ -285,10 +291,13 @@ void ItemCommands::addViewCommands()
     add(
         "actionLinks", QStringLiteral("Links"), [this] { editItem(ItemPropertiesDialog::LinkPage); }, mainItem)
         ->setIcon(ToolbarIcons::links());
+    setStepName(actions().last(), QStringLiteral("Edit Links"));
     add(
         "actionBranchView", QStringLiteral("Branch View"), [this] { branchView(); },
         [this] { return inMainView() && currentItem() && m_list->document()->viewMode == Document::DefaultView; })
         ->setIcon(ToolbarIcons::branchView());
+    // Each command of the branch view is a step of its own.
+    leaveUnrecorded(actions().last());
 
     const QStyle *s = m_list->hostWidget()->style();
     const struct {
@@ -308,6 +317,46 @@ void ItemCommands::addViewCommands()
             [this, move] { return inMainView() && Editing::canMove(*m_list->document(), currentItem(), move); })
             ->setIcon(themeIcon(m.icon, m.fallback, s));
     }
+}
+
+void ItemCommands::addUndoCommands()
+{
+    UndoStack *stack = m_list->undoStack();
+    const QStyle *s = m_list->hostWidget()->style();
+    QAction *undo = add(
+        "actionUndo", QStringLiteral("Undo"), [this] { undoOrRedo(true); },
+        [stack] { return stack && stack->canUndo(); });
+    undo->setShortcut(QKeySequence::Undo);
+    undo->setIcon(themeIcon("edit-undo", QStyle::SP_ArrowBack, s));
+    QAction *redo = add(
+        "actionRedo", QStringLiteral("Redo"), [this] { undoOrRedo(false); },
+        [stack] { return stack && stack->canRedo(); });
+    redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
+    redo->setIcon(themeIcon("edit-redo", QStyle::SP_ArrowForward, s));
+    for (QAction *action : {undo, redo}) {
+        leaveUnrecorded(action);
+        action->setIconText(action->text());
+    }
+    if (!stack)
+        return;
+    // "Undo Delete Item": the texts name the step they take back or do again.
+    connect(stack, &QUndoStack::undoTextChanged, undo, [undo](const QString &step) {
+        undo->setText(step.isEmpty() ? QStringLiteral("Undo") : QStringLiteral("Undo ") + step);
+    });
+    connect(stack, &QUndoStack::redoTextChanged, redo, [redo](const QString &step) {
+        redo->setText(step.isEmpty() ? QStringLiteral("Redo") : QStringLiteral("Redo ") + step);
+    });
+    connect(stack, &QUndoStack::indexChanged, this, [this] { m_host->updateActions(); });
+}
+
+void ItemCommands::undoOrRedo(bool undo)
+{
+    // A note being typed is stored first, as a step of its own: the undo
+    // takes that back first.
+    m_list->commitEdits();
+    WaitCursor wait;
+    UndoStack *stack = m_list->undoStack();
+    undo ? stack->undo() : stack->redo();
 }
 
 // ---- the item menu
@@ -502,7 +551,8 @@ void ItemCommands::branchView()
     branch.setAfterChange(mainListFollows);
     branch.setMainList(m_list);
     auto *commands = new ItemCommands(&branch, m_host, m_templates, &branch);
-    branch.addToolBarAction(commands->action(QStringLiteral("actionModifyItem")));
+    for (const char *name : {"actionModifyItem", "actionUndo", "actionRedo"})
+        branch.addToolBarAction(commands->action(QString::fromLatin1(name)));
     m_host->prompts()->runDialog(&branch);
     mainListFollows();
 }

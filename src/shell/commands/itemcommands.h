@@ -40,6 +40,8 @@ private:
 
     void addItemMenuCommands();
     void addViewCommands();
+    void addUndoCommands();
+    void undoOrRedo(bool undo);
     void onItem(const char *name, const QString &text, std::function<void(Item *)> run,
                 std::function<bool(const Item *)> checked = {});
     void setPriority(Item *item, quint16 priority);

@@ -16,6 +16,7 @@ ReminderCommands::ReminderCommands(DocumentView *view, CommandHost *host)
                                                                                   *host->prompts(), host->frame()))
 {
     ReminderController *reminders = m_controller.get();
+    reminders->setUndoStack(view->undoStack());
     add("actionDismissReminders", QStringLiteral("Dismiss All"), [reminders] { reminders->dismissAll(); });
     add("actionViewReminders", QStringLiteral("View Reminders..."), [reminders] {
         reminders->viewReminders();

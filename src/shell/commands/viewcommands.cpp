@@ -11,6 +11,8 @@
 
 ViewCommands::ViewCommands(CommandHost *host, QObject *parent) : CommandGroup(host, parent)
 {
+    // How the document is shown is not undone.
+    setRecordsSteps(false);
     auto open = [host] { return host->view() != nullptr; };
     auto document = [host] { return host->view()->document(); };
 

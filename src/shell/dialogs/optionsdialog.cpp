@@ -18,6 +18,7 @@
 #include <QDialogButtonBox>
 #include <QFileInfo>
 #include <QFormLayout>
+#include <QSpinBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -141,6 +142,12 @@ QWidget *OptionsDialog::buildGeneral()
         m_noteZoom->addItem(QStringLiteral("%1%").arg(zoom), zoom);
     selectData(m_noteZoom, int(m_settings.noteZoom), QStringLiteral("%1%").arg(m_settings.noteZoom));
     form->addRow(QStringLiteral("Note window &zoom:"), m_noteZoom);
+    m_undoLimit = new QSpinBox(w);
+    m_undoLimit->setObjectName(QStringLiteral("undoLimit"));
+    m_undoLimit->setRange(1, 1000);
+    m_undoLimit->setValue(m_settings.undoLimit);
+    m_undoLimit->setToolTip(QStringLiteral("Takes effect for the documents opened next"));
+    form->addRow(QStringLiteral("&Undo steps per document:"), m_undoLimit);
     m_sound = combo("sound", w);
     for (const char *sound : {"(None)", "Alarm1", "Alarm2", "Alarm3", "Alarm4", "Alarm5"})
         m_sound->addItem(QString::fromLatin1(sound), QString::fromLatin1(sound));
@@ -364,6 +371,7 @@ Settings OptionsDialog::settings() const
     s.setFlag(Settings::CompactMode, m_listStyle->currentIndex() == 1);
     s.prgColour = quint16(m_progressColour->colour());
     s.noteZoom = quint16(m_noteZoom->currentData().toInt());
+    s.undoLimit = quint16(m_undoLimit->value());
     s.sound = m_sound->currentData().toString();
     s.templateFile = m_templateFile->text();
     s.branchTab = quint16(m_branchTab->currentIndex());

@@ -12,6 +12,7 @@ class QComboBox;
 class QLineEdit;
 class QLabel;
 class QListWidget;
+class QSpinBox;
 class QTabWidget;
 
 /// "Options...": the application-wide settings on six pages, "Display",
@@ -52,6 +53,7 @@ private:
     QComboBox *m_listStyle = nullptr;
     ColourCombo *m_progressColour = nullptr;
     QComboBox *m_noteZoom = nullptr;
+    QSpinBox *m_undoLimit = nullptr;
     QComboBox *m_sound = nullptr;
     QLineEdit *m_templateFile = nullptr;
     QComboBox *m_branchTab = nullptr;

@@ -7,6 +7,7 @@
 #include "rows/rowpainter.h"
 #include "shell/document/itemactions.h"
 #include "shell/document/treepane.h"
+#include "shell/document/undostack.h"
 #include "shell/widgets/prompts.h"
 #include "shell/widgets/waitcursor.h"
 #include "storage/settings.h"
@@ -53,6 +54,7 @@ BranchView::BranchView(Document *document, Item *top, const Settings *settings, 
         // Nothing leaves the branch by a drop, and the top stays on top.
         Item *branchTop = this->top();
         const bool inBranch = branchTop && (target == branchTop || branchTop->isAncestorOf(target));
+        EditScope scope(undoStack(), QStringLiteral("Drag and Drop"));
         if (!inBranch || !Editing::drop(dragged, target)) {
             m_tree->viewport()->update();
             return;
@@ -60,6 +62,7 @@ BranchView::BranchView(Document *document, Item *top, const Settings *settings, 
         changed(dragged);
     });
     connect(m_tree, &TreePane::renameCommitted, this, [this](TreeNode *node, const QString &name) {
+        EditScope scope(undoStack(), QStringLiteral("Rename"));
         node->setName(name);
         if (TreeNode *parent = node->parent(); parent && parent->sort() == TreeNode::SortName)
             ChildOrder::sortAgain(parent);
@@ -73,6 +76,18 @@ BranchView::~BranchView() = default;
 Item *BranchView::top() const
 {
     return m_document->liveItem(m_topHandle);
+}
+
+void BranchView::setMainList(ItemHost *main)
+{
+    m_main = main;
+    if (UndoStack *stack = undoStack()) {
+        connect(stack, &UndoStack::stepApplied, this, [this](TreeNode *focus) {
+            if (m_clip.item() && m_clip.item()->topNode() != m_document->root())
+                m_clip.clear();
+            changed(focus);
+        });
+    }
 }
 
 void BranchView::addToolBarAction(QAction *action)
@@ -117,5 +132,7 @@ void BranchView::onStatusTapped(Item *item, const QPoint &globalPos)
         }
         changed(item);
     };
+    EditScope scope(undoStack(),
+                    item->statusType() == Item::ProgressBar ? QStringLiteral("Progress") : QStringLiteral("Check Box"));
     ItemActions::tapStatus(item, globalPos, m_prompts, this, afterProgress);
 }

@@ -33,7 +33,7 @@ public:
 
     void setAfterChange(std::function<void()> afterChange) { m_afterChange = std::move(afterChange); }
     /// The main list, told of the edits made here.
-    void setMainList(ItemHost *main) { m_main = main; }
+    void setMainList(ItemHost *main);
     void edited(Edit edit, Item *item) override
     {
         if (m_main)
@@ -46,6 +46,7 @@ public:
     TreePane *treePane() const override { return m_tree; }
     ViewRows *rows() const override { return m_rows.get(); }
     ItemClip &clip() override { return m_clip; }
+    UndoStack *undoStack() const override { return m_main ? m_main->undoStack() : nullptr; }
     QWidget *hostWidget() override { return this; }
     bool isBranchView() const override { return true; }
     void commitEdits() override {}

@@ -9,6 +9,7 @@
 #include "shell/document/itemactions.h"
 #include "shell/document/quickentrybar.h"
 #include "shell/document/treepane.h"
+#include "shell/document/undostack.h"
 #include "shell/widgets/prompts.h"
 #include "shell/widgets/waitcursor.h"
 #include "storage/documentfile.h"
@@ -55,6 +56,10 @@ DocumentView::DocumentView(std::unique_ptr<Document> document, Settings *setting
     // The root is open: a document shows at least its top level.
     m_document->root()->setExpanded(true);
     m_rows = std::make_unique<ViewRows>(*m_document);
+    m_undo = std::make_unique<UndoStack>(m_document.get(), m_settings ? m_settings->undoLimit : 100, nullptr);
+    m_undo->setPendingEdits([this] { storeNote(); });
+    connect(m_undo.get(), &UndoStack::stepApplied, this, &DocumentView::afterStep);
+    connect(m_undo.get(), &QUndoStack::indexChanged, this, &DocumentView::markChanged);
     applyRowStyle();
     m_tree->setRows(m_rows.get());
 
@@ -168,6 +173,7 @@ void DocumentView::onCurrentChanged(TreeNode *node)
 void DocumentView::storeNote()
 {
     if (m_noteItem && m_notes->isModified()) {
+        EditScope scope(m_undo.get(), QStringLiteral("Edit Note"));
         m_noteItem->setNote(m_notes->noteBytes());
         m_notes->setModified(false);
     }
@@ -297,6 +303,8 @@ void DocumentView::collapseAll()
 
 void DocumentView::onStatusTapped(Item *item, const QPoint &globalPos)
 {
+    EditScope scope(m_undo.get(),
+                    item->statusType() == Item::ProgressBar ? QStringLiteral("Progress") : QStringLiteral("Check Box"));
     ItemActions::tapStatus(item, globalPos, m_prompts, this, [this, item] { afterProgressChange(item); });
 }
 
@@ -323,6 +331,7 @@ void DocumentView::afterProgressChange(Item *item)
 
 void DocumentView::onDrop(Item *dragged, TreeNode *target)
 {
+    EditScope scope(m_undo.get(), QStringLiteral("Drag and Drop"));
     if (m_rows->isGrouped() || !Editing::drop(dragged, target)) {
         m_tree->viewport()->update();
         return;
@@ -332,6 +341,7 @@ void DocumentView::onDrop(Item *dragged, TreeNode *target)
 
 void DocumentView::onRename(TreeNode *node, const QString &name)
 {
+    EditScope scope(m_undo.get(), QStringLiteral("Rename"));
     node->setName(name);
     // A parent ordered by name keeps its order after a rename.
     if (TreeNode *parent = node->parent(); parent && parent->sort() == TreeNode::SortName)
@@ -341,9 +351,22 @@ void DocumentView::onRename(TreeNode *node, const QString &name)
 
 void DocumentView::onQuickAdd(const QString &text, quint16 icon, bool italic, bool child)
 {
+    EditScope scope(m_undo.get(), QStringLiteral("Quick Entry"));
     TreeNode *current = currentNode();
     Item *item = Editing::quickEntryItem(text, icon, italic, current);
     insertNewItem(item, Editing::quickEntryPosition(current, child));
+}
+
+void DocumentView::afterStep(TreeNode *focus)
+{
+    // Whatever pointed at an item the step took out of the tree lets go.
+    if (m_clip.item() && m_clip.item()->topNode() != m_document->root())
+        m_clip.clear();
+    m_noteItem = nullptr;
+    refresh(focus);
+    loadNote(currentNode());
+    // The reminders read the document again.
+    Q_EMIT itemsEdited(Edit::ItemsAdded, nullptr);
 }
 
 void DocumentView::insertNewItem(Item *item, InsertPosition position)

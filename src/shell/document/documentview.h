@@ -15,6 +15,7 @@ class QSplitter;
 class QuickEntryBar;
 class Settings;
 class TreePane;
+class UndoStack;
 class ViewRows;
 
 /// The view of the open document: the tree pane, the note pane below or
@@ -31,6 +32,7 @@ public:
     TreePane *treePane() const override { return m_tree; }
     ViewRows *rows() const override { return m_rows.get(); }
     ItemClip &clip() override { return m_clip; }
+    UndoStack *undoStack() const override { return m_undo.get(); }
     QWidget *hostWidget() override { return this; }
     bool isBranchView() const override { return false; }
     void changed(TreeNode *select) override { refresh(select); }
@@ -105,6 +107,7 @@ private:
     void onDrop(Item *dragged, TreeNode *target);
     void onRename(TreeNode *node, const QString &name);
     void onQuickAdd(const QString &text, quint16 icon, bool italic, bool child);
+    void afterStep(TreeNode *focus);
     Item *currentItem() const;
     TreeNode *currentNode() const;
 
@@ -112,6 +115,8 @@ private:
     Settings *m_settings;
     Prompts *m_prompts;
     std::unique_ptr<ViewRows> m_rows;
+    // Goes before the document: its steps hold items taken out of the tree.
+    std::unique_ptr<UndoStack> m_undo;
     ItemClip m_clip;
     TreePane *m_tree = nullptr;
     NotePane *m_notes = nullptr;

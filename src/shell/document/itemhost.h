@@ -6,6 +6,7 @@ class ItemClip;
 class QWidget;
 class TreeNode;
 class TreePane;
+class UndoStack;
 class ViewRows;
 
 /// What the item commands work on: a tree pane over the rows of one
@@ -19,6 +20,8 @@ public:
     virtual ViewRows *rows() const = 0;
     /// The Move and Copy mark of this list.
     virtual ItemClip &clip() = 0;
+    /// The undo stack of the document, shared by every list of it.
+    virtual UndoStack *undoStack() const = 0;
     virtual QWidget *hostWidget() = 0;
     /// A branch view offers the item commands that stay inside the branch.
     virtual bool isBranchView() const = 0;

@@ -127,6 +127,9 @@ QMenu *ItemMenu::build(QWidget *parent, const CommandLookup &command)
     entry(menu, "actionPaste");
     menu->addSeparator();
     entry(menu, "actionDeleteItem");
+    menu->addSeparator();
+    entry(menu, "actionUndo");
+    entry(menu, "actionRedo");
     return menu;
 }
 

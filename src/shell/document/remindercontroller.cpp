@@ -7,6 +7,7 @@
 #include "reminders/wakealarm.h"
 #include "rows/colourtable.h"
 #include "shell/dialogs/viewremindersdialog.h"
+#include "shell/document/undostack.h"
 #include "shell/widgets/desktopnotification.h"
 #include "shell/widgets/prompts.h"
 #include "shell/widgets/reminderbubble.h"
@@ -56,6 +57,7 @@ void ReminderController::itemsRemoved()
 
 void ReminderController::dismissAll()
 {
+    EditScope scope(m_undo, QStringLiteral("Dismiss All"));
     m_service->dismissAll();
     removeBubble();
 }

@@ -13,6 +13,7 @@ class ReminderBubble;
 class ReminderService;
 class ReminderSound;
 class Settings;
+class UndoStack;
 class WakeAlarm;
 
 /// The reminders of one open document in the desktop: made with the document
@@ -45,6 +46,9 @@ public:
     void itemsAdded(Item *top);
     /// Items were deleted (call after the deletion).
     void itemsRemoved();
+    /// Where the dismissals made from the bubble and the notification are
+    /// recorded, so an undo follows them.
+    void setUndoStack(UndoStack *stack) { m_undo = stack; }
     /// Command 1990: ends every shown reminder and takes the bubble away.
     void dismissAll();
     /// Command 1991: the list of reminders over the window.
@@ -72,6 +76,7 @@ private:
     const Settings &m_settings;
     Prompts &m_prompts;
     QWidget *m_window;
+    UndoStack *m_undo = nullptr;
     std::unique_ptr<ReminderService> m_service;
     std::unique_ptr<DesktopNotification> m_notification;
     std::unique_ptr<ReminderSound> m_sound;
