@@ -1,6 +1,8 @@
 #include "model/document.h"
+#include "model/editing.h"
 #include "shell/document/documentview.h"
 #include "shell/document/treepane.h"
+#include "shell/document/undostack.h"
 #include "storage/documentfile.h"
 #include "storage/settings.h"
 #include "support/scriptedprompts.h"
@@ -161,6 +163,37 @@ void tapCheckBox(benchmark::State &state)
     }
 }
 BENCHMARK(tapCheckBox)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+// The largest top-level branch deleted as the command does it, the rows
+// rebuilt, then the delete undone and the rows rebuilt again.
+void deleteBranchAndUndo(benchmark::State &state)
+{
+    Fixture &f = fixture();
+    auto view = f.open();
+    Document *doc = view->document();
+    Item *largest = nullptr;
+    int largestSize = 0;
+    for (Item *top : doc->root()->children()) {
+        int size = 1;
+        top->forEachDescendant([&size](Item *) { ++size; });
+        if (size > largestSize) {
+            largest = top;
+            largestSize = size;
+        }
+    }
+    for (auto _ : state) {
+        {
+            EditScope scope(view->undoStack(), QStringLiteral("Delete Item"));
+            view->forgetBranch(largest);
+            view->changed(Editing::deleteItem(*doc, largest, &view->clip()));
+        }
+        paint(view.get());
+        view->undoStack()->undo();
+        paint(view.get());
+    }
+    state.counters["branch items"] = largestSize;
+}
+BENCHMARK(deleteBranchAndUndo)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 // A chain one million levels deep: opened, every level expanded, the deepest
 // rows shown, and closed, without recursion anywhere on the way.
