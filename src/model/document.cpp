@@ -3,6 +3,7 @@
 #include "platform/collation.h"
 
 #include "model/item.h"
+#include "model/lastingtext.h"
 #include "model/treewalker.h"
 
 #include <thread>
@@ -18,6 +19,7 @@ bool g_freeInBackground = false;
 void Document::keepTreesUntilExit()
 {
     g_keepTrees = true;
+    LastingText::enable();
 }
 
 void Document::freeTreesInBackground()

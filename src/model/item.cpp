@@ -74,9 +74,21 @@ Item::Extras &Item::extras()
     return *m_extras;
 }
 
+Item::Rare &Item::rare()
+{
+    Extras &e = extras();
+    if (!e.rare)
+        e.rare = std::make_unique<Rare>();
+    return *e.rare;
+}
+
 void Item::dropEmptyExtras()
 {
-    if (m_extras && m_extras->isEmpty())
+    if (!m_extras)
+        return;
+    if (m_extras->rare && m_extras->rare->isEmpty())
+        m_extras->rare.reset();
+    if (m_extras->note.isEmpty() && !m_extras->rare)
         m_extras.reset();
 }
 
@@ -94,9 +106,14 @@ void Item::setCategory(const QString &category)
     }
 }
 
-Item::Extras::Extras(const Extras &other)
-    : taskTime(other.taskTime), links(other.links), note(other.note), reminderTime(other.reminderTime),
+Item::Rare::Rare(const Rare &other)
+    : taskTime(other.taskTime), links(other.links), reminderTime(other.reminderTime),
       wide(other.wide ? std::make_unique<WideDates>(*other.wide) : nullptr)
+{
+}
+
+Item::Extras::Extras(const Extras &other)
+    : note(other.note), rare(other.rare ? std::make_unique<Rare>(*other.rare) : nullptr)
 {
 }
 
@@ -120,39 +137,41 @@ void Item::setDueDate(const SystemTime &date)
 void Item::storeWide(SystemTime WideDates::*field, const SystemTime &time)
 {
     if (!time.isZero()) {
-        Extras &e = extras();
-        if (!e.wide)
-            e.wide = std::make_unique<WideDates>();
-        e.wide.get()->*field = time;
-    } else if (m_extras && m_extras->wide) {
-        m_extras->wide.get()->*field = {};
-        if (m_extras->wide->created.isZero() && m_extras->wide->dueDate.isZero())
-            m_extras->wide.reset();
+        Rare &r = rare();
+        if (!r.wide)
+            r.wide = std::make_unique<WideDates>();
+        r.wide.get()->*field = time;
+    } else if (const Rare *r = rareOrNull(); r && r->wide) {
+        r->wide.get()->*field = {};
+        if (r->wide->created.isZero() && r->wide->dueDate.isZero())
+            m_extras->rare->wide.reset();
         dropEmptyExtras();
     }
 }
 
 QString Item::taskTime() const
 {
-    return m_extras ? m_extras->taskTime : QString();
+    const Rare *r = rareOrNull();
+    return r ? r->taskTime : QString();
 }
 
 void Item::setTaskTime(const QString &text)
 {
     willChange();
-    extras().taskTime = text.left(7);
+    rare().taskTime = text.left(7);
     dropEmptyExtras();
 }
 
 QStringList Item::links() const
 {
-    return m_extras ? m_extras->links : QStringList();
+    const Rare *r = rareOrNull();
+    return r ? r->links : QStringList();
 }
 
 void Item::setLinks(const QStringList &links)
 {
     willChange();
-    extras().links = links;
+    rare().links = links;
     dropEmptyExtras();
 }
 
@@ -175,13 +194,14 @@ void Item::setNote(const QByteArray &note)
 
 SystemTime Item::reminderTime() const
 {
-    return m_extras ? m_extras->reminderTime : SystemTime();
+    const Rare *r = rareOrNull();
+    return r ? r->reminderTime : SystemTime();
 }
 
 void Item::setReminderTime(const SystemTime &time)
 {
     willChange();
-    extras().reminderTime = time;
+    rare().reminderTime = time;
     dropEmptyExtras();
 }
 

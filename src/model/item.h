@@ -41,7 +41,7 @@ public:
             m_colour = colour;
         }
     }
-    SystemTime created() const { return m_createdWhole ? m_extras->wide->created : m_created.unpack(); }
+    SystemTime created() const { return m_createdWhole ? m_extras->rare->wide->created : m_created.unpack(); }
     void setCreated(const SystemTime &time);
 
     QStringList links() const;
@@ -112,9 +112,9 @@ public:
             m_priority = priority;
         }
     }
-    SystemTime dueDate() const override { return m_dueWhole ? m_extras->wide->dueDate : m_dueDate.unpack(); }
+    SystemTime dueDate() const override { return m_dueWhole ? m_extras->rare->wide->dueDate : m_dueDate.unpack(); }
     void setDueDate(const SystemTime &date);
-    bool hasDueDate() const { return m_dueWhole ? m_extras->wide->dueDate.hasDate() : m_dueDate.hasDate(); }
+    bool hasDueDate() const { return m_dueWhole ? m_extras->rare->wide->dueDate.hasDate() : m_dueDate.hasDate(); }
     SystemTime reminderTime() const;
     void setReminderTime(const SystemTime &time);
 
@@ -147,22 +147,27 @@ private:
         SystemTime created;
         SystemTime dueDate;
     };
-    // What most items lack lives apart, to keep a million items small.
-    struct Extras {
-        Extras() = default;
-        Extras(const Extras &other);
+    // What most items lack lives apart, to keep a million items small; of
+    // that, a note is common and the rest rare, one step further away.
+    struct Rare {
+        Rare() = default;
+        Rare(const Rare &other);
         QString taskTime;
         QStringList links;
-        QByteArray note;
         SystemTime reminderTime;
         // The dates whose fields are too wide to pack (m_createdWhole, m_dueWhole).
         std::unique_ptr<WideDates> wide;
-        bool isEmpty() const
-        {
-            return taskTime.isEmpty() && links.isEmpty() && note.isEmpty() && reminderTime.isZero() && !wide;
-        }
+        bool isEmpty() const { return taskTime.isEmpty() && links.isEmpty() && reminderTime.isZero() && !wide; }
+    };
+    struct Extras {
+        Extras() = default;
+        Extras(const Extras &other);
+        QByteArray note;
+        std::unique_ptr<Rare> rare;
     };
     Extras &extras();
+    Rare &rare();
+    const Rare *rareOrNull() const { return m_extras ? m_extras->rare.get() : nullptr; }
     void dropEmptyExtras();
     /// Keeps a date too wide to pack, or lets go of it (a zero time).
     void storeWide(SystemTime WideDates::*field, const SystemTime &time);

@@ -1,5 +1,7 @@
 #include "storage/bytereader.h"
 
+#include "model/lastingtext.h"
+
 #include <QFile>
 #include <QtEndian>
 
@@ -65,13 +67,7 @@ QString ByteReader::units16(quint32 units)
 {
     if (!need(qint64(units) * 2))
         return QString();
-    QString text(qsizetype(units), Qt::Uninitialized);
-    // memcpy, not a cast: the units need not be aligned in the file.
-    std::memcpy(text.data(), m_pos, size_t(units) * 2);
-#if Q_BYTE_ORDER == Q_BIG_ENDIAN
-    for (QChar &c : text)
-        c = QChar(qFromLittleEndian(c.unicode()));
-#endif
+    QString text = LastingText::copy(m_pos, qsizetype(units));
     m_pos += qint64(units) * 2;
     return text;
 }
@@ -93,7 +89,7 @@ QByteArray ByteReader::block(qint64 size)
     }
     if (!need(size))
         return QByteArray();
-    QByteArray bytes(reinterpret_cast<const char *>(m_pos), qsizetype(size));
+    QByteArray bytes = LastingText::copyBytes(m_pos, qsizetype(size));
     m_pos += size;
     return bytes;
 }

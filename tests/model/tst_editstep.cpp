@@ -116,6 +116,7 @@ private Q_SLOTS:
     void deletedBranchComesBackWhole();
     void keepsOnlyWhatChanged();
     void ignoresNodesOutsideTheDocument();
+    void freesWhatOnlyItHolds();
 };
 
 void TestEditStep::undoAndRedoGiveBackTheSavedBytes()
@@ -222,6 +223,20 @@ void TestEditStep::keepsOnlyWhatChanged()
     QCOMPARE(doc.root()->child(0)->priority(), quint16(7));
     QCOMPARE(doc.categories, QStringList{QStringLiteral("New")});
 
+    QCOMPARE(step.focus(), doc.root()->child(0));
+
+    // Every field is kept aside, those no command of ours sets included.
+    EditStep rare(doc);
+    {
+        EditStep::Recording recording(rare);
+        doc.root()->child(2)->setExtraWord(7);
+        doc.root()->child(3)->setTaskTimeType(2);
+    }
+    QVERIFY(rare.finish());
+    rare.undo();
+    QCOMPARE(doc.root()->child(2)->extraWord(), 0u);
+    QCOMPARE(doc.root()->child(3)->taskTimeType(), quint16(0));
+
     // Setting a value a node already has is no change at all.
     EditStep same(doc);
     {
@@ -260,6 +275,62 @@ void TestEditStep::ignoresNodesOutsideTheDocument()
     QVERIFY(!doc.root()->hasChildren());
     step.redo();
     QCOMPARE(doc.root()->child(0)->child(0)->priority(), quint16(3));
+}
+
+void TestEditStep::freesWhatOnlyItHolds()
+{
+    // A destroyed Item leaves the handle registry: that tells whether a step
+    // freed it.
+    Document doc;
+    auto *deleted = new Item(QStringLiteral("deleted"));
+    doc.root()->appendChild(deleted);
+    const quint32 deletedHandle = deleted->handle();
+    {
+        EditStep remove(doc);
+        {
+            EditStep::Recording recording(remove);
+            Editing::deleteItem(doc, deleted, nullptr);
+        }
+        QVERIFY(remove.finish());
+        QVERIFY(Item::fromHandle(deletedHandle));
+    }
+    QVERIFY(!Item::fromHandle(deletedHandle));
+
+    auto *added = new Item(QStringLiteral("added"));
+    const quint32 addedHandle = added->handle();
+    {
+        EditStep insert(doc);
+        {
+            EditStep::Recording recording(insert);
+            doc.root()->appendChild(added);
+        }
+        QVERIFY(insert.finish());
+        insert.undo();
+        QVERIFY(!insert.isDone());
+    }
+    QVERIFY(!Item::fromHandle(addedHandle));
+
+    // Done, an inserted item is the document's, and an undone delete's item
+    // is back in it: the steps leave them.
+    auto *stays = new Item(QStringLiteral("stays"));
+    const quint32 staysHandle = stays->handle();
+    {
+        EditStep insert(doc);
+        {
+            EditStep::Recording recording(insert);
+            doc.root()->appendChild(stays);
+        }
+        QVERIFY(insert.finish());
+        EditStep remove(doc);
+        {
+            EditStep::Recording recording(remove);
+            Editing::deleteItem(doc, stays, nullptr);
+        }
+        QVERIFY(remove.finish());
+        remove.undo();
+    }
+    QCOMPARE(Item::fromHandle(staysHandle), stays);
+    QCOMPARE(doc.root()->child(0), stays);
 }
 
 QTEST_GUILESS_MAIN(TestEditStep)
