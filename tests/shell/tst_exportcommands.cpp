@@ -259,7 +259,7 @@ void TestExportCommands::itemsExport_data()
     QTest::addColumn<QString>("selected");
     QTest::addColumn<QStringList>("picked");
     QTest::addColumn<bool>("deleteAfter");
-    QTest::addColumn<QString>("written");   // the new file's items
+    QTest::addColumn<QString>("written");   // the new file's items; empty: no file
     QTest::addColumn<QString>("rootName");  // the new file's root
     QTest::addColumn<QString>("remaining"); // the open document afterwards
     QTest::addColumn<QString>("message");
@@ -276,6 +276,9 @@ void TestExportCommands::itemsExport_data()
     QTest::newRow("picked items") << 3 << QString() << QStringList{QStringLiteral("Socks"), QStringLiteral("Map")}
                                   << false << QStringLiteral("Socks Map") << QStringLiteral("Trip") << all
                                   << QStringLiteral("2 item(s) exported.");
+    QTest::newRow("nothing picked") << 3 << QString() << QStringList() << true << QString() << QString() << all
+                                    << QStringLiteral("There are no items that matched the export criteria. No file "
+                                                      "is created.");
 }
 
 void TestExportCommands::itemsExport()
@@ -323,6 +326,10 @@ void TestExportCommands::itemsExport()
     QCOMPARE(f.shownTexts(), QStringList{message});
     QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
     QCOMPARE(outline(f.document()->root()), remaining);
+    if (written.isEmpty()) {
+        QVERIFY(!QFile::exists(path));
+        return;
+    }
     Document exported;
     QCOMPARE(DocumentFile::load(path, &exported), DocumentFile::Loaded);
     QCOMPARE(exported.root()->name(), rootName);

@@ -65,8 +65,8 @@ private Q_SLOTS:
 
 void TestFileCommands::importFile_data()
 {
-    // Which files load is the file format's rule; one refusal proves the message reaches the user.
-    QTest::addColumn<QString>("file"); // "protected" or "old version"
+    // Which files load is the file format's rule; the messages of the refusals are checked only here.
+    QTest::addColumn<QString>("file"); // "protected", "old version" or "damaged"
     QTest::addColumn<QStringList>("passwords");
     QTest::addColumn<QStringList>("gardenChildren");
     QTest::addColumn<QStringList>("messages");
@@ -79,6 +79,8 @@ void TestFileCommands::importFile_data()
         << QStringLiteral("old version") << QStringList() << QStringList()
         << QStringList{QStringLiteral("Only Quillbox files from the current version can be imported. Please open the "
                                       "file and save it and then try import again.")};
+    QTest::newRow("damaged") << QStringLiteral("damaged") << QStringList() << QStringList()
+                             << QStringList{QStringLiteral("Unable to load file. The file may be corrupted.")};
 }
 
 void TestFileCommands::importFile()
@@ -91,10 +93,13 @@ void TestFileCommands::importFile()
     QVERIFY(f.open(sample()));
     const QString path = f.dir.filePath(QStringLiteral("import.qbx"));
     QVERIFY(!writeImport(path, file == QLatin1String("protected") ? QStringLiteral("key") : QString()).isEmpty());
-    if (file == QLatin1String("old version")) {
+    if (file != QLatin1String("protected")) {
         QFile patch(path);
         QVERIFY(patch.open(QIODevice::ReadWrite));
-        patch.write(QByteArray("\x26\x02\x00\x00", 4)); // 550
+        if (file == QLatin1String("old version"))
+            patch.write(QByteArray("\x26\x02\x00\x00", 4)); // 550
+        else
+            patch.resize(patch.size() - 3);
     }
     Item *garden = f.at({1});
     f.select(garden);
@@ -250,6 +255,9 @@ void TestFileCommands::importTextMakesANewDocument_data()
         << QByteArray("Groceries\r\nFruit\r\n") << false << QList<bool>() << QString()
         << QStringList{QStringLiteral("The format of the import text file is invalid. Please correct the file and try "
                                       "again. (line 2)\n\n%2")};
+    QTest::newRow("unreadable") << QByteArray("\xff\xfe\x00\x00", 4) << false << QList<bool>() << QString()
+                                << QStringList{QStringLiteral("Unable to load file. Please try again with a smaller "
+                                                              "file.\n\n%2")};
 }
 
 void TestFileCommands::importTextMakesANewDocument()
