@@ -351,6 +351,12 @@ void TestDocumentView::dragAndDrop()
     QCOMPARE(childNames(item(QStringLiteral("A"))),
              QStringList({QStringLiteral("A1"), QStringLiteral("A2"), QStringLiteral("C")}));
     QCOMPARE(m_view->treePane()->currentNode(), item(QStringLiteral("C")));
+    // The drag is over: a long press opens the menu again.
+    m_prompts->lastMenuTexts.clear();
+    QWidget *viewport = m_view->treePane()->viewport();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Text));
+    QTRY_VERIFY(!m_prompts->lastMenuTexts.isEmpty());
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, partOf(QStringLiteral("B"), RowGeometry::Text));
 }
 
 void TestDocumentView::deleteAsks()

@@ -685,6 +685,9 @@ void TestItemDialogs::addEditAndDelete()
         QTest::mouseClick(child<QPushButton>(d, "newTemplate"), Qt::LeftButton);
         screenshot(d, QStringLiteral("item-templates"));
         QCOMPARE(child<QTreeWidget>(d, "templateList")->topLevelItem(0)->text(0), QStringLiteral("Weekly"));
+        // A new template whose properties are cancelled is not kept.
+        QTest::mouseClick(child<QPushButton>(d, "newTemplate"), Qt::LeftButton);
+        QCOMPARE(child<QTreeWidget>(d, "templateList")->topLevelItemCount(), 1);
         QTest::mouseClick(child<QPushButton>(d, "editTemplate"), Qt::LeftButton);
         QTest::mouseClick(child<QPushButton>(d, "deleteTemplate"), Qt::LeftButton); // No
         QCOMPARE(child<QTreeWidget>(d, "templateList")->topLevelItemCount(), 1);
@@ -710,6 +713,11 @@ void TestItemDialogs::addEditAndDelete()
         QTest::keyClicks(d->findChild<QPlainTextEdit *>(QStringLiteral("plainNoteEditor")), QStringLiteral("agenda"));
         press(d);
     });
+    f.prompts.dialogs.enqueue([](QDialog *d) {
+        child<QLineEdit>(d, "templateNameEdit")->setText(QStringLiteral("Other"));
+        press(d);
+    });
+    f.prompts.dialogs.enqueue([](QDialog *d) { press(d, QDialogButtonBox::Cancel); });
     // Edit: the note type stays, the priority changes.
     f.prompts.dialogs.enqueue([](QDialog *d) {
         QVERIFY(!child<QComboBox>(d, "templateNoteType")->isEnabled());

@@ -455,6 +455,9 @@ void TestMainWindow::treeKeys()
     QCOMPARE(names(), QStringList({"two", "one"}));
     QTest::keyClick(tree, Qt::Key_Down, Qt::ControlModifier);
     QCOMPARE(names(), QStringList({"one", "two"}));
+    tree->setCurrentRow(1);
+    QTest::keyClick(tree, Qt::Key_End);
+    QCOMPARE(tree->currentNode(), doc->root()->child(1));
 
     // Insert adds a child and names it in place; Enter in the editor ends
     // the rename and adds nothing.
@@ -470,6 +473,11 @@ void TestMainWindow::treeKeys()
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     QCOMPARE(names(), QStringList({"one", "two", ".kid", ".next"}));
     QVERIFY(w->windowTitle().startsWith(QLatin1Char('*')));
+    // Left folds the open item it is on.
+    tree->setFocus();
+    w->view()->refresh(two);
+    QTest::keyClick(tree, Qt::Key_Left);
+    QVERIFY(!two->asItem()->isExpanded());
 }
 
 void TestMainWindow::followsTheFile()
