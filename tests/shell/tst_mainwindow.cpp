@@ -348,6 +348,8 @@ void TestMainWindow::openAndRecentDocuments()
         w->addRecent(docPath(QStringLiteral("n%1.qbx").arg(i)));
     QCOMPARE(w->recentDocuments().size(), 10);
     QCOMPARE(w->recentDocuments().first(), docPath(QStringLiteral("n11.qbx")));
+    Q_EMIT recent->aboutToShow();
+    QCOMPARE(recent->actions().at(9)->text(), QStringLiteral("&0 n2.qbx"));
 }
 
 void TestMainWindow::menusFollowTheState()
@@ -457,6 +459,9 @@ void TestMainWindow::treeKeys()
     QCOMPARE(names(), QStringList({"one", "two"}));
     tree->setCurrentRow(1);
     QTest::keyClick(tree, Qt::Key_End);
+    QCOMPARE(tree->currentNode(), doc->root()->child(1));
+    tree->setCurrentRow(0);
+    QTest::keyClick(tree, Qt::Key_PageDown);
     QCOMPARE(tree->currentNode(), doc->root()->child(1));
 
     // Insert adds a child and names it in place; Enter in the editor ends
