@@ -788,7 +788,8 @@ void TestItemDialogs::newItemsFromTemplates()
         if (!action->isSeparator())
             offered.append(action->text());
     }
-    QCOMPARE(offered, (QStringList{QStringLiteral("New Item..."), QStringLiteral("Plain 1"), QStringLiteral("Plain 2")}));
+    QCOMPARE(offered,
+             (QStringList{QStringLiteral("New Item..."), QStringLiteral("Plain 1"), QStringLiteral("Plain 2")}));
 
     f.select(f.at({0}));
     f.prompts.dialogs.enqueue([](QDialog *d) {
