@@ -498,9 +498,11 @@ void TestMainWindow::followsTheFile()
     };
     // Our own save is no change from outside.
     w->view()->insertNewItem(new Item(QStringLiteral("three")), InsertPosition::Top);
+    const Document *ours = w->view()->document();
     QVERIFY(run(w, "actionSave"));
     QTest::qWait(600);
     QVERIFY(m_prompts->shown.isEmpty());
+    QCOMPARE(w->view()->document(), ours); // not read again
 
     // Unchanged here: another program's version is shown.
     QTest::qWait(20);
