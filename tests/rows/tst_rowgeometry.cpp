@@ -24,19 +24,15 @@ void TestRowGeometry::hitTest_data()
 
     // w = 16, rows of 17 pixels at y 100, 300 wide.
     // Level 1: glyph 0-15, status 16-31, icon 32-47, one pixel gap, text from 49.
-    QTest::newRow("glyph") << 1 << 0 << false << 0 << true << true << QPoint(5, 108) << 1;
     QTest::newRow("glyph last pixel") << 1 << 0 << false << 0 << true << true << QPoint(15, 108) << 1;
     QTest::newRow("status") << 1 << 0 << false << 0 << true << true << QPoint(16, 108) << 2;
     QTest::newRow("icon") << 1 << 0 << false << 0 << true << true << QPoint(40, 108) << 3;
     QTest::newRow("gap after icon is text") << 1 << 0 << false << 0 << true << true << QPoint(48, 108) << 4;
-    QTest::newRow("text") << 1 << 0 << false << 0 << true << true << QPoint(200, 108) << 4;
     QTest::newRow("above the row") << 1 << 0 << false << 0 << true << true << QPoint(5, 99) << 0;
-    QTest::newRow("below the row") << 1 << 0 << false << 0 << true << true << QPoint(5, 117) << 0;
     QTest::newRow("right of the row") << 1 << 0 << false << 0 << true << true << QPoint(300, 108) << 0;
     // Level 3 is indented by two columns.
     QTest::newRow("indentation") << 3 << 0 << false << 0 << true << true << QPoint(31, 108) << 5;
     QTest::newRow("indented glyph") << 3 << 0 << false << 0 << true << true << QPoint(32, 108) << 1;
-    QTest::newRow("indented status") << 3 << 0 << false << 0 << true << true << QPoint(50, 108) << 2;
     // The base level counts: level 3 under base 2 is not indented.
     QTest::newRow("base level") << 3 << 2 << false << 0 << true << true << QPoint(5, 108) << 1;
     // Without a status control the icon sits right after the glyph column.
@@ -49,7 +45,6 @@ void TestRowGeometry::hitTest_data()
     // The date column comes first.
     QTest::newRow("date column") << 1 << 0 << false << 40 << true << true << QPoint(10, 108) << 5;
     QTest::newRow("glyph after date") << 1 << 0 << false << 40 << true << true << QPoint(45, 108) << 1;
-    QTest::newRow("status after date") << 1 << 0 << false << 40 << true << true << QPoint(60, 108) << 2;
 }
 
 void TestRowGeometry::hitTest()

@@ -65,13 +65,13 @@ private Q_SLOTS:
 
 void TestFileCommands::importFile_data()
 {
-    QTest::addColumn<QString>("file"); // "good", "protected", "old version", "damaged"
+    // Which files load is the file format's rule; the messages of the refusals are checked only here.
+    QTest::addColumn<QString>("file"); // "protected", "old version" or "damaged"
     QTest::addColumn<QStringList>("passwords");
     QTest::addColumn<QStringList>("gardenChildren");
     QTest::addColumn<QStringList>("messages");
 
     const QStringList imported = {QStringLiteral("Tools"), QStringLiteral("Drill")};
-    QTest::newRow("into the current item") << QStringLiteral("good") << QStringList() << imported << QStringList();
     QTest::newRow("protected, right password")
         << QStringLiteral("protected") << QStringList{QStringLiteral("nope"), QStringLiteral("key")} << imported
         << QStringList();
@@ -93,14 +93,13 @@ void TestFileCommands::importFile()
     QVERIFY(f.open(sample()));
     const QString path = f.dir.filePath(QStringLiteral("import.qbx"));
     QVERIFY(!writeImport(path, file == QLatin1String("protected") ? QStringLiteral("key") : QString()).isEmpty());
-    if (file == QLatin1String("old version") || file == QLatin1String("damaged")) {
+    if (file != QLatin1String("protected")) {
         QFile patch(path);
         QVERIFY(patch.open(QIODevice::ReadWrite));
-        if (file == QLatin1String("old version")) {
+        if (file == QLatin1String("old version"))
             patch.write(QByteArray("\x26\x02\x00\x00", 4)); // 550
-        } else {
+        else
             patch.resize(patch.size() - 3);
-        }
     }
     Item *garden = f.at({1});
     f.select(garden);
@@ -244,21 +243,37 @@ void TestFileCommands::importTextMakesANewDocument_data()
     QTest::addColumn<QList<bool>>("answers");
     QTest::addColumn<QString>("outline"); // empty: no document opened
     QTest::addColumn<QStringList>("messages");
+    QTest::addColumn<QString>("source"); // the file's name; the new document's is its base name
 
+    const QString txt = QStringLiteral("shopping.list.txt");
     const QString replace = QStringLiteral("'%1' already exists. Do you want to replace it?");
     QTest::newRow("outline") << QByteArray("Groceries\r\n Fruit\r\n  Apples\r\n Bread\r\n") << false << QList<bool>()
-                             << QStringLiteral("Groceries: Fruit Apples Bread") << QStringList();
+                             << QStringLiteral("Groceries: Fruit Apples Bread") << QStringList() << txt;
     QTest::newRow("replacing a document, yes") << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{true}
-                                               << QStringLiteral("Groceries: Bread") << QStringList{replace};
-    QTest::newRow("replacing a document, no")
-        << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{false} << QString() << QStringList{replace};
+                                               << QStringLiteral("Groceries: Bread") << QStringList{replace} << txt;
+    QTest::newRow("replacing a document, no") << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{false}
+                                              << QString() << QStringList{replace} << txt;
     QTest::newRow("format error")
         << QByteArray("Groceries\r\nFruit\r\n") << false << QList<bool>() << QString()
         << QStringList{QStringLiteral("The format of the import text file is invalid. Please correct the file and try "
-                                      "again. (line 2)\n\n%2")};
+                                      "again. (line 2)\n\n%2")}
+        << txt;
     QTest::newRow("unreadable") << QByteArray("\xff\xfe\x00\x00", 4) << false << QList<bool>() << QString()
                                 << QStringList{QStringLiteral("Unable to load file. Please try again with a smaller "
-                                                              "file.\n\n%2")};
+                                                              "file.\n\n%2")}
+                                << txt;
+    // The file's suffix chooses the reader; each reader's rules are its own suite's.
+    QTest::newRow("OPML") << QByteArray("<opml version=\"2.0\"><head><title>Groceries</title></head><body>"
+                                        "<outline text=\"Bread\"/></body></opml>")
+                          << false << QList<bool>() << QStringLiteral("Groceries: Bread") << QStringList()
+                          << QStringLiteral("shopping.opml");
+    QTest::newRow("OPML, not an outline")
+        << QByteArray("<html/>") << false << QList<bool>() << QString()
+        << QStringList{QStringLiteral("The file is not an outline this program can read. Please correct the file and "
+                                      "try again.\nthe file is not an OPML outline\n\n%2")}
+        << QStringLiteral("shopping.opml");
+    QTest::newRow("Markdown") << QByteArray("# Groceries\n\n- Bread\n") << false << QList<bool>()
+                              << QStringLiteral("Groceries: Bread") << QStringList() << QStringLiteral("shopping.md");
 }
 
 void TestFileCommands::importTextMakesANewDocument()
@@ -268,10 +283,11 @@ void TestFileCommands::importTextMakesANewDocument()
     QFETCH(QList<bool>, answers);
     QFETCH(QString, outline);
     QFETCH(QStringList, messages);
+    QFETCH(QString, source);
     ShellFixture f;
     f.window->settings().textImport = 0x00020007; // rich text notes, icon 7
-    const QString source = f.dir.filePath(QStringLiteral("shopping.list.txt"));
-    const QString target = f.dir.filePath(QStringLiteral("shopping.list.qbx"));
+    source = f.dir.filePath(source);
+    const QString target = f.dir.filePath(QFileInfo(source).completeBaseName() + QStringLiteral(".qbx"));
     QFile file(source);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(text);
