@@ -86,6 +86,9 @@ EditStep::Recording::~Recording()
 
 bool EditStep::inTree(TreeNode *node)
 {
+    // A lone node (an item being made) is outside and not worth remembering.
+    if (!node->parent() && node != m_document.root() && !m_known.contains(node))
+        return false;
     // Each node is looked up once: the path walked is remembered either way.
     std::vector<const TreeNode *> path;
     bool inside = false;
