@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QSettings>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -287,6 +288,7 @@ void TestDialogs::everyPageMapsToTheSettings()
         check(d, "externalEditor", true);
         auto *zoom = child<QComboBox>(d, "noteZoom");
         zoom->setCurrentIndex(zoom->findData(150));
+        child<QSpinBox>(d, "undoLimit")->setValue(40);
         auto *sound = child<QComboBox>(d, "sound");
         QCOMPARE(sound->currentText(), QStringLiteral("Alarm1"));
         sound->setCurrentIndex(sound->findText(QStringLiteral("(None)")));
@@ -320,6 +322,7 @@ void TestDialogs::everyPageMapsToTheSettings()
         QCOMPARE(s.fontSize, quint16(100));
         QCOMPARE(s.prgColour, quint16(5));
         QCOMPARE(s.noteZoom, quint16(150));
+        QCOMPARE(s.undoLimit, quint16(40));
         QCOMPARE(s.sound, QStringLiteral("(None)"));
         QCOMPARE(s.templateFile, QStringLiteral("/srv/templates.qbt"));
         QCOMPARE(s.branchTab, quint16(3));
