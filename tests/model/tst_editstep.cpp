@@ -231,11 +231,20 @@ void TestEditStep::keepsOnlyWhatChanged()
         EditStep::Recording recording(rare);
         doc.root()->child(2)->setExtraWord(7);
         doc.root()->child(3)->setTaskTimeType(2);
+        // A minute of 70 does not pack: the date waits whole in the extras.
+        doc.root()->child(4)->setDueDate({2024, 1, 0, 1, 0, 70, 0, 0});
+        // Changed and changed back is no change.
+        doc.root()->child(5)->setReminderTime({2024, 2, 0, 3, 4, 5, 0, 0});
+        doc.root()->child(5)->setReminderTime({});
     }
     QVERIFY(rare.finish());
+    QCOMPARE(rare.keptFields(), size_t(3));
     rare.undo();
     QCOMPARE(doc.root()->child(2)->extraWord(), 0u);
     QCOMPARE(doc.root()->child(3)->taskTimeType(), quint16(0));
+    QVERIFY(!doc.root()->child(4)->hasDueDate());
+    rare.redo();
+    QCOMPARE(doc.root()->child(4)->dueDate().minute, quint16(70));
 
     // Setting a value a node already has is no change at all.
     EditStep same(doc);
