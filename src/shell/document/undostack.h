@@ -29,7 +29,6 @@ Q_SIGNALS:
 
 private:
     friend class EditScope;
-    friend class EditCommand;
     void storePending();
 
     Document *m_document;
