@@ -143,6 +143,8 @@ private Q_SLOTS:
                                  "DESCRIPTION:Bring the list\\;\\nand the keys\r\n"
                                  "END:VTODO\r\n"
                                  "END:VCALENDAR\r\n"));
+        item.setDueDate({2024, 2, 0, 30, 0, 0, 0, 0}); // a date the calendar cannot hold is left out
+        QVERIFY(!CalendarObject::fromItem(item, 0, CalendarObject::Task, QStringLiteral("u2"), {}).contains("DUE"));
     }
 
     void mapping_data()
@@ -191,7 +193,8 @@ private Q_SLOTS:
         for (const QString &name : files) {
             QFile file(QDir(store.location()).filePath(name));
             QVERIFY(file.open(QIODevice::ReadOnly));
-            const IcalObject object = IcalObject::parse(file.readAll());
+            const QByteArray ics = file.readAll();
+            const IcalObject object = IcalObject::parse(ics);
             QVERIFY(object.valid);
             QCOMPARE(object.kind, kind == CalendarObject::Task ? QStringLiteral("VTODO") : QStringLiteral("VEVENT"));
             QCOMPARE(object.prodId, CalendarObject::productId());
@@ -208,6 +211,7 @@ private Q_SLOTS:
             if (noteType == Document::RichInk) {
                 QCOMPARE(object.attachment, item.note());
                 QCOMPARE(object.attachmentEncoding, QStringLiteral("BASE64"));
+                QVERIFY(ics.contains(";VALUE=BINARY"));
             } else {
                 QVERIFY(object.attachment.isEmpty());
             }
@@ -262,6 +266,7 @@ private Q_SLOTS:
                   "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:VJOURNAL\r\nUID:c\r\n"
                   "DTSTAMP:20240101T000000Z\r\nCATEGORIES:Journal\r\nEND:VJOURNAL\r\nEND:VCALENDAR\r\n");
         writeFile(dir.filePath(QStringLiteral("d.ics")), "not a calendar at all");
+        writeFile(dir.filePath(QStringLiteral("bare.ics")), "BEGIN:VTODO\r\nUID:f\r\nCATEGORIES:Bare\r\nEND:VTODO\r\n");
         writeFile(dir.filePath(QStringLiteral("e.txt")),
                   "BEGIN:VCALENDAR\r\nBEGIN:VTODO\r\nUID:e\r\nCATEGORIES:Elsewhere\r\nEND:VTODO\r\nEND:VCALENDAR\r\n");
 
@@ -269,7 +274,7 @@ private Q_SLOTS:
         QStringList categories;
         QString error;
         QVERIFY(store.categories(&categories, &error));
-        QCOMPARE(categories, QStringList({"Errands", "home", "Work"}));
+        QCOMPARE(categories, QStringList({"Bare", "Errands", "home", "Work"}));
 
         FolderCalendar missing(dir.filePath(QStringLiteral("none")));
         QVERIFY(!missing.categories(&categories, &error));

@@ -39,6 +39,28 @@ private Q_SLOTS:
         QCOMPARE(item.dueDate(), narrow);
     }
 
+    void fileTimes_data()
+    {
+        QTest::addColumn<SystemTime>("time");
+        QTest::addColumn<qint64>("fileTime"); // in 100 ns steps since 1601; -1: refused
+        QTest::newRow("the first instant") << SystemTime{1601, 1, 1, 1, 0, 0, 0, 0} << qint64(0);
+        QTest::newRow("the first day's last ms") << SystemTime{1601, 1, 1, 1, 23, 59, 59, 999} << qint64(863999990000);
+        QTest::newRow("a morning in 2024") << SystemTime{2024, 3, 2, 5, 10, 30, 15, 250} << qint64(133541082152500000);
+        QTest::newRow("1600") << SystemTime{1600, 12, 0, 31, 0, 0, 0, 0} << qint64(-1);
+        QTest::newRow("30 February") << SystemTime{2024, 2, 0, 30, 0, 0, 0, 0} << qint64(-1);
+        QTest::newRow("hour 24") << SystemTime{2024, 3, 0, 5, 24, 0, 0, 0} << qint64(-1);
+        QTest::newRow("minute 60") << SystemTime{2024, 3, 0, 5, 0, 60, 0, 0} << qint64(-1);
+        QTest::newRow("second 60") << SystemTime{2024, 3, 0, 5, 0, 0, 60, 0} << qint64(-1);
+        QTest::newRow("ms 1000") << SystemTime{2024, 3, 0, 5, 0, 0, 0, 1000} << qint64(-1);
+    }
+    void fileTimes()
+    {
+        QFETCH(SystemTime, time);
+        QFETCH(qint64, fileTime);
+        qint64 out = -1;
+        QCOMPARE(time.toFileTime(&out) ? out : qint64(-1), fileTime);
+    }
+
     void categoriesByText()
     {
         Item a;

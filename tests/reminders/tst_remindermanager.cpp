@@ -169,6 +169,7 @@ private Q_SLOTS:
         top->setReminderTime(ReminderManager::pendingAt(at("2024-03-09 10:00:00")));
         f.document.root()->appendChild(top);
         QVERIFY(f.manager.branchAdded(top));
+        QVERIFY(!f.manager.branchAdded(nullptr));
         QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"c", "a", "t", "u", "w"}));
     }
 

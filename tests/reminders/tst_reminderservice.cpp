@@ -132,6 +132,7 @@ private Q_SLOTS:
         // Disarmed, or armed again for later, it stays quiet.
         alarm.arm(QDateTime::currentDateTime().addMSecs(300));
         alarm.disarm();
+        QVERIFY(!alarm.isArmed());
         alarm.arm(QDateTime::currentDateTime().addMSecs(400));
         alarm.arm(QDateTime::currentDateTime().addSecs(3600));
         QTest::qWait(700);

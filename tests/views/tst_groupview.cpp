@@ -205,6 +205,7 @@ e
         QCOMPARE(rows.rowsOnExpand(1), 3);
         QCOMPARE(rows.setExpanded(1, true), 3);
         QCOMPARE(rows.setExpanded(1, true), 0);
+        QCOMPARE(rows.rowsOnExpand(1), 0);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    b", "      c", "    d", "  e", "    f"}));
 
         rows.collapseAll();
@@ -240,6 +241,7 @@ c | pri=2
         QCOMPARE(rows.setExpanded(4, true), 0);
         QCOMPARE(rows.setExpanded(3, false), 2);
         QCOMPARE(rows.setExpanded(0, false), 3);
+        QCOMPARE(rows.indexOf(rows.groupView()->heading(QStringLiteral("Priority 1"))), -1);
         QCOMPARE(rows.setExpanded(0, true), 3); // the first heading was left open
         QVERIFY(rows.isExpanded(0));
 
