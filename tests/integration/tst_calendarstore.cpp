@@ -279,6 +279,9 @@ private Q_SLOTS:
         FolderCalendar missing(dir.filePath(QStringLiteral("none")));
         QVERIFY(!missing.categories(&categories, &error));
         QCOMPARE(error, message(Messages::CalendarFolderMissing).arg(missing.location()));
+        FolderCalendar file(dir.filePath(QStringLiteral("d.ics"))); // a file, not a folder
+        QVERIFY(!file.connect(&error));
+        QCOMPARE(error, message(Messages::CalendarFolderUnusable).arg(dir.filePath(QStringLiteral("d.ics"))));
     }
 
     void categoryListAsksTheStoreOnlyWhenOn()

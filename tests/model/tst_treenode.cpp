@@ -186,9 +186,9 @@ private Q_SLOTS:
         QVERIFY(document.hideCompleted && document.showNoteWindow && document.showDueDate && document.showStatistics);
         QVERIFY(document.viewAscending);
         QCOMPARE(document.docFlags(), 0x8Fu); // no other bit is written
-        document.setDocFlags(0x04);
-        QCOMPARE(document.docFlags(), 0x04u);
-        QVERIFY(!document.viewAscending && !document.showNoteWindow);
+        document.setDocFlags(0x06);
+        QCOMPARE(document.docFlags(), 0x06u);
+        QVERIFY(!document.viewAscending && !document.hideCompleted && document.showNoteWindow);
     }
 
     void deepChainSurvives()

@@ -218,6 +218,12 @@ e
         ViewRows branch(document, Outline::find(document.root(), QStringLiteral("a")));
         QCOMPARE(rowTexts(branch), (QStringList{"a", "  b", "    c", "  d"}));
         QCOMPARE(branch.row(0).kind, ViewRows::Kind::Item);
+        // Revealing opens the ancestors inside the branch, none above it.
+        QCOMPARE(branch.setExpanded(1, false), 1);
+        QCOMPARE(branch.reveal(Outline::find(document.root(), QStringLiteral("c"))), 2);
+        QVERIFY(!document.root()->isExpanded());
+        // A current row past the old rows falls to the first row.
+        QCOMPARE(branch.rebuild(99), 0);
     }
 
     void groupedViewRows()
