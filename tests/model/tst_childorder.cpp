@@ -134,18 +134,6 @@ private Q_SLOTS:
         QCOMPARE(names(&root), QStringLiteral("2 0 3 1"));
     }
 
-    void sortsOnlyDirectChildren()
-    {
-        TreeNode root;
-        Item *b = add(&root, QStringLiteral("b"));
-        add(&root, QStringLiteral("a"));
-        add(b, QStringLiteral("z"));
-        add(b, QStringLiteral("y"));
-        ChildOrder::orderChildrenBy(&root, TreeNode::SortName);
-        QCOMPARE(names(&root), QStringLiteral("a b"));
-        QCOMPARE(names(b), QStringLiteral("z y"));
-    }
-
     void largeSortIsAStableSort_data()
     {
         QTest::addColumn<qsizetype>("bufferLimit");

@@ -45,127 +45,108 @@ class TestReminderService : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void cleanup() { Clock::reset(); }
-    void wakesAtTheNextReminder();
-    void pastReminderShowsWithoutWaking();
-    void tenDayTimerMovesTheHorizon();
-    void editsAndDeletionsReschedule();
-    void dismissAllEndsShownReminders();
-    void wallClockAlarm_data();
-    void wallClockAlarm();
-};
+    void pastReminderShowsWithoutWaking()
+    {
+        Fixture f("a | rem=2024-03-05T08:00\n", "2024-03-05 09:00:00");
+        QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
+        QVERIFY(!f.alarm->armed);
+        QCOMPARE(due.count(), 0); // never from inside the constructor
+        QTRY_COMPARE(due.count(), 1);
+        QCOMPARE(f.dueNames(due, 0), QStringList({"a"}));
+    }
 
-void TestReminderService::wakesAtTheNextReminder()
-{
-    Fixture f("a | rem=2024-03-05T10:00\nb | rem=2024-03-05T11:00\n", "2024-03-05 09:00:00");
-    QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
-    // b is the last in the list: a waits for it.
-    QVERIFY(f.alarm->armed);
-    QCOMPARE(f.alarm->armedAt, at("2024-03-05 11:00:01"));
-    Clock::setFixed(at("2024-03-05 11:00:01"));
-    QVERIFY(f.alarm->fire());
-    QCOMPARE(due.count(), 1);
-    QCOMPARE(f.dueNames(due, 0), QStringList({"a", "b"}));
-    QVERIFY(!f.alarm->armed);
-}
+    void tenDayTimerMovesTheHorizon()
+    {
+        Fixture f("a | rem=2024-03-20T10:00\n", "2024-03-05 09:00:00");
+        const QTimer &timer = f.service->tenDayTimer();
+        QVERIFY(timer.isActive());
+        QCOMPARE(timer.interval(), 864000000);
+        QVERIFY(!f.alarm->armed);
+        Clock::setFixed(at("2024-03-15 09:00:00"));
+        QMetaObject::invokeMethod(const_cast<QTimer *>(&timer), "timeout");
+        QVERIFY(f.alarm->armed);
+        QCOMPARE(f.alarm->armedAt, at("2024-03-20 10:00:01"));
+    }
 
-void TestReminderService::pastReminderShowsWithoutWaking()
-{
-    Fixture f("a | rem=2024-03-05T08:00\n", "2024-03-05 09:00:00");
-    QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
-    QVERIFY(!f.alarm->armed);
-    QCOMPARE(due.count(), 0); // never from inside the constructor
-    QTRY_COMPARE(due.count(), 1);
-    QCOMPARE(f.dueNames(due, 0), QStringList({"a"}));
-}
+    void editsAndDeletionsReschedule()
+    {
+        Fixture f("a | rem=2024-03-05T10:00\nb | rem=2024-03-05T10:30\nc\n", "2024-03-05 09:00:00");
+        QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
+        QVERIFY(f.alarm->armed);
+        QCOMPARE(f.alarm->armedAt, at("2024-03-05 10:30:01"));
 
-void TestReminderService::tenDayTimerMovesTheHorizon()
-{
-    Fixture f("a | rem=2024-03-20T10:00\n", "2024-03-05 09:00:00");
-    const QTimer &timer = f.service->tenDayTimer();
-    QVERIFY(timer.isActive());
-    QCOMPARE(timer.interval(), 864000000);
-    QVERIFY(!f.alarm->armed);
-    Clock::setFixed(at("2024-03-15 09:00:00"));
-    QMetaObject::invokeMethod(const_cast<QTimer *>(&timer), "timeout");
-    QVERIFY(f.alarm->armed);
-    QCOMPARE(f.alarm->armedAt, at("2024-03-20 10:00:01"));
-}
+        Item *c = f.item("c");
+        c->setReminderTime(ReminderManager::pendingAt(at("2024-03-05 09:30:00")));
+        f.service->itemChanged(c);
+        QCOMPARE(f.alarm->armedAt, at("2024-03-05 09:30:01"));
 
-void TestReminderService::editsAndDeletionsReschedule()
-{
-    Fixture f("a | rem=2024-03-05T10:00\nb | rem=2024-03-05T10:30\nc\n", "2024-03-05 09:00:00");
-    QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
-    QCOMPARE(f.alarm->armedAt, at("2024-03-05 10:30:01"));
+        Editing::deleteItem(f.document, c, nullptr);
+        f.service->itemsRemoved();
+        QCOMPARE(f.alarm->armedAt, at("2024-03-05 10:30:01"));
 
-    Item *c = f.item("c");
-    c->setReminderTime(ReminderManager::pendingAt(at("2024-03-05 09:30:00")));
-    f.service->itemChanged(c);
-    QCOMPARE(f.alarm->armedAt, at("2024-03-05 09:30:01"));
+        Editing::deleteItem(f.document, f.item("a"), nullptr);
+        Clock::setFixed(at("2024-03-05 10:30:01"));
+        QVERIFY(f.alarm->fire());
+        QCOMPARE(due.count(), 1);
+        QCOMPARE(f.dueNames(due, 0), QStringList({"b"}));
+        QVERIFY(!f.alarm->armed);
+    }
 
-    Editing::deleteItem(f.document, c, nullptr);
-    f.service->itemsRemoved();
-    QCOMPARE(f.alarm->armedAt, at("2024-03-05 10:30:01"));
+    void dismissAllEndsShownReminders()
+    {
+        Fixture f("a | rem=2024-03-05T08:00\nb | rem=2024-03-06T08:00\n", "2024-03-05 09:00:00");
+        QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
+        QSignalSpy dismissed(f.service.get(), &ReminderService::remindersDismissed);
+        Clock::setFixed(at("2024-03-06 08:00:01"));
+        QVERIFY(f.alarm->fire());
+        QCOMPARE(f.dueNames(due, 0), QStringList({"a", "b"}));
+        f.service->dismissAll();
+        QCOMPARE(dismissed.count(), 1);
+        QCOMPARE(f.item("a")->reminderTime().second, quint16(0));
+        QCOMPARE(f.item("b")->reminderTime().second, quint16(0));
+        QVERIFY(f.service->manager().reminders().empty());
+    }
 
-    Editing::deleteItem(f.document, f.item("a"), nullptr);
-    Clock::setFixed(at("2024-03-05 10:30:01"));
-    QVERIFY(f.alarm->fire());
-    QCOMPARE(due.count(), 1);
-    QCOMPARE(f.dueNames(due, 0), QStringList({"b"}));
-}
+    void wallClockAlarm_data()
+    {
+        QTest::addColumn<bool>("polling");
+        QTest::newRow("timerfd") << false;
+        QTest::newRow("polling") << true;
+    }
 
-void TestReminderService::dismissAllEndsShownReminders()
-{
-    Fixture f("a | rem=2024-03-05T08:00\nb | rem=2024-03-06T08:00\n", "2024-03-05 09:00:00");
-    QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
-    QSignalSpy dismissed(f.service.get(), &ReminderService::remindersDismissed);
-    Clock::setFixed(at("2024-03-06 08:00:01"));
-    QVERIFY(f.alarm->fire());
-    QCOMPARE(f.dueNames(due, 0), QStringList({"a", "b"}));
-    f.service->dismissAll();
-    QCOMPARE(dismissed.count(), 1);
-    QCOMPARE(f.item("a")->reminderTime().second, quint16(0));
-    QCOMPARE(f.item("b")->reminderTime().second, quint16(0));
-    QVERIFY(f.service->manager().reminders().empty());
-}
-
-void TestReminderService::wallClockAlarm_data()
-{
-    QTest::addColumn<bool>("polling");
-    QTest::newRow("timerfd") << false;
-    QTest::newRow("polling") << true;
-}
-
-void TestReminderService::wallClockAlarm()
-{
-    QFETCH(bool, polling);
-    WallClockAlarm alarm(polling ? WallClockAlarm::Backend::Polling : WallClockAlarm::Backend::Best);
+    void wallClockAlarm()
+    {
+        QFETCH(bool, polling);
+        WallClockAlarm alarm(polling ? WallClockAlarm::Backend::Polling : WallClockAlarm::Backend::Best);
 #ifdef Q_OS_LINUX
-    QCOMPARE(alarm.usesTimerFd(), !polling);
+        QCOMPARE(alarm.usesTimerFd(), !polling);
 #endif
-    QSignalSpy fired(&alarm, &WakeAlarm::fired);
+        QSignalSpy fired(&alarm, &WakeAlarm::fired);
 
-    // A time already past fires, but only once control is back in the loop.
-    alarm.arm(QDateTime::currentDateTime().addSecs(-5));
-    QCOMPARE(fired.count(), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(fired.count(), 1, 2000);
-    QVERIFY(!alarm.isArmed());
+        // A time already past fires, but only once control is back in the loop.
+        alarm.arm(QDateTime::currentDateTime().addSecs(-5));
+        QCOMPARE(fired.count(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(fired.count(), 1, 2000);
+        QVERIFY(!alarm.isArmed());
 
-    // Disarmed, or armed again for later, it stays quiet.
-    alarm.arm(QDateTime::currentDateTime().addMSecs(300));
-    alarm.disarm();
-    alarm.arm(QDateTime::currentDateTime().addMSecs(400));
-    alarm.arm(QDateTime::currentDateTime().addSecs(3600));
-    QTest::qWait(700);
-    QCOMPARE(fired.count(), 1);
+        // Disarmed, or armed again for later, it stays quiet.
+        alarm.arm(QDateTime::currentDateTime().addMSecs(300));
+        alarm.disarm();
+        QVERIFY(!alarm.isArmed());
+        alarm.arm(QDateTime::currentDateTime().addMSecs(400));
+        alarm.arm(QDateTime::currentDateTime().addSecs(3600));
+        QTest::qWait(700);
+        QCOMPARE(fired.count(), 1);
 
-    QElapsedTimer clock;
-    clock.start();
-    const QDateTime target = QDateTime::currentDateTime().addMSecs(800);
-    alarm.arm(target);
-    QTRY_COMPARE_WITH_TIMEOUT(fired.count(), 2, 5000);
-    QVERIFY(QDateTime::currentDateTime() >= target);
-    QVERIFY(clock.elapsed() >= 700);
-}
+        QElapsedTimer clock;
+        clock.start();
+        const QDateTime target = QDateTime::currentDateTime().addMSecs(800);
+        alarm.arm(target);
+        QTRY_COMPARE_WITH_TIMEOUT(fired.count(), 2, 5000);
+        QVERIFY(QDateTime::currentDateTime() >= target);
+        QVERIFY(clock.elapsed() >= 700);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestReminderService)
 #include "tst_reminderservice.moc"

@@ -147,12 +147,3 @@ bool ScriptedPrompts::openUrl(const QUrl &url)
         whenOpened(url);
     return urlsOpen;
 }
-
-bool ScriptedPrompts::askSecret(QWidget *, const QString &prompt, QString *secret)
-{
-    secretPrompts.append(prompt);
-    if (secrets.isEmpty())
-        return false;
-    *secret = secrets.dequeue();
-    return true;
-}

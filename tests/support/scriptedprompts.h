@@ -48,10 +48,6 @@ public:
     /// The file type index chosen with each saveFileOfType answer (0 when
     /// the queue is empty).
     QQueue<int> fileTypes;
-    /// Answers of askSecret; an empty queue cancels.
-    QQueue<QString> secrets;
-    /// The prompts of askSecret, in order.
-    QStringList secretPrompts;
 
     QList<Shown> shown;
     int passwordAttempts = 0;
@@ -95,7 +91,8 @@ public:
     QString saveFileOfType(QWidget *parent, const QString &title, const QString &suggested, const QStringList &filters,
                            const QString &defaultSuffix, int *chosenFilter) override;
     bool openUrl(const QUrl &url) override;
-    bool askSecret(QWidget *parent, const QString &prompt, QString *secret) override;
+    /// Cancels: no suite asks for a secret through the prompts.
+    bool askSecret(QWidget *, const QString &, QString *) override { return false; }
 
     /// Records a menu's actions as lastMenu does, for menus the shell shows
     /// itself (the menu bar's drop-downs).
