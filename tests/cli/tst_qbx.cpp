@@ -19,14 +19,6 @@ QbxOptions typed(const QByteArray &lines)
     return options;
 }
 
-QJsonArray times(std::initializer_list<int> fields)
-{
-    QJsonArray array;
-    for (int f : fields)
-        array.append(f);
-    return array;
-}
-
 } // namespace
 
 // The commands on whole documents: dump, check, resave, password, generate.
@@ -67,71 +59,25 @@ void TestQbx::dumpPrintsEveryField()
     const QJsonObject dump = QJsonDocument::fromJson(run.out, &error).object();
     QCOMPARE(error.error, QJsonParseError::NoError);
 
-    QJsonObject second{{"Image", 0},
-                       {"Sort", 15},
-                       {"Name", ""},
-                       {"ExtraWord", 0},
-                       {"Expanded", false},
-                       {"Ascending", true},
-                       {"TaskTime", ""},
-                       {"TaskTimeType", 0},
-                       {"Colour", 0},
-                       {"Created", times({0, 0, 0, 0, 0, 0, 0, 0})},
-                       {"Progress", 0},
-                       {"StatusType", 0},
-                       {"ShowIcon", true},
-                       {"AutoProgress", false},
-                       {"Italic", false},
-                       {"Category", ""},
-                       {"Priority", 10},
-                       {"DueDate", times({0, 0, 0, 0, 0, 0, 0, 0})},
-                       {"ReminderTime", times({0, 0, 0, 0, 0, 0, 0, 0})},
-                       {"Note", ""},
-                       {"Links", QJsonArray()},
-                       {"Children", QJsonArray()}};
-    QJsonObject first{{"Image", 4},
-                      {"Sort", 15},
-                      {"Name", QStringLiteral("Tâche \"1\"")},
-                      {"ExtraWord", 4294967295.0},
-                      {"Expanded", false},
-                      {"Ascending", false},
-                      {"TaskTime", "3"},
-                      {"TaskTimeType", 0},
-                      {"Colour", 0},
-                      {"Created", times({2020, 1, 3, 1, 2, 3, 4, 5})},
-                      {"Progress", 40},
-                      {"StatusType", 2},
-                      {"ShowIcon", false},
-                      {"AutoProgress", true},
-                      {"Italic", true},
-                      {"Category", QStringLiteral("Büro")},
-                      {"Priority", 3},
-                      {"DueDate", times({2021, 2, 1, 1, 0, 0, 0, 0})},
-                      {"ReminderTime", times({2021, 2, 1, 1, 9, 0, 0, 0})},
-                      {"Note", "YWJj"},
-                      {"Links", QJsonArray{"!2", "!0", "tel:123"}},
-                      {"Children", QJsonArray{second}}};
-    QJsonObject expected{{"Version", 551},
-                         {"PasswordHash", "00ff"},
-                         {"NoteType", 1},
-                         {"ViewMode", 2},
-                         {"ViewOrder", 3},
-                         {"ViewAscending", true},
-                         {"HideCompleted", true},
-                         {"ShowNoteWindow", false},
-                         {"ShowDueDate", true},
-                         {"ShowStatistics", true},
-                         {"HideByStatus", 48},
-                         {"Current", 1},
-                         {"Categories", QJsonArray{QStringLiteral("Büro")}},
-                         {"Root", QJsonObject{{"Image", 826},
-                                              {"Sort", 0},
-                                              {"Name", "Wurzel"},
-                                              {"ExtraWord", 9},
-                                              {"Expanded", true},
-                                              {"Ascending", true},
-                                              {"Children", QJsonArray{first}}}}};
-    QCOMPARE(dump, expected);
+    const QByteArray expected = R"({
+        "Version": 551, "PasswordHash": "00ff", "NoteType": 1, "ViewMode": 2, "ViewOrder": 3,
+        "ViewAscending": true, "HideCompleted": true, "ShowNoteWindow": false, "ShowDueDate": true,
+        "ShowStatistics": true, "HideByStatus": 48, "Current": 1, "Categories": ["Büro"],
+        "Root": {"Image": 826, "Sort": 0, "Name": "Wurzel", "ExtraWord": 9, "Expanded": true, "Ascending": true,
+            "Children": [{
+                "Image": 4, "Sort": 15, "Name": "Tâche \"1\"", "ExtraWord": 4294967295, "Expanded": false,
+                "Ascending": false, "TaskTime": "3", "TaskTimeType": 0, "Colour": 0,
+                "Created": [2020, 1, 3, 1, 2, 3, 4, 5], "Progress": 40, "StatusType": 2, "ShowIcon": false,
+                "AutoProgress": true, "Italic": true, "Category": "Büro", "Priority": 3,
+                "DueDate": [2021, 2, 1, 1, 0, 0, 0, 0], "ReminderTime": [2021, 2, 1, 1, 9, 0, 0, 0],
+                "Note": "YWJj", "Links": ["!2", "!0", "tel:123"],
+                "Children": [{
+                    "Image": 0, "Sort": 15, "Name": "", "ExtraWord": 0, "Expanded": false, "Ascending": true,
+                    "TaskTime": "", "TaskTimeType": 0, "Colour": 0, "Created": [0, 0, 0, 0, 0, 0, 0, 0],
+                    "Progress": 0, "StatusType": 0, "ShowIcon": true, "AutoProgress": false, "Italic": false,
+                    "Category": "", "Priority": 10, "DueDate": [0, 0, 0, 0, 0, 0, 0, 0],
+                    "ReminderTime": [0, 0, 0, 0, 0, 0, 0, 0], "Note": "", "Links": [], "Children": []}]}]}})";
+    QCOMPARE(dump, QJsonDocument::fromJson(expected).object());
 
     const QbxRun check = qbx({QStringLiteral("check"), path});
     QCOMPARE(check.status, 0);
@@ -150,7 +96,6 @@ void TestQbx::loadFailuresGiveMessageAndStatus_data()
     // Every command loads through the same path: one failure kind each.
     QTest::newRow("dump damaged") << "dump" << QByteArray::fromHex("2702000000") << 1 << damaged;
     QTest::newRow("resave version 600") << "resave" << QByteArray::fromHex("58020000") << 2 << unsupported;
-    QTest::newRow("password damaged") << "password" << QByteArray::fromHex("2702000000") << 1 << damaged;
     QTest::newRow("check absent") << "check" << QByteArray() << 4 << QStringLiteral("File '%1' does not exist.\n");
 }
 
@@ -204,8 +149,6 @@ void TestQbx::passwordCommand()
             .value("PasswordHash")
             .toString();
     };
-    const QString notCorrect =
-        QStringLiteral("The password is not correct. Please enter the password and try again.\n");
     const QString mismatch = QStringLiteral("The new password and confirmation do not match. Please try again.\n");
 
     QbxRun run = qbx({QStringLiteral("password"), path}, typed("\nabc\nABC\n"));
@@ -214,14 +157,6 @@ void TestQbx::passwordCommand()
     QCOMPARE(hash(), QString());
 
     QCOMPARE(qbx({QStringLiteral("password"), path}, typed("ignored\nabc\nabc\n")).status, 0);
-    QCOMPARE(hash(), QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315"));
-
-    run = qbx({QStringLiteral("password"), path}, typed("ABC\n\n\n"));
-    QCOMPARE(run.status, 3);
-    QCOMPARE(QString::fromUtf8(run.err), notCorrect);
-
-    run = qbx({QStringLiteral("password"), path}, typed("abc\n1234567890123456\n1234567890123456\n"));
-    QCOMPARE(run.status, 3);
     QCOMPARE(hash(), QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315"));
 
     // Windows line ends are read as line ends.

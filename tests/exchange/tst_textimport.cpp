@@ -1,4 +1,3 @@
-#include "exchange/textexport.h"
 #include "exchange/textimport.h"
 #include "support/exchangetest.h"
 #include "model/item.h"
@@ -31,11 +30,8 @@ private Q_SLOTS:
     void onlyRegularFilesOfASensibleSize();
     void namesAreCut();
     void everyItemGetsTheIcon();
-    void documentPath_data();
     void documentPath();
     void readsAFile();
-    void viewExportComesBack_data();
-    void viewExportComesBack();
 };
 
 void TestTextImport::outline_data()
@@ -158,23 +154,11 @@ void TestTextImport::everyItemGetsTheIcon()
     QCOMPARE(TextImport::noteTypeOf(TextImport::DefaultSetting), quint16(1));
 }
 
-void TestTextImport::documentPath_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("document");
-    QTest::newRow("extension") << "/home/me/list.txt"
-                               << "/home/me/list.qbx";
-    QTest::newRow("last extension only") << "/home/me/list.tar.txt"
-                                         << "/home/me/list.tar.qbx";
-    QTest::newRow("dot in a folder") << "/home/me.old/list"
-                                     << "/home/me.old/list.qbx";
-}
-
 void TestTextImport::documentPath()
 {
-    QFETCH(QString, text);
-    QFETCH(QString, document);
-    QCOMPARE(TextImport::documentPath(text), document);
+    QCOMPARE(TextImport::documentPath(QStringLiteral("/home/me/list.txt")), QStringLiteral("/home/me/list.qbx"));
+    QCOMPARE(TextImport::documentPath(QStringLiteral("/home/me/list.tar.txt")), QStringLiteral("/home/me/list.tar.qbx"));
+    QCOMPARE(TextImport::documentPath(QStringLiteral("/home/me.old/list")), QStringLiteral("/home/me.old/list.qbx"));
 }
 
 void TestTextImport::readsAFile()
@@ -210,41 +194,6 @@ void TestTextImport::onlyRegularFilesOfASensibleSize()
     QVERIFY(file.resize(TextImport::MaxFileSize + 1));
     file.close();
     QCOMPARE(TextImport::importFile(huge, &root, {}), TextImport::Result::Unreadable);
-}
-
-void TestTextImport::viewExportComesBack_data()
-{
-    QTest::addColumn<int>("indent");
-    QTest::addColumn<bool>("unicode");
-    QTest::newRow("tab, code page") << 1 << false;
-    QTest::newRow("one space, unicode") << 2 << true;
-}
-
-void TestTextImport::viewExportComesBack()
-{
-    QFETCH(int, indent);
-    QFETCH(bool, unicode);
-    TreeNode root(QStringLiteral("Projects"));
-    auto *home = new Item(QStringLiteral("Home"));
-    auto *garden = new Item(QString::fromUtf8("Garden & Hof: Äpfel"));
-    auto *deep = new Item(QStringLiteral("Deep"));
-    root.appendChild(home);
-    home->appendChild(garden);
-    garden->appendChild(deep);
-    deep->appendChild(new Item(QStringLiteral("Deeper")));
-    home->appendChild(new Item(QStringLiteral("Kitchen")));
-    root.appendChild(new Item(QStringLiteral("Work")));
-    root.child(1)->appendChild(new Item(unicode ? QString::fromUtf8("日本 report") : QStringLiteral("Report")));
-
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("view.txt"));
-    TextExport::Options options;
-    options.indent = quint16(indent);
-    options.unicode = unicode;
-    QVERIFY(TextExport::exportView(path, &root, options));
-    TreeNode back;
-    QCOMPARE(TextImport::importFile(path, &back, {}), TextImport::Result::Ok);
-    QCOMPARE(describe(&back), describe(&root));
 }
 
 QTEST_GUILESS_MAIN(TestTextImport)

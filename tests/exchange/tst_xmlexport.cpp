@@ -3,8 +3,6 @@
 #include "model/document.h"
 
 #include <QDir>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -151,15 +149,6 @@ Item *plain(const QString &name)
     return item;
 }
 
-bool runXmllint(const QString &path, QString *errors)
-{
-    QProcess process;
-    process.start(QStandardPaths::findExecutable(QStringLiteral("xmllint")), {QStringLiteral("--noout"), path});
-    process.waitForFinished(60000);
-    *errors = QString::fromLocal8Bit(process.readAllStandardError());
-    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
-}
-
 } // namespace
 
 class TestXmlExport : public QObject {
@@ -174,8 +163,6 @@ private Q_SLOTS:
     void fileBytes();
     void failures();
     void deepChain();
-    void xmllintReadsIt_data();
-    void xmllintReadsIt();
 };
 
 void TestXmlExport::wholeRecord()
@@ -353,46 +340,6 @@ void TestXmlExport::deepChain()
     QCOMPARE(text.count(QLatin1String("</SUBITEMS>\r\n</ITEM>\r\n")), Depth - 1);
     QVERIFY(text.endsWith(QString::fromLatin1(
         plainItem("x") + QByteArray("</SUBITEMS>\r\n</ITEM>\r\n").repeated(Depth - 1) + "</ROOT>\r\n")));
-}
-
-void TestXmlExport::xmllintReadsIt_data()
-{
-    QTest::addColumn<int>("encoding");
-    QTest::addColumn<bool>("unicodeNames");
-    QTest::newRow("UTF-8 label, ASCII") << 1 << false;
-    QTest::newRow("UTF-16, any text") << 2 << true;
-    QTest::newRow("ISO-8859-1, western text") << 3 << true;
-}
-
-void TestXmlExport::xmllintReadsIt()
-{
-    QFETCH(int, encoding);
-    QFETCH(bool, unicodeNames);
-    if (QStandardPaths::findExecutable(QStringLiteral("xmllint")).isEmpty())
-        QSKIP("xmllint is not installed (scripts/setup installs it)");
-
-    Sample sample;
-    TreeNode *root = sample.document.root();
-    Item *extra =
-        plain(unicodeNames ? QString::fromUtf8("Größe & «Maß» <é>") : QStringLiteral("\"quoted\" & 'single'"));
-    extra->setNote(note(u"<note> with & and \"quotes\""));
-    extra->setLinks({QStringLiteral("http://example.com/?a=1&b=<2>")});
-    root->child(0)->child(0)->appendChild(extra);
-    // Some depth, below the nesting that xmllint accepts by default.
-    TreeNode *parent = extra;
-    for (int i = 0; i < 100; ++i) {
-        Item *item = plain(QStringLiteral("level %1").arg(i));
-        parent->appendChild(item);
-        parent = item;
-    }
-
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("doc.xml"));
-    XmlExport::Options options;
-    options.encoding = quint16(encoding);
-    QVERIFY(XmlExport::exportXml(path, root, options));
-    QString errors;
-    QVERIFY2(runXmllint(path, &errors), qPrintable(errors));
 }
 
 QTEST_GUILESS_MAIN(TestXmlExport)
