@@ -79,18 +79,6 @@ QString writeFile(const QTemporaryDir &dir, const QString &name, const QByteArra
     return file.fileName();
 }
 
-// Valid hand-built files double as the fuzzer's seed corpus: with
-// QUILLBOX_WRITE_CORPUS set to a folder, the tests leave them there.
-void keepForCorpus(const char *name, const QByteArray &file)
-{
-    const QString folder = qEnvironmentVariable("QUILLBOX_WRITE_CORPUS");
-    if (folder.isEmpty())
-        return;
-    QFile out(folder + QLatin1Char('/') + QLatin1String(name) + QLatin1String(".qbx"));
-    if (out.open(QIODevice::WriteOnly))
-        out.write(file);
-}
-
 QByteArray writtenBack(const QByteArray &file)
 {
     Document doc;
@@ -141,7 +129,6 @@ void TestDocumentFile::emptyDocumentIsHeaderAndRootOnly()
                                                     "02000000"                 // Ascending, not expanded
                                                     "0f00");                   // manual order
     QCOMPARE(expected.size(), 24 + 16 + 2 * 4);
-    keepForCorpus("empty-551", expected);
     QCOMPARE(DocumentFile::toBytes(doc), expected);
 
     Document loaded;
@@ -168,7 +155,6 @@ void TestDocumentFile::version551EveryFieldUnusual()
     f.str(QStringLiteral("öffentlich")).u16(20).time(2025, 6, 0, 1, 0, 0, 0, 0).zeroTime().u32(0xFFFFFFFF);
     f.u32(1).str(QStringLiteral("!9"));
 
-    keepForCorpus("every-field-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     // Every field read shows in the bytes written back; these are what the
@@ -221,7 +207,6 @@ void TestDocumentFile::version550HasNoReminderTime()
     f.str(QStringLiteral("5")).u16(1).time(2010, 5, 1, 3, 4, 5, 6, 7).u16(50).u16(2).u32(1);
     f.str(QString()).u16(10).time(2011, 1, 6, 1, 0, 0, 0, 0).u32(2).hex("4100").u32(0);
 
-    keepForCorpus("reminderless-550", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 550u);
@@ -260,7 +245,6 @@ void TestDocumentFile::versions500And501()
     f.str(QString()).u16(0).zeroTime().u16(0).u16(1).u32(1).str(QStringLiteral("Work")).u16(10).zeroTime();
     f.u32(0).u32(0);
 
-    keepForCorpus(version == 500 ? "password-500" : "password-501", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, version);
@@ -308,7 +292,6 @@ void TestDocumentFile::version410LegacyRecords()
     f.u32(2).fixed(QStringLiteral("/docs/Projects/x.txt"), 260).fixed(QStringLiteral("/docsother/y.txt"), 260);
     f.u32(0);
 
-    keepForCorpus("records-410", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 410u);
@@ -419,7 +402,6 @@ void TestDocumentFile::everyTruncationIsDamageOrAnEarlierEnd()
     for (int i = 0; i <= entries.size(); ++i)
         ends.append(int(file551(entries.first(i), 2).size()));
     const QByteArray file = file551(entries, 2);
-    keepForCorpus("depths-551", file);
 
     for (int length = 0; length <= file.size(); ++length) {
         Document doc;
@@ -457,7 +439,6 @@ void TestDocumentFile::linkRepairAndCurrentNumber()
                    QStringLiteral("!0"), QStringLiteral("!99999999999"), QStringLiteral("mailto:a@b")}},
                  {1, 6, QStringLiteral("six")}},
                 5);
-    keepForCorpus("links-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     const QList<Item *> items = preOrder(doc.root());
