@@ -61,6 +61,8 @@ void TestQbxReminders::reminders_data()
                              << QString::fromLatin1(List) + "bubble\t2024-03-01 09:45\t5,6,7\n"
                                                             "bubble\t2024-03-01 10:00\t2\n"
                                                             "bubble\t2024-03-16 08:30\t4\n";
+    QTest::newRow("until is exclusive of a later wake")
+        << QStringList({at, QStringLiteral("--until=2024-03-01 09:45:00")}) << 0 << List;
     QTest::newRow("bad time") << QStringList({QStringLiteral("--at=2024-03-01 9:00")}) << 2 << "";
     QTest::newRow("until before at") << QStringList({at, QStringLiteral("--until=2024-02-01 00:00:00")}) << 2 << "";
 }

@@ -31,8 +31,10 @@ class TestQbxSave : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void deviceTarget();
-    void standardOutputFailure();
+    void fifoTarget_data();
+    void fifoTarget();
+    void standardOutputFailures_data();
+    void standardOutputFailures();
     void exportOntoItsOwnDocument_data();
     void exportOntoItsOwnDocument();
     void twoWritersBothSurvive();
@@ -53,14 +55,24 @@ QString TestQbxSave::document(const QString &name, int items)
     return path;
 }
 
-void TestQbxSave::deviceTarget()
+// What stands in the way of a write is the safe save's to judge; each
+// command reports it with its status and leaves the target as it was.
+void TestQbxSave::fifoTarget_data()
 {
-    // What stands in the way of a write is the safe save's to judge; qbx
-    // reports it with its status and leaves the target as it was.
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("resave") << QStringList{"resave", "DOC", "OUT"};
+    QTest::newRow("items export") << QStringList{"export", "items", "DOC", "OUT", "--choice", "3", "--select", "1"};
+}
+
+void TestQbxSave::fifoTarget()
+{
+    QFETCH(QStringList, arguments);
     const QString path = document(QStringLiteral("device.qbx"));
     const QString pipe = m_dir.filePath(QStringLiteral("pipe"));
+    QFile::remove(pipe);
     QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    const QbxRun run = qbx({"export", "items", path, pipe, "--choice", "3", "--select", "1"});
+    arguments.replaceInStrings(QStringLiteral("DOC"), path).replaceInStrings(QStringLiteral("OUT"), pipe);
+    const QbxRun run = qbx(arguments);
     QCOMPARE(run.status, 5);
     QCOMPARE(run.err, "qbx: " + QFile::encodeName(pipe) + ": is a FIFO, not a regular file\n");
     struct stat info;
@@ -68,11 +80,21 @@ void TestQbxSave::deviceTarget()
     QVERIFY(S_ISFIFO(info.st_mode));
 }
 
-void TestQbxSave::standardOutputFailure()
+// Each command that prints a document checks its output to the end.
+void TestQbxSave::standardOutputFailures_data()
 {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("dump") << QStringList{"dump", "DOC"};
+    QTest::newRow("find") << QStringList{"find", "DOC", "--name", "e"};
+    QTest::newRow("view") << QStringList{"view", "DOC"};
+}
+
+void TestQbxSave::standardOutputFailures()
+{
+    QFETCH(QStringList, arguments);
     if (!QFileInfo::exists(QStringLiteral("/dev/full")))
         QSKIP("this system has no /dev/full");
-    const QStringList arguments{QStringLiteral("dump"), document(QStringLiteral("output.qbx"))};
+    arguments.replaceInStrings(QStringLiteral("DOC"), document(QStringLiteral("output.qbx")));
     const QbxRun full = qbx(arguments, {{}, QStringLiteral("/dev/full"), {}, {}});
     QCOMPARE(full.status, 5);
     QCOMPARE(full.err, QByteArray("qbx: cannot write the standard output: disk full\n"));

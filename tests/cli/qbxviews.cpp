@@ -60,6 +60,9 @@ void TestQbxViews::view_data()
     QTest::addColumn<bool>("hideCompleted");
     QTest::addColumn<QString>("expected");
 
+    QTest::newRow("default view") << QStringList() << false
+                                  << "Week\n  Groceries\n    Milk\n    Bread\n      Rye\n  Report\n    Draft\n"
+                                     "    Review\n";
     QTest::newRow("by due date, descending")
         << QStringList{"--mode", "2", "--descending"} << false
         << "Week\n  [No Task/Due Date]\n    Rye\n    Review\n    Milk\n    Draft\n"

@@ -96,6 +96,7 @@ void TestQbx::loadFailuresGiveMessageAndStatus_data()
     // Every command loads through the same path: one failure kind each.
     QTest::newRow("dump damaged") << "dump" << QByteArray::fromHex("2702000000") << 1 << damaged;
     QTest::newRow("resave version 600") << "resave" << QByteArray::fromHex("58020000") << 2 << unsupported;
+    QTest::newRow("password damaged") << "password" << QByteArray::fromHex("2702000000") << 1 << damaged;
     QTest::newRow("check absent") << "check" << QByteArray() << 4 << QStringLiteral("File '%1' does not exist.\n");
 }
 
@@ -149,6 +150,8 @@ void TestQbx::passwordCommand()
             .value("PasswordHash")
             .toString();
     };
+    const QString notCorrect =
+        QStringLiteral("The password is not correct. Please enter the password and try again.\n");
     const QString mismatch = QStringLiteral("The new password and confirmation do not match. Please try again.\n");
 
     QbxRun run = qbx({QStringLiteral("password"), path}, typed("\nabc\nABC\n"));
@@ -157,6 +160,14 @@ void TestQbx::passwordCommand()
     QCOMPARE(hash(), QString());
 
     QCOMPARE(qbx({QStringLiteral("password"), path}, typed("ignored\nabc\nabc\n")).status, 0);
+    QCOMPARE(hash(), QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315"));
+
+    run = qbx({QStringLiteral("password"), path}, typed("ABC\n\n\n"));
+    QCOMPARE(run.status, 3);
+    QCOMPARE(QString::fromUtf8(run.err), notCorrect);
+
+    run = qbx({QStringLiteral("password"), path}, typed("abc\n1234567890123456\n1234567890123456\n"));
+    QCOMPARE(run.status, 3);
     QCOMPARE(hash(), QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315"));
 
     // Windows line ends are read as line ends.

@@ -299,6 +299,9 @@ void TestXmlExport::failures()
     QTemporaryDir dir;
     TreeNode root;
     QVERIFY(!XmlExport::exportXml(dir.filePath(QStringLiteral("no/such/folder/out.xml")), &root, {}));
+    // An encoding past either end of the list has no label.
+    QVERIFY(XmlExport::encodingLabel(-1).isEmpty());
+    QVERIFY(XmlExport::encodingLabel(int(XmlExport::encodingLabels().size())).isEmpty());
 
     // An unknown code page fails before any file exists.
     XmlExport::Options options;

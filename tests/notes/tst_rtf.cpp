@@ -85,6 +85,9 @@ void TestRtf::readsText_data()
         << QByteArray("{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fswiss Arial;}{\\f1\\fnil\\fcharset128 MS Mincho;}}"
                       "\\f1 \\'93\\'fa\\f0 \\'e9}")
         << QString::fromUtf8("日é");
+    QTest::newRow("the default font's character set")
+        << QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff1{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset128 Mincho;}}\\'93\\'fa}")
+        << QString::fromUtf8("日");
     QTest::newRow("IBM PC character set") << QByteArray("{\\rtf1\\pc \\'82\\'9b}") << QString::fromUtf8("é¢");
     QTest::newRow("a font's definition ends at its semicolon")
         << QByteArray("{\\rtf1\\ansi\\ansicpg1252{\\fonttbl\\f0\\fcharset204;\\cpg1252}\\f0 \\'c4}")

@@ -212,6 +212,7 @@ void TestSafeSave::keepsWhatTheFileIs()
     } else if (kind == QLatin1String("xattr")) {
         if (::setxattr(name.constData(), "user.colour", "blue", 4, 0) != 0)
             QSKIP("this file system takes no user attributes");
+        QCOMPARE(::setxattr(name.constData(), "user.empty", "", 0, 0), 0); // an empty value is copied too
     } else if (kind == QLatin1String("acl")) {
         if (QStandardPaths::findExecutable(QStringLiteral("setfacl")).isEmpty())
             QSKIP("setfacl is not installed");
@@ -262,6 +263,7 @@ void TestSafeSave::keepsWhatTheFileIs()
         char value[16] = {};
         QCOMPARE(::getxattr(name.constData(), "user.colour", value, sizeof value), ssize_t(4));
         QCOMPARE(QByteArray(value), QByteArray("blue"));
+        QCOMPARE(::getxattr(name.constData(), "user.empty", value, sizeof value), ssize_t(0));
     }
     if (kind == QLatin1String("acl")) {
         QVERIFY(acl.contains(QLatin1String("user:12345:r--")));
