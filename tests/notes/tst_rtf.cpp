@@ -86,7 +86,7 @@ void TestRtf::readsText_data()
                       "\\f1 \\'93\\'fa\\f0 \\'e9}")
         << QString::fromUtf8("日é");
     QTest::newRow("the default font's character set")
-        << QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff1{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset128 Mincho;}}\\'93\\'fa}")
+        << QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0{\\fonttbl{\\f0\\fcharset128 Mincho;}{\\f1 Arial;}}\\'93\\'fa}")
         << QString::fromUtf8("日");
     QTest::newRow("IBM PC character set") << QByteArray("{\\rtf1\\pc \\'82\\'9b}") << QString::fromUtf8("é¢");
     QTest::newRow("a font's definition ends at its semicolon")
