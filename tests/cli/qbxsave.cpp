@@ -31,8 +31,8 @@ class TestQbxSave : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void deviceTargets_data();
-    void deviceTargets();
+    void fifoTarget_data();
+    void fifoTarget();
     void standardOutputFailures_data();
     void standardOutputFailures();
     void exportOntoItsOwnDocument_data();
@@ -55,42 +55,38 @@ QString TestQbxSave::document(const QString &name, int items)
     return path;
 }
 
-void TestQbxSave::deviceTargets_data()
+// What stands in the way of a write is the safe save's to judge; each
+// command reports it with its status and leaves the target as it was.
+void TestQbxSave::fifoTarget_data()
 {
-    QTest::addColumn<QStringList>("arguments"); // DOC and OUT stand for the paths
-    QTest::addColumn<QString>("target");
-    QTest::newRow("resave onto /dev/full") << QStringList{"resave", "DOC", "OUT"} << "/dev/full";
-    QTest::newRow("items export onto a FIFO")
-        << QStringList{"export", "items", "DOC", "OUT", "--choice", "3", "--select", "1"} << "FIFO";
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("resave") << QStringList{"resave", "DOC", "OUT"};
+    QTest::newRow("items export") << QStringList{"export", "items", "DOC", "OUT", "--choice", "3", "--select", "1"};
 }
 
-void TestQbxSave::deviceTargets()
+void TestQbxSave::fifoTarget()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(QString, target);
-    if (target == QLatin1String("/dev/full") && !QFileInfo::exists(target))
-        QSKIP("this system has no /dev/full");
     const QString path = document(QStringLiteral("device.qbx"));
-    if (target == QLatin1String("FIFO")) {
-        target = m_dir.filePath(QStringLiteral("pipe"));
-        QFile::remove(target);
-        QCOMPARE(::mkfifo(QFile::encodeName(target).constData(), 0600), 0);
-    }
-    arguments.replaceInStrings(QStringLiteral("DOC"), path).replaceInStrings(QStringLiteral("OUT"), target);
+    const QString pipe = m_dir.filePath(QStringLiteral("pipe"));
+    QFile::remove(pipe);
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    arguments.replaceInStrings(QStringLiteral("DOC"), path).replaceInStrings(QStringLiteral("OUT"), pipe);
     const QbxRun run = qbx(arguments);
     QCOMPARE(run.status, 5);
-    QVERIFY2(run.err.contains("not a regular file"), run.err.constData());
-    QVERIFY(run.err.contains(QFile::encodeName(target)));
+    QCOMPARE(run.err, "qbx: " + QFile::encodeName(pipe) + ": is a FIFO, not a regular file\n");
     struct stat info;
-    QCOMPARE(::stat(QFile::encodeName(target).constData(), &info), 0);
-    QVERIFY(S_ISCHR(info.st_mode) || S_ISFIFO(info.st_mode)); // still what it was
+    QCOMPARE(::stat(QFile::encodeName(pipe).constData(), &info), 0);
+    QVERIFY(S_ISFIFO(info.st_mode));
 }
 
+// Each command that prints a document checks its output to the end.
 void TestQbxSave::standardOutputFailures_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("dump") << QStringList{"dump", "DOC"};
     QTest::newRow("find") << QStringList{"find", "DOC", "--name", "e"};
+    QTest::newRow("view") << QStringList{"view", "DOC"};
 }
 
 void TestQbxSave::standardOutputFailures()
@@ -98,41 +94,29 @@ void TestQbxSave::standardOutputFailures()
     QFETCH(QStringList, arguments);
     if (!QFileInfo::exists(QStringLiteral("/dev/full")))
         QSKIP("this system has no /dev/full");
-    const QString path = document(QStringLiteral("output.qbx"));
-    arguments.replaceInStrings(QStringLiteral("DOC"), path);
+    arguments.replaceInStrings(QStringLiteral("DOC"), document(QStringLiteral("output.qbx")));
     const QbxRun full = qbx(arguments, {{}, QStringLiteral("/dev/full"), {}, {}});
     QCOMPARE(full.status, 5);
     QCOMPARE(full.err, QByteArray("qbx: cannot write the standard output: disk full\n"));
     QCOMPARE(qbx(arguments, {{}, QStringLiteral("/dev/null"), {}, {}}).status, 0);
 }
 
+// Every command that writes a file names its own document as the source.
 void TestQbxSave::exportOntoItsOwnDocument_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<bool>("throughLink");
-    const QStringList items{"export", "items", "DOC", "OUT", "--choice", "3", "--select", "1"};
-    for (const bool link : {false, true}) {
-        const char *how = link ? ", through a link" : "";
-        QTest::addRow("xml%s", how) << QStringList{"export", "xml", "DOC", "OUT"} << link;
-        QTest::addRow("items with delete%s", how) << (QStringList(items) << "--delete") << link;
-        QTest::addRow("branch%s", how) << QStringList{"export", "branch", "DOC", "1", "OUT"} << link;
-    }
+    QTest::newRow("xml") << QStringList{"export", "xml", "DOC", "DOC"};
+    QTest::newRow("items with delete") << QStringList{"export", "items", "DOC", "DOC", "--choice", "3", "--select",
+                                                      "1", "--delete"};
+    QTest::newRow("branch") << QStringList{"export", "branch", "DOC", "1", "DOC"};
 }
 
 void TestQbxSave::exportOntoItsOwnDocument()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(bool, throughLink);
     const QString path = document(QStringLiteral("own.qbx"));
     const QByteArray before = fileBytes(path);
-    QString out = path;
-    if (throughLink) {
-        out = m_dir.filePath(QStringLiteral("own-link.qbx"));
-        QFile::remove(out);
-        QVERIFY(QFile::link(path, out));
-    }
-    arguments.replaceInStrings(QStringLiteral("DOC"), path).replaceInStrings(QStringLiteral("OUT"), out);
-    const QbxRun run = qbx(arguments);
+    const QbxRun run = qbx(arguments.replaceInStrings(QStringLiteral("DOC"), path));
     QCOMPARE(run.status, 5);
     QVERIFY2(run.err.contains("is the document being read"), run.err.constData());
     QCOMPARE(fileBytes(path), before);

@@ -19,14 +19,6 @@ QbxOptions typed(const QByteArray &lines)
     return options;
 }
 
-QJsonArray times(std::initializer_list<int> fields)
-{
-    QJsonArray array;
-    for (int f : fields)
-        array.append(f);
-    return array;
-}
-
 } // namespace
 
 // The commands on whole documents: dump, check, resave, password, generate.
@@ -67,71 +59,25 @@ void TestQbx::dumpPrintsEveryField()
     const QJsonObject dump = QJsonDocument::fromJson(run.out, &error).object();
     QCOMPARE(error.error, QJsonParseError::NoError);
 
-    QJsonObject second{{"Image", 0},
-                       {"Sort", 15},
-                       {"Name", ""},
-                       {"ExtraWord", 0},
-                       {"Expanded", false},
-                       {"Ascending", true},
-                       {"TaskTime", ""},
-                       {"TaskTimeType", 0},
-                       {"Colour", 0},
-                       {"Created", times({0, 0, 0, 0, 0, 0, 0, 0})},
-                       {"Progress", 0},
-                       {"StatusType", 0},
-                       {"ShowIcon", true},
-                       {"AutoProgress", false},
-                       {"Italic", false},
-                       {"Category", ""},
-                       {"Priority", 10},
-                       {"DueDate", times({0, 0, 0, 0, 0, 0, 0, 0})},
-                       {"ReminderTime", times({0, 0, 0, 0, 0, 0, 0, 0})},
-                       {"Note", ""},
-                       {"Links", QJsonArray()},
-                       {"Children", QJsonArray()}};
-    QJsonObject first{{"Image", 4},
-                      {"Sort", 15},
-                      {"Name", QStringLiteral("Tâche \"1\"")},
-                      {"ExtraWord", 4294967295.0},
-                      {"Expanded", false},
-                      {"Ascending", false},
-                      {"TaskTime", "3"},
-                      {"TaskTimeType", 0},
-                      {"Colour", 0},
-                      {"Created", times({2020, 1, 3, 1, 2, 3, 4, 5})},
-                      {"Progress", 40},
-                      {"StatusType", 2},
-                      {"ShowIcon", false},
-                      {"AutoProgress", true},
-                      {"Italic", true},
-                      {"Category", QStringLiteral("Büro")},
-                      {"Priority", 3},
-                      {"DueDate", times({2021, 2, 1, 1, 0, 0, 0, 0})},
-                      {"ReminderTime", times({2021, 2, 1, 1, 9, 0, 0, 0})},
-                      {"Note", "YWJj"},
-                      {"Links", QJsonArray{"!2", "!0", "tel:123"}},
-                      {"Children", QJsonArray{second}}};
-    QJsonObject expected{{"Version", 551},
-                         {"PasswordHash", "00ff"},
-                         {"NoteType", 1},
-                         {"ViewMode", 2},
-                         {"ViewOrder", 3},
-                         {"ViewAscending", true},
-                         {"HideCompleted", true},
-                         {"ShowNoteWindow", false},
-                         {"ShowDueDate", true},
-                         {"ShowStatistics", true},
-                         {"HideByStatus", 48},
-                         {"Current", 1},
-                         {"Categories", QJsonArray{QStringLiteral("Büro")}},
-                         {"Root", QJsonObject{{"Image", 826},
-                                              {"Sort", 0},
-                                              {"Name", "Wurzel"},
-                                              {"ExtraWord", 9},
-                                              {"Expanded", true},
-                                              {"Ascending", true},
-                                              {"Children", QJsonArray{first}}}}};
-    QCOMPARE(dump, expected);
+    const QByteArray expected = R"({
+        "Version": 551, "PasswordHash": "00ff", "NoteType": 1, "ViewMode": 2, "ViewOrder": 3,
+        "ViewAscending": true, "HideCompleted": true, "ShowNoteWindow": false, "ShowDueDate": true,
+        "ShowStatistics": true, "HideByStatus": 48, "Current": 1, "Categories": ["Büro"],
+        "Root": {"Image": 826, "Sort": 0, "Name": "Wurzel", "ExtraWord": 9, "Expanded": true, "Ascending": true,
+            "Children": [{
+                "Image": 4, "Sort": 15, "Name": "Tâche \"1\"", "ExtraWord": 4294967295, "Expanded": false,
+                "Ascending": false, "TaskTime": "3", "TaskTimeType": 0, "Colour": 0,
+                "Created": [2020, 1, 3, 1, 2, 3, 4, 5], "Progress": 40, "StatusType": 2, "ShowIcon": false,
+                "AutoProgress": true, "Italic": true, "Category": "Büro", "Priority": 3,
+                "DueDate": [2021, 2, 1, 1, 0, 0, 0, 0], "ReminderTime": [2021, 2, 1, 1, 9, 0, 0, 0],
+                "Note": "YWJj", "Links": ["!2", "!0", "tel:123"],
+                "Children": [{
+                    "Image": 0, "Sort": 15, "Name": "", "ExtraWord": 0, "Expanded": false, "Ascending": true,
+                    "TaskTime": "", "TaskTimeType": 0, "Colour": 0, "Created": [0, 0, 0, 0, 0, 0, 0, 0],
+                    "Progress": 0, "StatusType": 0, "ShowIcon": true, "AutoProgress": false, "Italic": false,
+                    "Category": "", "Priority": 10, "DueDate": [0, 0, 0, 0, 0, 0, 0, 0],
+                    "ReminderTime": [0, 0, 0, 0, 0, 0, 0, 0], "Note": "", "Links": [], "Children": []}]}]}})";
+    QCOMPARE(dump, QJsonDocument::fromJson(expected).object());
 
     const QbxRun check = qbx({QStringLiteral("check"), path});
     QCOMPARE(check.status, 0);

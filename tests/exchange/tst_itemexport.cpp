@@ -66,7 +66,6 @@ private Q_SLOTS:
     void choices_data();
     void choices();
     void copiesKeepTheirFieldsAndLinks();
-    void nothingMatched();
     void failureDeletesNothing();
 };
 
@@ -148,21 +147,6 @@ void TestItemExport::copiesKeepTheirFieldsAndLinks()
     QCOMPARE(links[2], QStringLiteral("http://x"));
 }
 
-void TestItemExport::nothingMatched()
-{
-    Document document;
-    document.root()->appendChild(new Item(QStringLiteral("open task")));
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("part.qbx"));
-    QCOMPARE(ItemExport::exportItems(document, ItemExport::CompletedOnly, true, {}, path), 0);
-    QVERIFY(!QFile::exists(path));
-    QCOMPARE(document.root()->childCount(), 1);
-
-    Document empty;
-    QCOMPARE(ItemExport::exportItems(empty, ItemExport::CurrentBranch, true, {}, path), 0);
-    QVERIFY(!QFile::exists(path));
-}
-
 void TestItemExport::failureDeletesNothing()
 {
     for (int choice = 0; choice < 4; ++choice) {
@@ -175,6 +159,18 @@ void TestItemExport::failureDeletesNothing()
                  ItemExport::Failed);
         QCOMPARE(describe(sample.document.root()), before);
     }
+
+    // Nothing to export: no file, and nothing deleted.
+    Document document;
+    document.root()->appendChild(new Item(QStringLiteral("open task")));
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("part.qbx"));
+    QCOMPARE(ItemExport::exportItems(document, ItemExport::CompletedOnly, true, {}, path), 0);
+    QVERIFY(!QFile::exists(path));
+    QCOMPARE(document.root()->childCount(), 1);
+    Document empty;
+    QCOMPARE(ItemExport::exportItems(empty, ItemExport::CurrentBranch, true, {}, path), 0);
+    QVERIFY(!QFile::exists(path));
 }
 
 QTEST_GUILESS_MAIN(TestItemExport)

@@ -6,11 +6,8 @@
 #include "tools/documentgenerator.h"
 
 #include <QBuffer>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QXmlStreamReader>
 
 namespace {
 
@@ -33,105 +30,6 @@ TreeSummary::Keep markdownKeeps()
     keep.category = false;
     keep.due = false;
     return keep;
-}
-
-// How a CommonMark reader must see one Item: its depth, its first paragraph
-// (the status mark, the name and the links' texts, apart by spaces) and the
-// paragraphs that follow.
-QString expectedRendering(const Item &item, int depth, quint16 noteType)
-{
-    QStringList first;
-    if (item.statusType() == Item::CheckBox)
-        first << (item.isComplete() ? QStringLiteral("[x]") : QStringLiteral("[ ]"));
-    else if (item.statusType() == Item::ProgressBar)
-        first << QStringLiteral("[%1%]").arg(item.progress());
-    if (!item.name().isEmpty())
-        first << item.name();
-    for (const QString &link : item.links()) {
-        if (!Item::isItemLink(link))
-            first << link;
-    }
-    QString note = NoteText::plainText(item.note(), noteType);
-    note.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    QStringList paragraphs;
-    QStringList lines;
-    for (const QString &line : note.split(QLatin1Char('\n'))) {
-        if (line.trimmed().isEmpty()) {
-            if (!lines.isEmpty())
-                paragraphs << lines.join(QLatin1Char('\n'));
-            lines.clear();
-        } else {
-            lines << line;
-        }
-    }
-    if (!lines.isEmpty())
-        paragraphs << lines.join(QLatin1Char('\n'));
-    return QStringLiteral("%1|%2|%3").arg(depth).arg(first.join(QLatin1Char(' ')), paragraphs.join(QLatin1String("||")));
-}
-
-QString expectedRendering(const TreeNode *root, quint16 noteType)
-{
-    QString out = QLatin1String("# ") + root->name() + QLatin1Char('\n');
-    TreeWalker walker(root);
-    while (const Item *item = walker.next())
-        out += expectedRendering(*item, walker.depth(), noteType) + QLatin1Char('\n');
-    return out;
-}
-
-// The same lines read from cmark's XML rendering of the document.
-QString cmarkRendering(const QByteArray &xml)
-{
-    struct Open {
-        qsizetype line;
-        QStringList paragraphs;
-    };
-    std::vector<Open> items;
-    QStringList lines;
-    QString heading;
-    QString text;
-    bool inParagraph = false;
-    bool inHeading = false;
-    QXmlStreamReader reader(xml);
-    while (!reader.atEnd()) {
-        const auto token = reader.readNext();
-        const QStringView name = reader.name();
-        if (token == QXmlStreamReader::StartElement) {
-            if (name == QLatin1String("item")) {
-                items.push_back({lines.size(), {}});
-                lines << QString();
-            } else if (name == QLatin1String("paragraph") && !items.empty()) {
-                inParagraph = true;
-                text.clear();
-            } else if (name == QLatin1String("heading")) {
-                inHeading = true;
-                text.clear();
-            } else if (name == QLatin1String("linebreak") || name == QLatin1String("softbreak")) {
-                text += QLatin1Char('\n');
-            } else if ((inParagraph || inHeading) &&
-                       (name == QLatin1String("text") || name == QLatin1String("code"))) {
-                text += reader.readElementText();
-            }
-        } else if (token == QXmlStreamReader::EndElement) {
-            if (name == QLatin1String("paragraph") && inParagraph) {
-                items.back().paragraphs << text;
-                inParagraph = false;
-            } else if (name == QLatin1String("heading")) {
-                heading = text;
-                inHeading = false;
-            } else if (name == QLatin1String("item")) {
-                const Open &open = items.back();
-                const QStringList &p = open.paragraphs;
-                lines[open.line] = QStringLiteral("%1|%2|%3")
-                                       .arg(items.size())
-                                       .arg(p.value(0), p.mid(1).join(QLatin1String("||")));
-                items.pop_back();
-            }
-        }
-    }
-    if (reader.hasError())
-        return QStringLiteral("(cmark's XML: %1)").arg(reader.errorString());
-    return QLatin1String("# ") + heading + QLatin1Char('\n') + lines.join(QLatin1Char('\n')) +
-           (lines.isEmpty() ? QString() : QStringLiteral("\n"));
 }
 
 Item *item(TreeNode *parent, const QString &name, quint16 status = Item::CheckBox, quint16 progress = 0)
@@ -182,8 +80,6 @@ class TestMarkdown : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void exportWritesTheTree();
-    void rendersAsTheTree_data();
-    void rendersAsTheTree();
     void refusesWhatIsTooDeep();
     void importsWhatOthersWrite_data();
     void importsWhatOthersWrite();
@@ -218,42 +114,6 @@ void TestMarkdown::exportWritesTheTree()
                         "- <span></span>\n"
                         "\n"
                         "  n\n"));
-}
-
-void TestMarkdown::rendersAsTheTree_data()
-{
-    QTest::addColumn<QString>("shape");
-    QTest::newRow("generated tree, plain notes") << "tree";
-    QTest::newRow("generated tree, rich text notes") << "rich";
-    QTest::newRow("a chain as deep as Markdown goes") << "chain";
-    QTest::newRow("names that look like Markdown") << "tricky";
-}
-
-void TestMarkdown::rendersAsTheTree()
-{
-    const QString cmark = QStandardPaths::findExecutable(QStringLiteral("cmark"));
-    if (cmark.isEmpty())
-        QSKIP("cmark is not installed (scripts/setup installs it)");
-    QFETCH(QString, shape);
-    Document document;
-    if (shape == QLatin1String("tree"))
-        generate(&document, 1500, false, 0, 1);
-    else if (shape == QLatin1String("rich"))
-        generate(&document, 400, false, 2, 5);
-    else if (shape == QLatin1String("chain"))
-        generate(&document, MarkdownExport::MaxDepth, true, 0, 2);
-    else
-        trickyDocument(&document);
-    const QByteArray markdown = writeBytes(document.root(), document.noteType);
-    QProcess process;
-    process.start(cmark, {QStringLiteral("--to"), QStringLiteral("xml")});
-    QVERIFY(process.waitForStarted());
-    process.write(markdown);
-    process.closeWriteChannel();
-    QVERIFY(process.waitForFinished(120000));
-    const QString expected = expectedRendering(document.root(), document.noteType);
-    QVERIFY(expected.count(QLatin1Char('\n')) > 10);
-    QCOMPARE(cmarkRendering(process.readAllStandardOutput()), expected);
 }
 
 void TestMarkdown::refusesWhatIsTooDeep()

@@ -1,4 +1,3 @@
-#include "exchange/textexport.h"
 #include "exchange/textimport.h"
 #include "support/exchangetest.h"
 #include "model/item.h"
@@ -31,11 +30,7 @@ private Q_SLOTS:
     void onlyRegularFilesOfASensibleSize();
     void namesAreCut();
     void everyItemGetsTheIcon();
-    void documentPath_data();
     void documentPath();
-    void readsAFile();
-    void viewExportComesBack_data();
-    void viewExportComesBack();
 };
 
 void TestTextImport::outline_data()
@@ -131,9 +126,10 @@ void TestTextImport::invalidUtf8IsUnreadable()
     options.encoding = TextImport::Encoding::Utf8;
     QCOMPARE(TextImport::import("R\n a\xff\xfe", &root, options), TextImport::Result::Unreadable);
     QCOMPARE(TextImport::import("\xef\xbb\xbfR\n \xc3", &root, {}), TextImport::Result::Unreadable);
-    QCOMPARE(TextImport::message(TextImport::Result::FormatError, 7),
-             QStringLiteral("The format of the import text file is invalid. Please correct the file and try "
-                            "again. (line 7)"));
+    const QString invalid =
+        QStringLiteral("The format of the import text file is invalid. Please correct the file and try again.");
+    QCOMPARE(TextImport::message(TextImport::Result::FormatError, 1), invalid + QStringLiteral(" (line 1)"));
+    QCOMPARE(TextImport::message(TextImport::Result::FormatError, 0), invalid);
 }
 
 void TestTextImport::namesAreCut()
@@ -158,44 +154,28 @@ void TestTextImport::everyItemGetsTheIcon()
     QCOMPARE(TextImport::noteTypeOf(TextImport::DefaultSetting), quint16(1));
 }
 
-void TestTextImport::documentPath_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("document");
-    QTest::newRow("extension") << "/home/me/list.txt"
-                               << "/home/me/list.qbx";
-    QTest::newRow("last extension only") << "/home/me/list.tar.txt"
-                                         << "/home/me/list.tar.qbx";
-    QTest::newRow("dot in a folder") << "/home/me.old/list"
-                                     << "/home/me.old/list.qbx";
-}
-
 void TestTextImport::documentPath()
 {
-    QFETCH(QString, text);
-    QFETCH(QString, document);
-    QCOMPARE(TextImport::documentPath(text), document);
-}
-
-void TestTextImport::readsAFile()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("list.txt"));
-    TreeNode root;
-    QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Unreadable);
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("R\r\n\ta\r\n");
-    file.close();
-    QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Ok);
-    QCOMPARE(describe(&root), QStringLiteral("R(a)"));
-    QCOMPARE(QFileInfo(path).size(), 7); // the file keeps its size
+    QCOMPARE(TextImport::documentPath(QStringLiteral("/home/me/list.txt")), QStringLiteral("/home/me/list.qbx"));
+    QCOMPARE(TextImport::documentPath(QStringLiteral("/home/me/list.tar.txt")),
+             QStringLiteral("/home/me/list.tar.qbx"));
+    QCOMPARE(TextImport::documentPath(QStringLiteral("/home/me.old/list")), QStringLiteral("/home/me.old/list.qbx"));
 }
 
 void TestTextImport::onlyRegularFilesOfASensibleSize()
 {
     QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("list.txt"));
     TreeNode root;
+    QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Unreadable);
+    QFile text(path);
+    QVERIFY(text.open(QIODevice::WriteOnly));
+    text.write("R\r\n\ta\r\n");
+    text.close();
+    QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Ok);
+    QCOMPARE(describe(&root), QStringLiteral("R(a)"));
+    QCOMPARE(QFileInfo(path).size(), 7); // the file keeps its size
+
     const QString fifo = dir.filePath(QStringLiteral("pipe.txt"));
     QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
     QCOMPARE(TextImport::importFile(fifo, &root, {}), TextImport::Result::Unreadable); // would wait for ever
@@ -210,41 +190,6 @@ void TestTextImport::onlyRegularFilesOfASensibleSize()
     QVERIFY(file.resize(TextImport::MaxFileSize + 1));
     file.close();
     QCOMPARE(TextImport::importFile(huge, &root, {}), TextImport::Result::Unreadable);
-}
-
-void TestTextImport::viewExportComesBack_data()
-{
-    QTest::addColumn<int>("indent");
-    QTest::addColumn<bool>("unicode");
-    QTest::newRow("tab, code page") << 1 << false;
-    QTest::newRow("one space, unicode") << 2 << true;
-}
-
-void TestTextImport::viewExportComesBack()
-{
-    QFETCH(int, indent);
-    QFETCH(bool, unicode);
-    TreeNode root(QStringLiteral("Projects"));
-    auto *home = new Item(QStringLiteral("Home"));
-    auto *garden = new Item(QString::fromUtf8("Garden & Hof: Äpfel"));
-    auto *deep = new Item(QStringLiteral("Deep"));
-    root.appendChild(home);
-    home->appendChild(garden);
-    garden->appendChild(deep);
-    deep->appendChild(new Item(QStringLiteral("Deeper")));
-    home->appendChild(new Item(QStringLiteral("Kitchen")));
-    root.appendChild(new Item(QStringLiteral("Work")));
-    root.child(1)->appendChild(new Item(unicode ? QString::fromUtf8("日本 report") : QStringLiteral("Report")));
-
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("view.txt"));
-    TextExport::Options options;
-    options.indent = quint16(indent);
-    options.unicode = unicode;
-    QVERIFY(TextExport::exportView(path, &root, options));
-    TreeNode back;
-    QCOMPARE(TextImport::importFile(path, &back, {}), TextImport::Result::Ok);
-    QCOMPARE(describe(&back), describe(&root));
 }
 
 QTEST_GUILESS_MAIN(TestTextImport)

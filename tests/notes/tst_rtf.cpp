@@ -1,10 +1,6 @@
 #include "notes/rtfreader.h"
 #include "notes/rtfwriter.h"
 
-#include <QProcess>
-#include <QRegularExpression>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -61,8 +57,6 @@ private Q_SLOTS:
     void plainTextRoundTrip_data();
     void plainTextRoundTrip();
     void deepNestingIsSafe();
-    void unrtfReadsWhatWeWrite_data();
-    void unrtfReadsWhatWeWrite();
 };
 
 void TestRtf::readsText_data()
@@ -91,6 +85,9 @@ void TestRtf::readsText_data()
         << QByteArray("{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fswiss Arial;}{\\f1\\fnil\\fcharset128 MS Mincho;}}"
                       "\\f1 \\'93\\'fa\\f0 \\'e9}")
         << QString::fromUtf8("日é");
+    QTest::newRow("the default font's character set")
+        << QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0{\\fonttbl{\\f0\\fcharset128 Mincho;}{\\f1 Arial;}}\\'93\\'fa}")
+        << QString::fromUtf8("日");
     QTest::newRow("IBM PC character set") << QByteArray("{\\rtf1\\pc \\'82\\'9b}") << QString::fromUtf8("é¢");
     QTest::newRow("a font's definition ends at its semicolon")
         << QByteArray("{\\rtf1\\ansi\\ansicpg1252{\\fonttbl\\f0\\fcharset204;\\cpg1252}\\f0 \\'c4}")
@@ -216,52 +213,6 @@ void TestRtf::deepNestingIsSafe()
     // Groups left open, however many, end with the text.
     QByteArray open("{\\rtf1 x" + QByteArray(300000, '{') + "y");
     QCOMPARE(RtfReader::plainText(open), QStringLiteral("xy"));
-}
-
-void TestRtf::unrtfReadsWhatWeWrite_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected"); // as unrtf prints it: one line per paragraph
-
-    QTest::newRow("lines") << "First line\r\nSecond {line} with \\ backslash\r\n\r\nlast"
-                           << "First line\nSecond {line} with \\ backslash\n\nlast\n";
-    QTest::newRow("unicode") << QString::fromUtf8("café € 日本 😀") << QString::fromUtf8("café € 日本 😀\n");
-}
-
-void TestRtf::unrtfReadsWhatWeWrite()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, expected);
-    const QString unrtf = QStandardPaths::findExecutable(QStringLiteral("unrtf"));
-    if (unrtf.isEmpty())
-        QSKIP("unrtf is not installed (scripts/setup installs it)");
-    QTemporaryDir dir;
-    QFile file(dir.filePath(QStringLiteral("note.rtf")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(RtfWriter::fromPlainText(text));
-    file.close();
-
-    // Our tag file prints text, a line per paragraph, and "[U%d]" for every
-    // UTF-16 unit that unrtf takes from a \u escape.
-    QProcess process;
-    process.start(unrtf, {QStringLiteral("-P"), QStringLiteral(QUILLBOX_TEST_DATA "/unrtf"), QStringLiteral("-t"),
-                          QStringLiteral("plaintext"), file.fileName()});
-    QVERIFY(process.waitForFinished(30000));
-    QCOMPARE(process.exitCode(), 0);
-    QString output = QString::fromUtf8(process.readAllStandardOutput());
-    const qsizetype body = output.indexOf(QLatin1String("-----------------\n"));
-    QVERIFY(body >= 0);
-    output = output.mid(body + 18);
-    static const QRegularExpression unit(QStringLiteral("\\[U(\\d+)\\]"));
-    QString decoded;
-    qsizetype last = 0;
-    for (const QRegularExpressionMatch &m : unit.globalMatch(output)) {
-        decoded += output.mid(last, m.capturedStart() - last);
-        decoded += QChar(char16_t(m.captured(1).toUInt()));
-        last = m.capturedEnd();
-    }
-    decoded += output.mid(last);
-    QCOMPARE(decoded, expected);
 }
 
 QTEST_GUILESS_MAIN(TestRtf)

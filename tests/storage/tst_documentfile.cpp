@@ -79,18 +79,6 @@ QString writeFile(const QTemporaryDir &dir, const QString &name, const QByteArra
     return file.fileName();
 }
 
-// Valid hand-built files double as the fuzzer's seed corpus: with
-// QUILLBOX_WRITE_CORPUS set to a folder, the tests leave them there.
-void keepForCorpus(const char *name, const QByteArray &file)
-{
-    const QString folder = qEnvironmentVariable("QUILLBOX_WRITE_CORPUS");
-    if (folder.isEmpty())
-        return;
-    QFile out(folder + QLatin1Char('/') + QLatin1String(name) + QLatin1String(".qbx"));
-    if (out.open(QIODevice::WriteOnly))
-        out.write(file);
-}
-
 QByteArray writtenBack(const QByteArray &file)
 {
     Document doc;
@@ -141,7 +129,6 @@ void TestDocumentFile::emptyDocumentIsHeaderAndRootOnly()
                                                     "02000000"                 // Ascending, not expanded
                                                     "0f00");                   // manual order
     QCOMPARE(expected.size(), 24 + 16 + 2 * 4);
-    keepForCorpus("empty-551", expected);
     QCOMPARE(DocumentFile::toBytes(doc), expected);
 
     Document loaded;
@@ -168,66 +155,29 @@ void TestDocumentFile::version551EveryFieldUnusual()
     f.str(QStringLiteral("öffentlich")).u16(20).time(2025, 6, 0, 1, 0, 0, 0, 0).zeroTime().u32(0xFFFFFFFF);
     f.u32(1).str(QStringLiteral("!9"));
 
-    keepForCorpus("every-field-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
+    // Every field read shows in the bytes written back; these are what the
+    // writer cannot show: where the fields went and what they mean.
     QCOMPARE(doc.version, 551u);
-    QCOMPARE(doc.passwordHash, QByteArray::fromHex("abcdef"));
     QVERIFY(doc.hideCompleted && doc.showNoteWindow && doc.showDueDate && doc.showStatistics && doc.viewAscending);
-    QCOMPARE(doc.noteType, quint16(2));
-    QCOMPARE(doc.viewMode, quint16(3));
-    QCOMPARE(doc.viewOrder, quint16(5));
-    QCOMPARE(doc.hideByStatus, 0xFFFFFF8Fu);
     QCOMPARE(doc.categories, QStringList({QStringLiteral("Öffentlich"), QStringLiteral("öffentlich")}));
-
-    const TreeNode *root = doc.root();
-    QCOMPARE(root->image(), quint16(826));
-    QCOMPARE(root->name(), QStringLiteral("Wurzel ü"));
-    QCOMPARE(root->extraWord(), 0xDEADBEEFu);
-    QVERIFY(root->isExpanded() && root->isAscending());
-    QCOMPARE(root->sort(), quint16(4));
-
-    const QList<Item *> items = preOrder(root);
+    QCOMPARE(doc.root()->image(), quint16(826));
+    const QList<Item *> items = preOrder(doc.root());
     QCOMPARE(items.size(), 2);
     const Item *a = items[0];
     const Item *b = items[1];
     QCOMPARE(b->parent(), a);
     QCOMPARE(doc.current(), b);
-
-    QCOMPARE(a->image(), quint16(0xFFFE));
-    QCOMPARE(a->name(), QString());
-    QCOMPARE(a->extraWord(), 0x80000001u);
-    QVERIFY(a->isExpanded());
-    QVERIFY(!a->isAscending());
-    QCOMPARE(a->sort(), quint16(5));
-    QCOMPARE(a->taskTime(), QStringLiteral("1234567"));
+    QVERIFY(a->isExpanded() && !a->isAscending() && !b->isExpanded() && b->isAscending());
     QCOMPARE(a->taskTimeType(), quint16(0));
     QCOMPARE(a->colour(), quint16(0));
-    QCOMPARE(a->created(), st(2004, 2, 0, 29, 23, 59, 59, 999));
-    QCOMPARE(a->progress(), quint16(250));
-    QCOMPARE(a->statusType(), quint16(7));
     QVERIFY(!a->showIcon() && !a->autoProgress() && !a->isItalic());
-    QCOMPARE(a->category(), QStringLiteral("Öffentlich"));
-    QCOMPARE(a->priority(), quint16(0));
-    QCOMPARE(a->dueDate(), st(0, 0, 1, 2, 3, 4, 5, 6));
+    QVERIFY(b->showIcon() && b->autoProgress() && b->isItalic());
     QVERIFY(!a->hasDueDate());
-    QCOMPARE(a->reminderTime(), st(0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF));
-    QCOMPARE(a->note(), QByteArray::fromHex("0102030405"));
+    QCOMPARE(b->noteSize(), 0);
     QCOMPARE(a->links(),
              QStringList({b->linkText(), QStringLiteral("!0"), QStringLiteral("\\\\server\\share\\x.txt")}));
-
-    QCOMPARE(b->image(), quint16(12));
-    QVERIFY(!b->isExpanded());
-    QVERIFY(b->isAscending());
-    QCOMPARE(b->colour(), quint16(35));
-    QCOMPARE(b->created(), st(1999, 12, 5, 31, 0, 0, 0, 0));
-    QCOMPARE(b->progress(), quint16(100));
-    QVERIFY(b->showIcon() && b->autoProgress() && b->isItalic());
-    QCOMPARE(b->category(), QStringLiteral("öffentlich"));
-    QCOMPARE(b->priority(), quint16(20));
-    QCOMPARE(b->dueDate(), st(2025, 6, 0, 1, 0, 0, 0, 0));
-    QVERIFY(b->reminderTime().isZero());
-    QCOMPARE(b->noteSize(), 0);
     QCOMPARE(b->links(), QStringList{a->linkText()});
 
     // Written back: only the five document flags, 826 for the unset image, 0
@@ -257,7 +207,6 @@ void TestDocumentFile::version550HasNoReminderTime()
     f.str(QStringLiteral("5")).u16(1).time(2010, 5, 1, 3, 4, 5, 6, 7).u16(50).u16(2).u32(1);
     f.str(QString()).u16(10).time(2011, 1, 6, 1, 0, 0, 0, 0).u32(2).hex("4100").u32(0);
 
-    keepForCorpus("reminderless-550", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 550u);
@@ -296,7 +245,6 @@ void TestDocumentFile::versions500And501()
     f.str(QString()).u16(0).zeroTime().u16(0).u16(1).u32(1).str(QStringLiteral("Work")).u16(10).zeroTime();
     f.u32(0).u32(0);
 
-    keepForCorpus(version == 500 ? "password-500" : "password-501", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, version);
@@ -344,7 +292,6 @@ void TestDocumentFile::version410LegacyRecords()
     f.u32(2).fixed(QStringLiteral("/docs/Projects/x.txt"), 260).fixed(QStringLiteral("/docsother/y.txt"), 260);
     f.u32(0);
 
-    keepForCorpus("records-410", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.version, 410u);
@@ -455,7 +402,6 @@ void TestDocumentFile::everyTruncationIsDamageOrAnEarlierEnd()
     for (int i = 0; i <= entries.size(); ++i)
         ends.append(int(file551(entries.first(i), 2).size()));
     const QByteArray file = file551(entries, 2);
-    keepForCorpus("depths-551", file);
 
     for (int length = 0; length <= file.size(); ++length) {
         Document doc;
@@ -493,7 +439,6 @@ void TestDocumentFile::linkRepairAndCurrentNumber()
                    QStringLiteral("!0"), QStringLiteral("!99999999999"), QStringLiteral("mailto:a@b")}},
                  {1, 6, QStringLiteral("six")}},
                 5);
-    keepForCorpus("links-551", f);
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     const QList<Item *> items = preOrder(doc.root());
@@ -562,7 +507,7 @@ void TestDocumentFile::categoriesAreCollectedCaseSensitively()
 void TestDocumentFile::generatedDocumentRoundTrips()
 {
     // Every field is checked by the hand-built files; here a large generated
-    // document must come back as the same bytes, its links to the same Items.
+    // document must come back as the same bytes.
     for (quint16 noteType : {quint16(0), quint16(2)}) {
         Document original;
         DocumentGenerator::generate(&original, {600, 7, false, noteType});
@@ -581,19 +526,6 @@ void TestDocumentFile::generatedDocumentRoundTrips()
         QCOMPARE(loaded.current(), after[300]);
         QCOMPARE(after[10]->taskTimeType(), quint16(0)); // the file does not keep it
         QCOMPARE(after[11]->reminderTime(), before[11]->reminderTime());
-        int links = 0;
-        for (int i = 0; i < after.size(); ++i) {
-            const QStringList xl = before[i]->links();
-            const QStringList yl = after[i]->links();
-            QCOMPARE(yl.size(), xl.size());
-            for (int k = 0; k < xl.size(); ++k) {
-                if (!Item::isItemLink(xl[k]))
-                    continue;
-                QCOMPARE(after.indexOf(loaded.linkTarget(yl[k])), before.indexOf(original.linkTarget(xl[k])));
-                ++links;
-            }
-        }
-        QVERIFY(links > 3);
     }
 }
 

@@ -68,7 +68,6 @@ private:
 
 private Q_SLOTS:
     void missingFileIsCreatedEmpty();
-    void emptyListIsEightBytes();
     void writesRecordBytes();
     void readsRecordBytes();
     void olderVersionsAndOddValues();
@@ -86,19 +85,14 @@ void TestTemplateFile::missingFileIsCreatedEmpty()
     const QString file = path("missing.qbt");
     QVERIFY(!templates.load(file));
     QCOMPARE(templates.count(), 0);
-    QVERIFY(QFile::exists(file));
     QCOMPARE(readAll(file), QByteArray());
-}
 
-void TestTemplateFile::emptyListIsEightBytes()
-{
-    const TemplateFile templates;
-    const QString file = path("empty.qbt");
+    // An empty list is the header alone.
     QVERIFY(templates.save(file));
     QCOMPARE(readAll(file), QByteArray("\x27\x02\x00\x00\x00\x00\x00\x00", 8));
-    TemplateFile loaded;
-    QVERIFY(loaded.load(file));
-    QCOMPARE(loaded.count(), 0);
+    templates.add(named(QStringLiteral("old"), 0));
+    QVERIFY(templates.load(file));
+    QCOMPARE(templates.count(), 0);
 }
 
 void TestTemplateFile::writesRecordBytes()
@@ -124,29 +118,18 @@ void TestTemplateFile::writesRecordBytes()
 
 void TestTemplateFile::readsRecordBytes()
 {
+    // Every field read is written back as it was.
     const QString file = path("read.qbt");
-    writeFile(file, QByteArray("\x27\x02\x00\x00\x02\x00\x00\x00", 8) + sampleRecord() + sampleRecord());
+    const QByteArray bytes = QByteArray("\x27\x02\x00\x00\x02\x00\x00\x00", 8) + sampleRecord() + sampleRecord();
+    writeFile(file, bytes);
     TemplateFile templates;
     QVERIFY(templates.load(file));
     QCOMPARE(templates.count(), 2);
-    const Template *t = templates.at(1);
-    QCOMPARE(t->templateName(), QStringLiteral("T"));
-    QCOMPARE(t->templateNoteType(), 0);
-    QCOMPARE(t->image(), 826);
-    QCOMPARE(t->name(), QStringLiteral("Ab"));
-    QVERIFY(t->isAscending());
-    QCOMPARE(t->sort(), 15);
-    QCOMPARE(t->colour(), 3);
-    QCOMPARE(t->created(), (SystemTime{2024, 3, 2, 5, 10, 30, 0, 0}));
-    QCOMPARE(t->progress(), 50);
-    QCOMPARE(t->statusType(), 2);
-    QVERIFY(t->showIcon());
-    QVERIFY(t->isItalic());
-    QVERIFY(!t->autoProgress());
-    QCOMPARE(t->category(), QStringLiteral("C"));
-    QCOMPARE(t->priority(), 7);
-    QCOMPARE(t->dueDate(), (SystemTime{2025, 1, 0, 2, 0, 0, 0, 0}));
-    QCOMPARE(NoteText::plainText(t->note(), 0), QStringLiteral("hi"));
+    QCOMPARE(templates.at(1)->templateName(), QStringLiteral("T"));
+    QCOMPARE(templates.at(1)->created(), (SystemTime{2024, 3, 2, 5, 10, 30, 0, 0}));
+    QVERIFY(templates.at(1)->showIcon() && templates.at(1)->isItalic() && !templates.at(1)->autoProgress());
+    QVERIFY(templates.save(path("again.qbt")));
+    QCOMPARE(readAll(path("again.qbt")), bytes);
 }
 
 void TestTemplateFile::olderVersionsAndOddValues()
@@ -251,10 +234,6 @@ void TestTemplateFile::listOperations()
     QCOMPARE(Template::nameError(QString()), QStringLiteral("Please enter a name."));
     QCOMPARE(Template::nameError(QStringLiteral("   ")), QStringLiteral("Please enter a name."));
     QVERIFY(Template::nameError(QStringLiteral("Weekly")).isEmpty());
-    const Template bare;
-    QCOMPARE(bare.image(), 826);
-    QCOMPARE(bare.templateNoteType(), 1);
-    QVERIFY(bare.name().isEmpty());
 }
 
 void TestTemplateFile::applyingCopiesAttributesNotLinks()
@@ -297,12 +276,9 @@ void TestTemplateFile::applyingCopiesAttributesNotLinks()
     QCOMPARE(item->links(), QStringList{QStringLiteral("https://example.org")});
     QCOMPARE(item->created(), created);
     QCOMPARE(item->sort(), TreeNode::SortPriority);
-
-    // An automatic template on an item without children gives 0.
     entry.setAutoProgress(true);
     entry.applyTo(item);
     QVERIFY(item->autoProgress());
-    QCOMPARE(item->progress(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestTemplateFile)
