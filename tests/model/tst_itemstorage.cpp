@@ -3,6 +3,7 @@
 // caller's back.
 #include "model/document.h"
 #include "model/item.h"
+#include "model/lastingtext.h"
 
 #include <QTest>
 #include <memory>
@@ -72,6 +73,38 @@ private Q_SLOTS:
         QCOMPARE(a.category() + b.category(), QStringLiteral("Homehome"));
         a.setCategory(QString());
         QCOMPARE(a.category() + b.category(), QStringLiteral("home"));
+    }
+
+    void rareFieldsAndTheirLimits()
+    {
+        Item item;
+        item.setTaskTime(QStringLiteral("12345678"));
+        QCOMPARE(item.taskTime(), QStringLiteral("1234567"));
+        item.setLinks({QStringLiteral("a")});
+        item.setTaskTime(QString());
+        item.setNote("n");
+        QCOMPARE(item.links(), QStringList{QStringLiteral("a")});
+        item.setLinks({});
+        QCOMPARE(item.note(), QByteArray("n"));
+    }
+
+    // From here on texts read in this program last until it ends.
+    void lastingTextsKeepTheirBytes()
+    {
+        LastingText::enable();
+        const QByteArray units("a\0b\0c\0", 6);
+        const auto *data = reinterpret_cast<const uchar *>(units.constData());
+        QStringList texts;
+        QByteArrayList blocks;
+        for (int i = 0; i < 3000; ++i) {
+            texts.append(LastingText::copy(data, 1 + i % 3));
+            blocks.append(LastingText::copyBytes(data, 1 + i % 5));
+        }
+        for (int i = 0; i < 3000; ++i) {
+            QCOMPARE(texts[i], QStringLiteral("abc").left(1 + i % 3));
+            QCOMPARE(blocks[i], units.left(1 + i % 5));
+            QCOMPARE(blocks[i].constData()[blocks[i].size()], '\0');
+        }
     }
 
     // Last: from here on every Document in this program frees its tree on a
