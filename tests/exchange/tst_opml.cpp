@@ -71,7 +71,10 @@ void TestOpml::exportWritesEveryAttribute()
     c->storeProgress(40);
     a->appendChild(c);
     c->appendChild(new Item(QStringLiteral("d")));
-    root.appendChild(new Item(QString()));
+    // The last item is nested: the outlines still open close at the end.
+    auto *last = new Item(QString());
+    root.appendChild(last);
+    last->appendChild(new Item(QStringLiteral("e")));
 
     QCOMPARE(writeBytes(&root, 0),
              QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -88,7 +91,9 @@ void TestOpml::exportWritesEveryAttribute()
                         "        <outline text=\"d\"/>\n"
                         "      </outline>\n"
                         "    </outline>\n"
-                        "    <outline text=\"\"/>\n"
+                        "    <outline text=\"\">\n"
+                        "      <outline text=\"e\"/>\n"
+                        "    </outline>\n"
                         "  </body>\n"
                         "</opml>\n"));
 }
