@@ -155,11 +155,14 @@ void TestRtf::readsFormatting()
         paragraph(RichText::Alignment::Justify, {{"both", format(true, true, false, false)}}));
     QCOMPARE(describe(RtfReader::read(rtf)), describe(expected));
 
-    // A colour table whose last entry lacks its ";" keeps that entry.
+    // A colour table whose last entry lacks its ";" keeps that entry; the
+    // empty first entry is the automatic colour, no colour of its own.
     RichText red;
-    red.paragraphs.push_back(
-        paragraph(RichText::Alignment::Left, {{"red", format(false, false, false, false, 0, 0xff8001)}}));
-    QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green128\\blue1}\\cf1 red}")), describe(red));
+    red.paragraphs.push_back(paragraph(RichText::Alignment::Left,
+                                       {{"red", format(false, false, false, false, 0, 0xff8001)},
+                                        {"auto", format(false, false, false, false)}}));
+    QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green128\\blue1}\\cf1 red\\cf0 auto}")),
+             describe(red));
 }
 
 void TestRtf::writesExactBytes()

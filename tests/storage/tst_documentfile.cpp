@@ -281,9 +281,10 @@ void TestDocumentFile::version410LegacyRecords()
     QCOMPARE(f.size() - headerSize, 392);
     f.u32(2).fixed(QStringLiteral("!6"), 260).fixed(QStringLiteral("\\My Documents\\Letters\\a.psw"), 260);
     f.u32(4).hex("41004200");
-    // Bit 7 alone: no status. Depth 3 right after depth 1 is tolerated here.
-    // Image (icon + 796) and Colour are 0xFFFF, which this layout keeps.
-    f.u32(0x80).fixed(QStringLiteral("Tief"), 96).u16(0xFFFF - 796).u16(9).fixed(QString(), 64);
+    // Bit 7 without bit 8 (bit 9, automatic, beside it): no status. Depth 3
+    // right after depth 1 is tolerated here. Image (icon + 796) and Colour
+    // are 0xFFFF, which this layout keeps.
+    f.u32(0x280).fixed(QStringLiteral("Tief"), 96).u16(0xFFFF - 796).u16(9).fixed(QString(), 64);
     f.zeroTime().fixed(QString(), 8).u16(0).u16(0xFFFF).zeroTime().u32(3).u32(6).u32(42).u32(0).u32(0);
     // Plain check box with its own progress; depth 0 climbs to the top.
     // Bit 8 without bit 7 is still a check box.
@@ -329,6 +330,7 @@ void TestDocumentFile::version410LegacyRecords()
     QCOMPARE(done->note(), QByteArray::fromHex("41004200"));
 
     QCOMPARE(deep->statusType(), quint16(Item::NoStatus));
+    QVERIFY(deep->autoProgress());
     QCOMPARE(deep->progress(), quint16(42));
     QCOMPARE(deep->image(), quint16(0xFFFF));
     QCOMPARE(deep->colour(), quint16(0xFFFF));
@@ -572,6 +574,14 @@ void TestDocumentFile::fileResults()
     QCOMPARE(DocumentFile::load(path, &again), DocumentFile::Loaded);
     QCOMPARE(again.root()->child(0)->name(), QStringLiteral("renamed"));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("doc.qbx")});
+
+    // A note larger than the writer's buffer reaches the file whole.
+    const QByteArray bigNote = QByteArray(3 << 20, 'n') + QByteArray(2, '\0');
+    loaded.root()->child(1)->setNote(bigNote);
+    QVERIFY(DocumentFile::save(loaded));
+    Document big;
+    QCOMPARE(DocumentFile::load(path, &big), DocumentFile::Loaded);
+    QVERIFY(big.root()->child(1)->note() == bigNote);
 
     // A save into a folder that does not exist fails and creates nothing.
     QVERIFY(!DocumentFile::save(loaded, dir.filePath(QStringLiteral("no/such/folder.qbx"))));
