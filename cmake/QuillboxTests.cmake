@@ -29,8 +29,7 @@ function(quillbox_add_test src)
         target_link_libraries(${name} PRIVATE quillbox_core Qt6::Test)
     endif()
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/tests)
-    target_compile_definitions(${name} PRIVATE QUILLBOX_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/tests/data"
-                                               QUILLBOX_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}"
+    target_compile_definitions(${name} PRIVATE QUILLBOX_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}"
                                                QUILLBOX_BINARY_DIR="${CMAKE_BINARY_DIR}")
     if(area STREQUAL "cli")
         add_dependencies(${name} qbx)
