@@ -60,6 +60,7 @@ private Q_SLOTS:
     void readersWaitForARewriteInPlace();
     void privateWhileSaving();
     void staleTemporariesOfItsOwnName();
+    void aLongSaveKeepsItsTemporary();
     void interruptedSaveLeavesNoTemporary_data();
     void interruptedSaveLeavesNoTemporary();
     void temporaryNames();
@@ -392,6 +393,30 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
                           QStringLiteral(".a.qbx.held44.part"), QStringLiteral(".a.qbx.old777.backup"),
                           QStringLiteral(".a.qbx.x.old666.part"), QStringLiteral(".ab.qbx.old555.part"),
                           QStringLiteral("a.qbx")}));
+}
+
+void TestSafeSave::aLongSaveKeepsItsTemporary()
+{
+    // A save that has run for minutes holds its temporary file: the clean-up
+    // of another save of the same document leaves it alone.
+    QTemporaryDir dir;
+    const QDir folder(dir.path());
+    const QString path = folder.filePath(QStringLiteral("a.qbx"));
+    writeAll(path, "old");
+    const bool saved = SafeSave::write(path, [&](QIODevice &device) {
+        const QStringList temporaries =
+            folder.entryList({QStringLiteral(".a.qbx.*.part")}, QDir::Files | QDir::Hidden);
+        if (temporaries.size() != 1)
+            return false;
+        const QByteArray temporary = QFile::encodeName(folder.filePath(temporaries.constFirst()));
+        const time_t tenMinutesAgo = time_t(QDateTime::currentSecsSinceEpoch() - 600);
+        const timespec times[2] = {{tenMinutesAgo, 0}, {tenMinutesAgo, 0}};
+        ::utimensat(AT_FDCWD, temporary.constData(), times, 0);
+        SafeSave::removeStaleTemporaries(path);
+        return QFile::exists(QFile::decodeName(temporary)) && device.write("new") == 3;
+    });
+    QVERIFY(saved);
+    QCOMPARE(readAll(path), QByteArray("new"));
 }
 
 void TestSafeSave::interruptedSaveLeavesNoTemporary_data()
