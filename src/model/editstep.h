@@ -16,7 +16,8 @@ class TreeNode;
 /// the first time they change, a child put in, taken out or reordered is
 /// noted with its place. A branch taken out is kept, not copied, and a node
 /// outside the document's tree (a template, an item being built) is ignored.
-/// undo() and redo() then trade the document between its two states.
+/// The document's category list is kept when it grew. undo() and redo() then
+/// trade the document between its two states.
 class EditStep {
 public:
     explicit EditStep(Document &document);
