@@ -319,6 +319,21 @@ void TestEditStep::freesWhatOnlyItHolds()
     }
     QVERIFY(!Item::fromHandle(addedHandle));
 
+    // Undone, an insert shows the parent the item went into.
+    auto *parent = new Item(QStringLiteral("parent"));
+    doc.root()->appendChild(parent);
+    {
+        EditStep insert(doc);
+        {
+            EditStep::Recording recording(insert);
+            parent->appendChild(new Item(QStringLiteral("child")));
+        }
+        QVERIFY(insert.finish());
+        insert.undo();
+        QCOMPARE(insert.focus(), parent);
+    }
+    delete doc.root()->takeChild(0);
+
     // Done, an inserted item is the document's, and an undone delete's item
     // is back in it: the steps leave them.
     auto *stays = new Item(QStringLiteral("stays"));
