@@ -107,6 +107,16 @@ void randomEdit(Document &doc, ItemClip &clip, QRandomGenerator &rng)
     }
 }
 
+// Records what edit does as step; true when something changed.
+template <typename Edit> bool recorded(EditStep &step, Edit edit)
+{
+    {
+        EditStep::Recording recording(step);
+        edit();
+    }
+    return step.finish();
+}
+
 } // namespace
 
 class TestEditStep : public QObject {
@@ -133,11 +143,7 @@ void TestEditStep::undoAndRedoGiveBackTheSavedBytes()
         const int edits = 1 + int(rng.bounded(8u));
         for (int i = 0; i < edits; ++i) {
             auto step = std::make_unique<EditStep>(doc);
-            {
-                EditStep::Recording recording(*step);
-                randomEdit(doc, clip, rng);
-            }
-            if (step->finish())
+            if (recorded(*step, [&] { randomEdit(doc, clip, rng); }))
                 steps.push_back(std::move(step));
         }
         clip.clear();
@@ -174,11 +180,7 @@ void TestEditStep::deletedBranchComesBackWhole()
     QVERIFY(doc.linkTarget(link->links().constFirst()));
 
     EditStep step(doc);
-    {
-        EditStep::Recording recording(step);
-        Editing::deleteItem(doc, top, nullptr);
-    }
-    QVERIFY(step.finish());
+    QVERIFY(recorded(step, [&] { Editing::deleteItem(doc, top, nullptr); }));
     // The branch is kept as it is, not copied: one place noted, the parent's
     // fields kept aside at most.
     QCOMPARE(step.keptPlaces(), size_t(1));
@@ -205,15 +207,13 @@ void TestEditStep::keepsOnlyWhatChanged()
         doc.root()->appendChild(item);
     }
     EditStep step(doc);
-    {
-        EditStep::Recording recording(step);
+    QVERIFY(recorded(step, [&] {
         AttributeSet set;
         set.flags = AttributeSet::Priority;
         set.priority = 7;
         ApplyAttributes::apply(doc.root(), set);
         doc.collectCategory(QStringLiteral("New"));
-    }
-    QVERIFY(step.finish());
+    }));
     QCOMPARE(step.keptFields(), size_t(5));
     step.undo();
     QCOMPARE(doc.root()->child(0)->priority(), quint16(3));
@@ -227,8 +227,7 @@ void TestEditStep::keepsOnlyWhatChanged()
 
     // Every field is kept aside, those no command of ours sets included.
     EditStep rare(doc);
-    {
-        EditStep::Recording recording(rare);
+    QVERIFY(recorded(rare, [&] {
         doc.root()->child(2)->setExtraWord(7);
         doc.root()->child(3)->setTaskTimeType(2);
         // A minute of 70 does not pack: the date waits whole in the extras.
@@ -236,8 +235,7 @@ void TestEditStep::keepsOnlyWhatChanged()
         // Changed and changed back is no change.
         doc.root()->child(5)->setReminderTime({2024, 2, 0, 3, 4, 5, 0, 0});
         doc.root()->child(5)->setReminderTime({});
-    }
-    QVERIFY(rare.finish());
+    }));
     QCOMPARE(rare.keptFields(), size_t(3));
     rare.undo();
     QCOMPARE(doc.root()->child(2)->extraWord(), 0u);
@@ -248,12 +246,10 @@ void TestEditStep::keepsOnlyWhatChanged()
 
     // Setting a value a node already has is no change at all.
     EditStep same(doc);
-    {
-        EditStep::Recording recording(same);
+    QVERIFY(!recorded(same, [&] {
         doc.root()->child(0)->setPriority(7);
         ChildOrder::sortAgain(doc.root());
-    }
-    QVERIFY(!same.finish());
+    }));
 }
 
 void TestEditStep::ignoresNodesOutsideTheDocument()
@@ -264,8 +260,7 @@ void TestEditStep::ignoresNodesOutsideTheDocument()
     other.root()->appendChild(theirs);
     Item loose(QStringLiteral("loose"));
     EditStep step(doc);
-    {
-        EditStep::Recording recording(step);
+    QVERIFY(recorded(step, [&] {
         theirs->setName(QStringLiteral("changed"));
         other.root()->appendChild(new Item(QStringLiteral("added")));
         loose.appendChild(new Item(QStringLiteral("child")));
@@ -276,8 +271,7 @@ void TestEditStep::ignoresNodesOutsideTheDocument()
         built->child(0)->setPriority(2);
         doc.root()->appendChild(built);
         built->child(0)->setPriority(3);
-    }
-    QVERIFY(step.finish());
+    }));
     QCOMPARE(step.keptPlaces(), size_t(1));
     QCOMPARE(step.keptFields(), size_t(1));
     step.undo();
@@ -296,11 +290,7 @@ void TestEditStep::freesWhatOnlyItHolds()
     const quint32 deletedHandle = deleted->handle();
     {
         EditStep remove(doc);
-        {
-            EditStep::Recording recording(remove);
-            Editing::deleteItem(doc, deleted, nullptr);
-        }
-        QVERIFY(remove.finish());
+        QVERIFY(recorded(remove, [&] { Editing::deleteItem(doc, deleted, nullptr); }));
         QVERIFY(Item::fromHandle(deletedHandle));
     }
     QVERIFY(!Item::fromHandle(deletedHandle));
@@ -309,11 +299,7 @@ void TestEditStep::freesWhatOnlyItHolds()
     const quint32 addedHandle = added->handle();
     {
         EditStep insert(doc);
-        {
-            EditStep::Recording recording(insert);
-            doc.root()->appendChild(added);
-        }
-        QVERIFY(insert.finish());
+        QVERIFY(recorded(insert, [&] { doc.root()->appendChild(added); }));
         insert.undo();
         QVERIFY(!insert.isDone());
     }
@@ -324,11 +310,7 @@ void TestEditStep::freesWhatOnlyItHolds()
     doc.root()->appendChild(parent);
     {
         EditStep insert(doc);
-        {
-            EditStep::Recording recording(insert);
-            parent->appendChild(new Item(QStringLiteral("child")));
-        }
-        QVERIFY(insert.finish());
+        QVERIFY(recorded(insert, [&] { parent->appendChild(new Item(QStringLiteral("child"))); }));
         insert.undo();
         QCOMPARE(insert.focus(), parent);
     }
@@ -340,17 +322,9 @@ void TestEditStep::freesWhatOnlyItHolds()
     const quint32 staysHandle = stays->handle();
     {
         EditStep insert(doc);
-        {
-            EditStep::Recording recording(insert);
-            doc.root()->appendChild(stays);
-        }
-        QVERIFY(insert.finish());
+        QVERIFY(recorded(insert, [&] { doc.root()->appendChild(stays); }));
         EditStep remove(doc);
-        {
-            EditStep::Recording recording(remove);
-            Editing::deleteItem(doc, stays, nullptr);
-        }
-        QVERIFY(remove.finish());
+        QVERIFY(recorded(remove, [&] { Editing::deleteItem(doc, stays, nullptr); }));
         remove.undo();
     }
     QCOMPARE(Item::fromHandle(staysHandle), stays);
