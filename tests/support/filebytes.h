@@ -7,33 +7,21 @@
 // expected file is written down by hand rather than produced by the writer.
 class FileBytes {
 public:
-    FileBytes &hex(const char *text)
-    {
-        m_bytes += QByteArray::fromHex(QByteArray(text).replace(' ', ""));
-        return *this;
-    }
+    /// Hex digits; spaces between them are skipped.
+    FileBytes &hex(const char *text) { return bytes(QByteArray::fromHex(text)); }
     FileBytes &u16(quint16 v)
     {
-        m_bytes += char(v & 0xFF);
-        m_bytes += char(v >> 8);
+        m_bytes.append(char(v & 0xFF)).append(char(v >> 8));
         return *this;
     }
-    FileBytes &u32(quint32 v)
-    {
-        for (int i = 0; i < 4; ++i)
-            m_bytes += char((v >> (8 * i)) & 0xFF);
-        return *this;
-    }
+    FileBytes &u32(quint32 v) { return u16(quint16(v & 0xFFFF)).u16(quint16(v >> 16)); }
     /// A counted UTF-16LE string.
-    FileBytes &str(const QString &text)
-    {
-        u32(quint32(text.size()));
-        return units(text);
-    }
+    FileBytes &str(const QString &text) { return u32(quint32(text.size())).fixed(text, 0); }
     /// A fixed field of count units, zero-padded.
     FileBytes &fixed(const QString &text, int count)
     {
-        units(text);
+        for (QChar c : text)
+            u16(c.unicode());
         for (qsizetype i = text.size(); i < count; ++i)
             u16(0);
         return *this;
@@ -53,11 +41,5 @@ public:
     QByteArray data() const { return m_bytes; }
 
 private:
-    FileBytes &units(const QString &text)
-    {
-        for (QChar c : text)
-            u16(c.unicode());
-        return *this;
-    }
     QByteArray m_bytes;
 };
