@@ -6,8 +6,6 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -79,33 +77,26 @@ void TestSafeSave::failedSaveLeavesTheOldFile()
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("doc.qbx"));
     writeAll(path, "old content");
-    QString error;
-    QVERIFY(!SafeSave::write(
-        path,
-        [](QIODevice &out) {
-            out.write(QByteArray(100000, 'x'));
-            return false; // gives up halfway
-        },
-        &error));
-    QCOMPARE(SafeSave::lastFailure(), SafeSave::Failure::Abandoned);
-    QCOMPARE(error, path + QStringLiteral(": the save was abandoned"));
-    QCOMPARE(readAll(path), QByteArray("old content"));
-    QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("doc.qbx")});
-
-    // A file size limit makes the writes fail partway, as a full disk would.
+    // A writer that gives up halfway; then writes that fail partway under a
+    // file size limit, as on a full disk.
     rlimit saved;
     QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
     const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limited = saved;
-    limited.rlim_cur = 1000000; // under a quarter of the new content
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    const bool ok = SafeSave::write(path, QByteArray(4000000, 'n'), &error);
-    setrlimit(RLIMIT_FSIZE, &saved);
+    for (const bool full : {false, true}) {
+        rlimit limited = saved;
+        limited.rlim_cur = full ? 1000000 : saved.rlim_cur; // under a quarter of the new content
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &limited), 0);
+        QString error;
+        const bool ok = SafeSave::write(
+            path, [full](QIODevice &out) { return out.write(QByteArray(4000000, 'n')) == 4000000 && full; }, &error);
+        setrlimit(RLIMIT_FSIZE, &saved);
+        QVERIFY(!ok);
+        QCOMPARE(SafeSave::lastFailure(), full ? SafeSave::Failure::DiskFull : SafeSave::Failure::Abandoned);
+        QCOMPARE(error, path + QLatin1String(full ? ": disk full" : ": the save was abandoned"));
+        QCOMPARE(readAll(path), QByteArray("old content"));
+        QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("doc.qbx")});
+    }
     std::signal(SIGXFSZ, oldHandler);
-    QVERIFY(!ok);
-    QCOMPARE(error, path + QStringLiteral(": disk full"));
-    QCOMPARE(readAll(path), QByteArray("old content"));
-    QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("doc.qbx")});
 }
 
 // What is in the way of a save, and what the failure says; nothing is created, replaced or made a regular file.
@@ -171,7 +162,6 @@ void TestSafeSave::keepsWhatTheFileIs_data()
     QTest::newRow("relative link in another folder") << "relative";
     QTest::newRow("hard link") << "hard";
     QTest::newRow("user attribute") << "xattr";
-    QTest::newRow("ACL") << "acl";
     QTest::newRow("another owner and group") << "owner";
 }
 
@@ -183,12 +173,6 @@ void TestSafeSave::keepsWhatTheFileIs()
     const QByteArray name = at(dir, "c.qbx");
     writeAll(file, "old");
     QString path = dir.filePath(QStringLiteral("a.qbx"));
-    const auto aclOf = [&] {
-        QProcess getfacl;
-        getfacl.start(QStringLiteral("getfacl"), {QStringLiteral("-c"), file});
-        getfacl.waitForFinished();
-        return QString::fromUtf8(getfacl.readAllStandardOutput());
-    };
     if (kind == QLatin1String("mode")) {
         QCOMPARE(::chmod(name.constData(), 0640), 0);
         path = file;
@@ -209,11 +193,6 @@ void TestSafeSave::keepsWhatTheFileIs()
         if (::setxattr(name.constData(), "user.colour", "blue", 4, 0) != 0)
             QSKIP("this file system takes no user attributes");
         QCOMPARE(::setxattr(name.constData(), "user.empty", "", 0, 0), 0); // an empty value is copied too
-    } else if (kind == QLatin1String("acl")) {
-        path = file;
-        if (QStandardPaths::findExecutable(QStringLiteral("setfacl")).isEmpty() ||
-            QProcess::execute(QStringLiteral("setfacl"), {QStringLiteral("-m"), QStringLiteral("u:12345:r--"), file}))
-            QSKIP("no setfacl, or a file system that takes no ACL");
     } else if (kind == QLatin1String("owner")) {
         path = file;
         if (::geteuid() != 0)
@@ -222,7 +201,6 @@ void TestSafeSave::keepsWhatTheFileIs()
     }
     struct stat before;
     QCOMPARE(::stat(name.constData(), &before), 0);
-    const QString acl = kind == QLatin1String("acl") ? aclOf() : QString();
 
     QString error;
     QVERIFY2(SafeSave::write(path, QByteArray("new content"), &error), qPrintable(error));
@@ -232,12 +210,7 @@ void TestSafeSave::keepsWhatTheFileIs()
     QCOMPARE(::stat(name.constData(), &after), 0);
     QVERIFY(after.st_mode == before.st_mode && after.st_uid == before.st_uid && after.st_gid == before.st_gid);
     QVERIFY(kind != QLatin1String("owner") || (after.st_uid == 12345 && after.st_gid == 23456));
-    if (kind == QLatin1String("chain") || kind == QLatin1String("relative")) {
-        QVERIFY(QFileInfo(path).isSymLink());
-        QVERIFY(QFileInfo(dir.filePath(kind == QLatin1String("chain") ? QStringLiteral("b.qbx")
-                                                                      : QStringLiteral("links/b.qbx")))
-                    .isSymLink());
-    }
+    QVERIFY(path == file || kind == QLatin1String("hard") || QFileInfo(path).isSymLink());
     // A new file took the old one's place, all it was carried over; only a
     // file with two names is written in place, to stay one file.
     QCOMPARE(after.st_ino == before.st_ino, kind == QLatin1String("hard"));
@@ -248,7 +221,6 @@ void TestSafeSave::keepsWhatTheFileIs()
         QCOMPARE(QByteArray(value), QByteArray("blue"));
         QCOMPARE(::getxattr(name.constData(), "user.empty", value, sizeof value), ssize_t(0));
     }
-    QVERIFY(kind != QLatin1String("acl") || (acl.contains(QLatin1String("user:12345:r--")) && aclOf() == acl));
     QCOMPARE(filesIn(dir.path()).filter(QStringLiteral(".part")), QStringList());
 }
 
