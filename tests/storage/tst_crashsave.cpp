@@ -1,4 +1,5 @@
 #include "storage/safesave.h"
+#include "support/filebytes.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -22,12 +23,6 @@ namespace {
 
 const QString Qbx = QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
 
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QStringList generate(const QString &path, int items, int seed)
 {
     return {QStringLiteral("generate"), QStringLiteral("--items"), QString::number(items),
@@ -44,7 +39,7 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
     const QString oldPath = reference.filePath(QStringLiteral("old.qbx"));
     const int newItems = 40000;
     QCOMPARE(QProcess::execute(Qbx, generate(oldPath, 2000, 1)), 0);
-    const QByteArray oldBytes = readAll(oldPath);
+    const QByteArray oldBytes = FileBytes::read(oldPath);
 
     const QString target = work.filePath(QStringLiteral("document.qbx"));
     const QStringList arguments = generate(target, newItems, 2);
@@ -54,7 +49,7 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
     timer.start();
     QCOMPARE(QProcess::execute(Qbx, arguments), 0);
     const qint64 runMicroseconds = timer.nsecsElapsed() / 1000;
-    const QByteArray newBytes = readAll(target);
+    const QByteArray newBytes = FileBytes::read(target);
     QVERIFY(oldBytes != newBytes && !oldBytes.isEmpty());
 
     const quint32 seed = QRandomGenerator::global()->generate();
@@ -76,7 +71,7 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
         process.kill(); // SIGKILL
         QVERIFY(process.waitForFinished());
 
-        const QByteArray onDisk = readAll(target);
+        const QByteArray onDisk = FileBytes::read(target);
         QVERIFY2(onDisk == oldBytes || onDisk == newBytes, qPrintable(QStringLiteral("kill %1").arg(i)));
         (onDisk == oldBytes ? keptOld : gotNew)++;
 

@@ -78,16 +78,7 @@ QByteArray file410(const QString &taskTime, quint32 linkCount)
 
 QString writeFile(const QTemporaryDir &dir, const QString &name, const QByteArray &bytes)
 {
-    QFile file(dir.filePath(name));
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-    return file.fileName();
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    return FB::write(dir.filePath(name), bytes) ? dir.filePath(name) : QString();
 }
 
 QByteArray writtenBack(const QByteArray &file)
@@ -406,7 +397,7 @@ void TestDocumentFile::writerNumbersCurrentAndLinkTargetsFirstAndBranches()
     QCOMPARE(DocumentFile::branchToBytes(other, branch), e.data());
     QTemporaryDir dir;
     QVERIFY(DocumentFile::saveBranch(other, branch, dir.filePath("branch.qbx")));
-    QVERIFY(readFile(dir.filePath("branch.qbx")) == e.data());
+    QVERIFY(FB::read(dir.filePath("branch.qbx")) == e.data());
 }
 
 void TestDocumentFile::bytePrimitivesAtTheirEdges()
@@ -448,7 +439,7 @@ void TestDocumentFile::fileResults()
     // than the writer's buffer reaches the file whole.
     loaded.root()->child(1)->setNote(QByteArray(3 << 20, 'n') + QByteArray(2, '\0'));
     QVERIFY(DocumentFile::save(loaded));
-    QVERIFY(readFile(path) == DocumentFile::toBytes(loaded));
+    QVERIFY(FB::read(path) == DocumentFile::toBytes(loaded));
     QVERIFY(!DocumentFile::save(loaded, dir.filePath("no/such/folder.qbx")));
 
     // A file on disk is read from a mapping with the same checks: cut
@@ -458,7 +449,7 @@ void TestDocumentFile::fileResults()
         const QString cut = writeFile(dir, QStringLiteral("cut%1.qbx").arg(length), whole.left(length));
         Document damaged;
         QVERIFY2(DocumentFile::load(cut, &damaged) == DocumentFile::Damaged, qPrintable(QString::number(length)));
-        QVERIFY(readFile(cut) == whole.left(length));
+        QVERIFY(FB::read(cut) == whole.left(length));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "storage/documentlock.h"
 #include "storage/filefingerprint.h"
 #include "storage/safesave.h"
+#include "support/filebytes.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,17 +12,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-namespace {
-
-void writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-} // namespace
 
 class TestDocumentLock : public QObject {
     Q_OBJECT
@@ -38,7 +28,7 @@ void TestDocumentLock::oneHolderAtATimeUnderEveryName()
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
     const QString link = dir.filePath(QStringLiteral("link.qbx"));
-    writeAll(path, "doc");
+    QVERIFY(FileBytes::write(path, "doc"));
     QVERIFY(QFile::link(QStringLiteral("a.qbx"), link));
     DocumentLock first(path);
     DocumentLock second(path);
@@ -64,7 +54,7 @@ void TestDocumentLock::unwritableFolderLocksTheFileItself()
         QSKIP("root writes into any folder; run as an ordinary user to check the fallback");
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    writeAll(path, "doc");
+    QVERIFY(FileBytes::write(path, "doc"));
     QCOMPARE(::chmod(QFile::encodeName(dir.path()).constData(), 0555), 0);
     DocumentLock first(path);
     DocumentLock second(path);
@@ -91,14 +81,14 @@ void TestDocumentLock::fingerprintSeesEveryKindOfChange()
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
     const QString other = dir.filePath(QStringLiteral("b.qbx"));
-    writeAll(path, "content");
+    QVERIFY(FileBytes::write(path, "content"));
     const FileFingerprint loaded = FileFingerprint::of(path);
     QVERIFY(loaded.exists);
     struct stat before;
     QCOMPARE(::stat(QFile::encodeName(path).constData(), &before), 0);
     const timespec times[2] = {before.st_atim, before.st_mtim};
     if (change == QLatin1String("replace")) {
-        writeAll(other, "CONTENT");
+        QVERIFY(FileBytes::write(other, "CONTENT"));
         QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(other).constData(), times, 0), 0);
         QCOMPARE(::rename(QFile::encodeName(other).constData(), QFile::encodeName(path).constData()), 0);
     } else if (change == QLatin1String("rewrite")) {

@@ -1,6 +1,7 @@
 #include "model/document.h"
 #include "storage/documentfile.h"
 #include "storage/safesave.h"
+#include "support/filebytes.h"
 #include "tools/documentgenerator.h"
 
 #include <QDateTime>
@@ -23,19 +24,6 @@
 #include <unistd.h>
 
 namespace {
-
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-void writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
 
 QStringList filesIn(const QString &folder)
 {
@@ -76,7 +64,7 @@ void TestSafeSave::failedSaveLeavesTheOldFile()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("doc.qbx"));
-    writeAll(path, "old content");
+    QVERIFY(FileBytes::write(path, "old content"));
     // A writer that gives up halfway; then writes that fail partway under a
     // file size limit, as on a full disk.
     rlimit saved;
@@ -93,7 +81,7 @@ void TestSafeSave::failedSaveLeavesTheOldFile()
         QVERIFY(!ok);
         QCOMPARE(SafeSave::lastFailure(), full ? SafeSave::Failure::DiskFull : SafeSave::Failure::Abandoned);
         QCOMPARE(error, path + QLatin1String(full ? ": disk full" : ": the save was abandoned"));
-        QCOMPARE(readAll(path), QByteArray("old content"));
+        QCOMPARE(FileBytes::read(path), QByteArray("old content"));
         QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("doc.qbx")});
     }
     std::signal(SIGXFSZ, oldHandler);
@@ -134,7 +122,7 @@ void TestSafeSave::refusedTargets()
             QCOMPARE(::symlink("loop2", at(dir, "loop1").constData()), 0);
             QCOMPARE(::symlink("loop1", at(dir, "loop2").constData()), 0);
         } else if (row.setup == "source") {
-            writeAll(dir.filePath(QStringLiteral("doc.qbx")), "the document");
+            QVERIFY(FileBytes::write(dir.filePath(QStringLiteral("doc.qbx")), "the document"));
             QCOMPARE(::symlink("doc.qbx", at(dir, "link.qbx").constData()), 0);
             QCOMPARE(::link(at(dir, "doc.qbx").constData(), at(dir, "hard.qbx").constData()), 0);
         }
@@ -149,7 +137,7 @@ void TestSafeSave::refusedTargets()
         struct stat info;
         QVERIFY(row.setup != "fifo" || (::lstat(at(dir, "pipe").constData(), &info) == 0 && S_ISFIFO(info.st_mode)));
         if (row.setup == "source")
-            QCOMPARE(readAll(options.source), QByteArray("the document"));
+            QCOMPARE(FileBytes::read(options.source), QByteArray("the document"));
     }
 }
 
@@ -171,7 +159,7 @@ void TestSafeSave::keepsWhatTheFileIs()
     QTemporaryDir dir;
     const QString file = dir.filePath(QStringLiteral("c.qbx"));
     const QByteArray name = at(dir, "c.qbx");
-    writeAll(file, "old");
+    QVERIFY(FileBytes::write(file, "old"));
     QString path = dir.filePath(QStringLiteral("a.qbx"));
     if (kind == QLatin1String("mode")) {
         QCOMPARE(::chmod(name.constData(), 0640), 0);
@@ -205,7 +193,7 @@ void TestSafeSave::keepsWhatTheFileIs()
     QString error;
     QVERIFY2(SafeSave::write(path, QByteArray("new content"), &error), qPrintable(error));
 
-    QCOMPARE(readAll(file), QByteArray("new content"));
+    QCOMPARE(FileBytes::read(file), QByteArray("new content"));
     struct stat after;
     QCOMPARE(::stat(name.constData(), &after), 0);
     QVERIFY(after.st_mode == before.st_mode && after.st_uid == before.st_uid && after.st_gid == before.st_gid);
@@ -214,7 +202,7 @@ void TestSafeSave::keepsWhatTheFileIs()
     // A new file took the old one's place, all it was carried over; only a
     // file with two names is written in place, to stay one file.
     QCOMPARE(after.st_ino == before.st_ino, kind == QLatin1String("hard"));
-    QVERIFY(kind != QLatin1String("hard") || (after.st_nlink == 2 && readAll(path) == "new content"));
+    QVERIFY(kind != QLatin1String("hard") || (after.st_nlink == 2 && FileBytes::read(path) == "new content"));
     if (kind == QLatin1String("xattr")) {
         char value[16] = {};
         QCOMPARE(::getxattr(name.constData(), "user.colour", value, sizeof value), ssize_t(4));
@@ -233,7 +221,7 @@ void TestSafeSave::rewriteInPlace()
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
     const QString other = dir.filePath(QStringLiteral("b.qbx"));
     const QByteArray old = QByteArray(3000000, 'o') + "end";
-    writeAll(path, old);
+    QVERIFY(FileBytes::write(path, old));
     QCOMPARE(::link(at(dir, "a.qbx").constData(), at(dir, "b.qbx").constData()), 0);
     QVERIFY(!SafeSave::write(path, [](QIODevice &out) {
         out.write(QByteArray(2500000, 'n')); // more than one block reaches the file
@@ -241,7 +229,7 @@ void TestSafeSave::rewriteInPlace()
         return false;
     }));
     QCOMPARE(SafeSave::lastFailure(), SafeSave::Failure::Abandoned);
-    QVERIFY(readAll(path) == old && readAll(other) == old);
+    QVERIFY(FileBytes::read(path) == old && FileBytes::read(other) == old);
     QCOMPARE(filesIn(dir.path()), QStringList({QStringLiteral("a.qbx"), QStringLiteral("b.qbx")}));
 
     // A reader that starts while only half of the new document is in the file waits for the whole.
@@ -263,10 +251,10 @@ void TestSafeSave::rewriteInPlace()
     }));
     reader.join();
     QCOMPARE(result, DocumentFile::Loaded);
-    QVERIFY(readAll(other) == bytes);
+    QVERIFY(FileBytes::read(other) == bytes);
     // Nothing at all is content too.
     QVERIFY(SafeSave::write(other, QByteArray()));
-    QCOMPARE(readAll(path), QByteArray());
+    QCOMPARE(FileBytes::read(path), QByteArray());
 }
 
 void TestSafeSave::privateWhileSaving()
@@ -275,7 +263,7 @@ void TestSafeSave::privateWhileSaving()
     // extra file is hidden, not a document, and as private as the document.
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("private.qbx"));
-    writeAll(path, "secret");
+    QVERIFY(FileBytes::write(path, "secret"));
     QCOMPARE(::chmod(QFile::encodeName(path).constData(), 0600), 0);
     const mode_t oldMask = ::umask(0);
     QStringList during;
@@ -284,7 +272,7 @@ void TestSafeSave::privateWhileSaving()
     const bool saved = SafeSave::write(path, [&](QIODevice &out) {
         during = filesIn(dir.path());
         const bool written = out.write("still secret") == 12;
-        old = readAll(path);
+        old = FileBytes::read(path);
         return written && ::stat(QFile::encodeName(dir.filePath(during[0])).constData(), &info) == 0;
     });
     ::umask(oldMask);
@@ -294,7 +282,7 @@ void TestSafeSave::privateWhileSaving()
     QVERIFY(SafeSave::isTemporaryName(during[0]) && !during[0].endsWith(QLatin1String(".qbx")));
     QCOMPARE(info.st_mode & 0777, mode_t(0600));
     QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("private.qbx")});
-    QCOMPARE(readAll(path), QByteArray("still secret"));
+    QCOMPARE(FileBytes::read(path), QByteArray("still secret"));
     QVERIFY(!SafeSave::isTemporaryName(QStringLiteral(".hidden.qbx")));
 
     // A new file is born as the umask says, no wider; nothing at all is content too.
@@ -303,14 +291,14 @@ void TestSafeSave::privateWhileSaving()
     ::umask(mask);
     QCOMPARE(::stat(at(dir, "new.qbx").constData(), &info), 0);
     QCOMPARE(info.st_mode & 0777, mode_t(0640));
-    QCOMPARE(readAll(dir.filePath(QStringLiteral("new.qbx"))), QByteArray());
+    QCOMPARE(FileBytes::read(dir.filePath(QStringLiteral("new.qbx"))), QByteArray());
 }
 
 void TestSafeSave::staleTemporariesOfItsOwnName()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    writeAll(path, "old");
+    QVERIFY(FileBytes::write(path, "old"));
     // A save that has run for minutes holds its temporary file: the clean-up
     // of another save of the same document leaves it alone.
     QVERIFY(SafeSave::write(path, [&](QIODevice &device) {
@@ -324,7 +312,7 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
     }));
 
     const auto leftover = [&](const char *name, qint64 age) {
-        writeAll(dir.filePath(QLatin1String(name)), "left over");
+        QVERIFY(FileBytes::write(dir.filePath(QLatin1String(name)), "left over"));
         setAge(at(dir, name), age);
     };
     leftover(".a.qbx.oldz09.part", 2 * 24 * 3600);   // older than a day
@@ -341,7 +329,7 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
     QCOMPARE(::flock(held, LOCK_EX), 0);
     QVERIFY(SafeSave::write(path, QByteArray("newer")));
     ::close(held);
-    QCOMPARE(readAll(path), QByteArray("newer"));
+    QCOMPARE(FileBytes::read(path), QByteArray("newer"));
     QCOMPARE(filesIn(dir.path()),
              QStringList({".a.qbx.OLD999.part", ".a.qbx.fresh3.part", ".a.qbx.held44.part", ".a.qbx.old777.backup",
                           ".a.qbx.x.old666.part", ".ab.qbx.old555.part", "a.qbx"}));
@@ -360,7 +348,7 @@ void TestSafeSave::interruptedSaveLeavesNoTemporary()
     QFETCH(int, signal);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    writeAll(path, "old");
+    QVERIFY(FileBytes::write(path, "old"));
     // A child process saves and is interrupted halfway through its writer,
     // once by a rename save and once by a save in place (a second name).
     for (const bool inPlace : {false, true}) {
@@ -380,7 +368,7 @@ void TestSafeSave::interruptedSaveLeavesNoTemporary()
         QCOMPARE(::waitpid(child, &status, 0), child);
         QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == signal);
         // Held until the file is whole in place: the new content, then the signal.
-        QCOMPARE(readAll(path), inPlace ? QByteArray(3000000, 'n') + "end" : QByteArray("old"));
+        QCOMPARE(FileBytes::read(path), inPlace ? QByteArray(3000000, 'n') + "end" : QByteArray("old"));
         QCOMPARE(filesIn(dir.path()), inPlace ? QStringList({QStringLiteral("a.qbx"), QStringLiteral("hard.qbx")})
                                               : QStringList{QStringLiteral("a.qbx")});
     }

@@ -15,19 +15,6 @@ private:
 
     QString path(const char *name) const { return m_dir.filePath(QLatin1String(name)); }
 
-    static QByteArray readAll(const QString &path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-    }
-
-    static void writeFile(const QString &path, const QByteArray &bytes)
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("cannot write %s", qPrintable(path));
-    }
-
     static std::unique_ptr<Template> named(const QString &name, quint16 noteType)
     {
         auto entry = std::make_unique<Template>(noteType);
@@ -64,11 +51,11 @@ void TestTemplateFile::missingFileIsCreatedEmpty()
     const QString file = path("missing.qbt");
     QVERIFY(!templates.load(file));
     QCOMPARE(templates.count(), 0);
-    QCOMPARE(readAll(file), QByteArray());
+    QCOMPARE(FileBytes::read(file), QByteArray());
 
     // An empty list is the header alone.
     QVERIFY(templates.save(file));
-    QCOMPARE(readAll(file), QByteArray::fromHex("27020000 00000000"));
+    QCOMPARE(FileBytes::read(file), QByteArray::fromHex("27020000 00000000"));
     templates.add(named(QStringLiteral("old"), 0));
     QVERIFY(templates.load(file));
     QCOMPARE(templates.count(), 0);
@@ -114,14 +101,14 @@ void TestTemplateFile::recordBytesAndApplying()
     TemplateFile templates;
     templates.add(std::move(entry));
     QVERIFY(templates.save(path("one.qbt")));
-    QCOMPARE(readAll(path("one.qbt")), QByteArray::fromHex("27020000 01000000") + sampleRecord());
+    QCOMPARE(FileBytes::read(path("one.qbt")), QByteArray::fromHex("27020000 01000000") + sampleRecord());
     // Every field read is written back as it was.
     const QByteArray bytes = QByteArray::fromHex("27020000 02000000") + sampleRecord() + sampleRecord();
-    writeFile(path("read.qbt"), bytes);
+    QVERIFY(FileBytes::write(path("read.qbt"), bytes));
     QVERIFY(templates.load(path("read.qbt")));
     QCOMPARE(templates.count(), 2);
     QVERIFY(templates.save(path("again.qbt")));
-    QCOMPARE(readAll(path("again.qbt")), bytes);
+    QCOMPARE(FileBytes::read(path("again.qbt")), bytes);
 }
 
 void TestTemplateFile::olderVersionsAndOddValues()
@@ -135,7 +122,7 @@ void TestTemplateFile::olderVersionsAndOddValues()
     record.replace(26, 2, QByteArray("\x05\x00", 2));          // Sort 5
     record.replace(34, 2, QByteArray("\xff\xff", 2));          // Colour
     record.replace(84, 10, QByteArray("\xff\xff\xff\xff", 4)); // NoteSize -1, no note bytes
-    writeFile(path("old.qbt"), QByteArray::fromHex("f4010000 01000000") + record);
+    QVERIFY(FileBytes::write(path("old.qbt"), QByteArray::fromHex("f4010000 01000000") + record));
     TemplateFile templates;
     QVERIFY(templates.load(path("old.qbt")));
     QCOMPARE(templates.count(), 1);
@@ -166,7 +153,7 @@ void TestTemplateFile::damagedFileKeepsWhatWasRead()
     QFETCH(QByteArray, file);
     QFETCH(int, kept);
     const QString name = path("damaged.qbt");
-    writeFile(name, file);
+    QVERIFY(FileBytes::write(name, file));
     TemplateFile templates;
     templates.add(named(QStringLiteral("old"), 0));
     QVERIFY(!templates.load(name));

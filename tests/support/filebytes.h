@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QFile>
 #include <QString>
 
 // Spells out document file bytes field by field for the tests, so that every
-// expected file is written down by hand rather than produced by the writer.
+// expected file is written down by hand rather than produced by the writer;
+// reads and writes whole files.
 class FileBytes {
 public:
     /// Hex digits; spaces between them are skipped.
@@ -39,6 +41,18 @@ public:
     int size() const { return int(m_bytes.size()); }
     operator QByteArray() const { return m_bytes; }
     QByteArray data() const { return m_bytes; }
+
+    /// The whole file, or "<missing>" when it cannot be read.
+    static QByteArray read(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    }
+    static bool write(const QString &path, const QByteArray &bytes)
+    {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    }
 
 private:
     QByteArray m_bytes;
