@@ -141,24 +141,24 @@ void TestSettings::saveWritesNewLayout()
 
 void TestSettings::roundTrip()
 {
-    Settings custom;
-    custom.fontSize = 120;
-    custom.prgColour = 4;
-    custom.splitPct7 = 45;
-    custom.expViewSep = 1;
-    custom.expOtherSep = 3;
-    custom.xmlEncode = 2;
-    custom.branchTab = 6;
-    custom.noteZoom = 175;
-    custom.textImport = 0x00020101;
-    custom.defFile = QStringLiteral("/home/ü/Täsks, 2.qbx");
-    custom.templateFile = QStringLiteral("/home/ü/my.qbt");
-    custom.sound = QStringLiteral("(None)");
-    custom.flags = 0x3FF;
-    custom.favIcons = {1, 826, 65535};
-    custom.ansiCodePage = QStringLiteral("windows-1250");
-    custom.calendarStore = QStringLiteral("https://dav.example.org/calendars/ü/tasks/");
-    custom.calendarUser = QStringLiteral("ü@example.org");
+    const Settings custom{.fontSize = 120,
+                          .prgColour = 4,
+                          .splitPct7 = 45,
+                          .expViewSep = 1,
+                          .expOtherSep = 3,
+                          .xmlEncode = 2,
+                          .branchTab = 6,
+                          .noteZoom = 175,
+                          .undoLimit = 7,
+                          .textImport = 0x00020101,
+                          .defFile = "/home/ü/Täsks, 2.qbx",
+                          .templateFile = "/home/ü/my.qbt",
+                          .sound = "(None)",
+                          .flags = 0x3FF,
+                          .favIcons = {1, 826, 65535},
+                          .ansiCodePage = "windows-1250",
+                          .calendarStore = "https://dav.example.org/calendars/ü/tasks/",
+                          .calendarUser = "ü@example.org"};
     // Loaded and saved again, every value comes back as it was written.
     const QString path = savedStore(custom);
     QSettings store(path, QSettings::IniFormat);

@@ -35,16 +35,13 @@ private:
     }
 
 private Q_SLOTS:
-    void missingFileIsCreatedEmpty();
+    void missingAndDamagedFiles();
     void recordBytesAndApplying();
     void olderVersionsAndOddValues();
-    void damagedFileKeepsWhatWasRead_data();
-    void damagedFileKeepsWhatWasRead();
-    void menuOffersTheDocumentsNoteType();
-    void listOperations();
+    void menuAndList();
 };
 
-void TestTemplateFile::missingFileIsCreatedEmpty()
+void TestTemplateFile::missingAndDamagedFiles()
 {
     TemplateFile templates;
     templates.add(named(QStringLiteral("old"), 0));
@@ -59,6 +56,25 @@ void TestTemplateFile::missingFileIsCreatedEmpty()
     templates.add(named(QStringLiteral("old"), 0));
     QVERIFY(templates.load(file));
     QCOMPARE(templates.count(), 0);
+
+    // A damaged file keeps the records read before the damage.
+    QByteArray longTask = sampleRecord();
+    longTask.replace(28, 6, QByteArray::fromHex("08000000") + QByteArray(16, 'a')); // a task time of 8 units
+    const struct {
+        QByteArray file;
+        int kept;
+    } damaged[] = {
+        {QByteArray::fromHex("27020000 02000000") + sampleRecord() + sampleRecord().left(50), 1},
+        // A count far beyond the bytes is no reason to reserve room for it.
+        {QByteArray::fromHex("27020000 ffffff7f") + sampleRecord(), 1},
+        {QByteArray::fromHex("27020000 01000000") + longTask, 0},
+        {QByteArray::fromHex("2702"), 0}, // too short for its version
+    };
+    for (const auto &row : damaged) {
+        QVERIFY(FileBytes::write(file, row.file));
+        QVERIFY(!templates.load(file));
+        QCOMPARE(templates.count(), row.kept);
+    }
 }
 
 void TestTemplateFile::recordBytesAndApplying()
@@ -131,36 +147,7 @@ void TestTemplateFile::olderVersionsAndOddValues()
     QCOMPARE(entry->priority(), 7);
 }
 
-void TestTemplateFile::damagedFileKeepsWhatWasRead_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<int>("kept");
-    const QByteArray one = QByteArray::fromHex("27020000 01000000");
-    QByteArray longTask = sampleRecord();
-    longTask.replace(28, 6, QByteArray("\x08\x00\x00\x00", 4) + QByteArray(16, 'a'));
-
-    QTest::newRow("second record cut") << QByteArray::fromHex("27020000 02000000") + sampleRecord() +
-                                              sampleRecord().left(50)
-                                       << 1;
-    // A count far beyond the bytes is no reason to reserve room for it.
-    QTest::newRow("count huge") << QByteArray::fromHex("27020000 ffffff7f") + sampleRecord() << 1;
-    QTest::newRow("task time of 8 units") << one + longTask << 0;
-    QTest::newRow("too short for its version") << QByteArray("\x27\x02", 2) << 0;
-}
-
-void TestTemplateFile::damagedFileKeepsWhatWasRead()
-{
-    QFETCH(QByteArray, file);
-    QFETCH(int, kept);
-    const QString name = path("damaged.qbt");
-    QVERIFY(FileBytes::write(name, file));
-    TemplateFile templates;
-    templates.add(named(QStringLiteral("old"), 0));
-    QVERIFY(!templates.load(name));
-    QCOMPARE(templates.count(), kept);
-}
-
-void TestTemplateFile::menuOffersTheDocumentsNoteType()
+void TestTemplateFile::menuAndList()
 {
     // At most ten templates of the document's note type; each one's command
     // counts from the first command by its place in the whole list.
@@ -181,21 +168,13 @@ void TestTemplateFile::menuOffersTheDocumentsNoteType()
     QCOMPARE(templates.forCommand(40137)->templateName(), QStringLiteral("ink"));
     QCOMPARE(templates.forCommand(TemplateFile::BlankCommand), nullptr);
     QCOMPARE(templates.forCommand(40138), nullptr);
-}
 
-void TestTemplateFile::listOperations()
-{
-    TemplateFile templates;
-    QVERIFY(templates.addNew(named(QStringLiteral("a"), 0)));
-    QVERIFY(!templates.addNew(named(QStringLiteral("b"), 2), 0)); // the caller fixed plain text
     QVERIFY(templates.addNew(named(QStringLiteral("c"), 2), 2));
-    QCOMPARE(templates.count(), 2);
-    QCOMPARE(templates.deleteQuestion(1), QStringLiteral("Are you sure to delete template 'c'?"));
-
-    templates.remove(0);
-    QCOMPARE(templates.at(0)->templateName(), QStringLiteral("c"));
-    QCOMPARE(Template::nameError(QStringLiteral("   ")), QStringLiteral("Please enter a name."));
-    QVERIFY(Template::nameError(QStringLiteral("Weekly")).isEmpty());
+    QVERIFY(!templates.addNew(named(QStringLiteral("b"), 2), 0)); // the caller fixed plain text
+    QCOMPARE(templates.count(), 14);
+    QCOMPARE(templates.deleteQuestion(13), QStringLiteral("Are you sure to delete template 'c'?"));
+    QVERIFY(!Template::nameError(QStringLiteral("   ")).isEmpty() &&
+            Template::nameError(QStringLiteral("W")).isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestTemplateFile)
