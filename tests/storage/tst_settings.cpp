@@ -24,10 +24,10 @@ private:
         return path;
     }
 
-    // A new store the settings were saved to.
-    QString savedStore(const Settings &settings)
+    // A store of the given contents the settings were saved to.
+    QString savedStore(const Settings &settings, const QByteArray &ini = QByteArray())
     {
-        const QString path = storeWith(QByteArray());
+        const QString path = storeWith(ini);
         QSettings store(path, QSettings::IniFormat);
         return settings.save(store) ? path : QString();
     }
@@ -55,7 +55,6 @@ private:
 private Q_SLOTS:
     void firstStartDefaults();
     void loadRules();
-    void saveWritesNewLayout();
     void roundTrip();
     void unusableStoreKeepsDefaults();
 };
@@ -72,7 +71,9 @@ void TestSettings::firstStartDefaults()
     QVERIFY(settings.load(store));
     Settings fresh;
     fresh.defFile = settings.defFile;
-    QCOMPARE(valuesIn(savedStore(settings)), valuesIn(savedStore(fresh)));
+    // Saved, they leave nothing of the old layout.
+    const QByteArray old("[General]\nSplitPct=50\nDispMode=1\nWordDirect=1\nFavIcons=x\n");
+    QCOMPARE(valuesIn(savedStore(settings, old)), valuesIn(savedStore(fresh)));
 }
 
 void TestSettings::loadRules()
@@ -111,34 +112,6 @@ void TestSettings::loadRules()
     }
 }
 
-void TestSettings::saveWritesNewLayout()
-{
-    const QString path = storeWith(QByteArray("[General]\nSplitPct=50\nDispMode=1\nWordDirect=1\nFavIcons=x\n"));
-    Settings settings;
-    settings.splitPct = 40;
-    settings.splitPct7 = 75;
-    settings.favIcons = {};
-    {
-        QSettings store(path, QSettings::IniFormat);
-        QVERIFY(settings.save(store));
-    }
-    QSettings check(path, QSettings::IniFormat);
-    QCOMPARE(check.value(QStringLiteral("Version")).toUInt(), 700u);
-    QCOMPARE(check.value(QStringLiteral("SplitPct7")).toUInt(), 0x004B0028u);
-    for (const char *gone : {"SplitPct", "DispMode", "WordDirect", "FavIcons"})
-        QVERIFY2(!check.contains(QLatin1String(gone)), gone);
-
-    // Favourite icons are 16-bit little-endian numbers; an odd last byte is no icon.
-    settings.favIcons = {0x0102, 7};
-    QCOMPARE(valuesIn(savedStore(settings)).value(QStringLiteral("FavIcons")).toByteArray(),
-             QByteArray("\x02\x01\x07\x00", 4));
-    const QString odd = storeWith(QByteArray());
-    QSettings(odd, QSettings::IniFormat).setValue(QStringLiteral("FavIcons"), QByteArray("\x05\x00\x0c\x03\x07", 5));
-    QSettings store(odd, QSettings::IniFormat);
-    QVERIFY(settings.load(store));
-    QCOMPARE(settings.favIcons, (QList<quint16>{5, 0x30c}));
-}
-
 void TestSettings::roundTrip()
 {
     const Settings custom{.fontSize = 120,
@@ -159,12 +132,22 @@ void TestSettings::roundTrip()
                           .ansiCodePage = "windows-1250",
                           .calendarStore = "https://dav.example.org/calendars/ü/tasks/",
                           .calendarUser = "ü@example.org"};
-    // Loaded and saved again, every value comes back as it was written.
+    // The first layout's share in the low word; icons as 16-bit little-endian numbers.
     const QString path = savedStore(custom);
+    QCOMPARE(valuesIn(path).value(QStringLiteral("SplitPct7")).toUInt(), 0x002D003Cu);
+    QCOMPARE(valuesIn(path).value(QStringLiteral("FavIcons")).toByteArray(), QByteArray::fromHex("01003a03ffff"));
+    // Loaded and saved again, every value comes back as it was written.
     QSettings store(path, QSettings::IniFormat);
     Settings loaded;
     QVERIFY(loaded.load(store));
     QCOMPARE(valuesIn(savedStore(loaded)), valuesIn(path));
+
+    // An odd last byte is no icon.
+    const QString odd = storeWith(QByteArray());
+    QSettings(odd, QSettings::IniFormat).setValue(QStringLiteral("FavIcons"), QByteArray::fromHex("05000c0307"));
+    QSettings oddStore(odd, QSettings::IniFormat);
+    QVERIFY(loaded.load(oddStore));
+    QCOMPARE(loaded.favIcons, (QList<quint16>{5, 0x30c}));
 }
 
 void TestSettings::unusableStoreKeepsDefaults()
