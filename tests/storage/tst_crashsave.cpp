@@ -25,8 +25,7 @@ const QString Qbx = QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
 
 QStringList generate(const QString &path, int items, int seed)
 {
-    return {QStringLiteral("generate"), QStringLiteral("--items"), QString::number(items),
-            QStringLiteral("--seed"),   QString::number(seed),     path};
+    return {"generate", "--items", QString::number(items), "--seed", QString::number(seed), path};
 }
 
 } // namespace
@@ -36,12 +35,12 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
     QVERIFY2(QFile::exists(Qbx), "build the qbx target first");
     QTemporaryDir reference;
     QTemporaryDir work;
-    const QString oldPath = reference.filePath(QStringLiteral("old.qbx"));
+    const QString oldPath = reference.filePath("old.qbx");
     const int newItems = 40000;
     QCOMPARE(QProcess::execute(Qbx, generate(oldPath, 2000, 1)), 0);
     const QByteArray oldBytes = FileBytes::read(oldPath);
 
-    const QString target = work.filePath(QStringLiteral("document.qbx"));
+    const QString target = work.filePath("document.qbx");
     const QStringList arguments = generate(target, newItems, 2);
     // How long a whole run takes, so the kills spread over all of it.
     QVERIFY(QFile::copy(oldPath, target));

@@ -25,8 +25,8 @@ private Q_SLOTS:
 void TestDocumentLock::oneHolderAtATimeUnderEveryName()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    const QString link = dir.filePath(QStringLiteral("link.qbx"));
+    const QString path = dir.filePath("a.qbx");
+    const QString link = dir.filePath("link.qbx");
     QVERIFY(FileBytes::write(path, "doc"));
     QVERIFY(QFile::link(QStringLiteral("a.qbx"), link));
     DocumentLock first(path);
@@ -41,8 +41,7 @@ void TestDocumentLock::oneHolderAtATimeUnderEveryName()
     QVERIFY(second.lock(0));
     second.unlock();
     // Nothing is left beside the document once the lock is given back.
-    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden),
-             QStringList({QStringLiteral("a.qbx"), QStringLiteral("link.qbx")}));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList({"a.qbx", "link.qbx"}));
 }
 
 void TestDocumentLock::unwritableFolderLocksTheFileItself()
@@ -50,7 +49,7 @@ void TestDocumentLock::unwritableFolderLocksTheFileItself()
     if (::geteuid() == 0)
         QSKIP("root writes into any folder; run as an ordinary user to check the fallback");
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    const QString path = dir.filePath("a.qbx");
     QVERIFY(FileBytes::write(path, "doc"));
     QCOMPARE(::chmod(QFile::encodeName(dir.path()).constData(), 0555), 0);
     DocumentLock first(path);
@@ -75,8 +74,8 @@ void TestDocumentLock::fingerprintSeesEveryKindOfChange()
 {
     QFETCH(QString, change);
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    const QString other = dir.filePath(QStringLiteral("b.qbx"));
+    const QString path = dir.filePath("a.qbx");
+    const QString other = dir.filePath("b.qbx");
     QVERIFY(FileBytes::write(path, "content"));
     const FileFingerprint loaded = FileFingerprint::of(path);
     QVERIFY(loaded.exists);

@@ -55,14 +55,13 @@ private Q_SLOTS:
     void rewriteInPlace();
     void privateWhileSaving();
     void staleTemporariesOfItsOwnName();
-    void interruptedSaveLeavesNoTemporary_data();
     void interruptedSaveLeavesNoTemporary();
 };
 
 void TestSafeSave::failedSaveLeavesTheOldFile()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("doc.qbx"));
+    const QString path = dir.filePath("doc.qbx");
     QVERIFY(FileBytes::write(path, "old content"));
     // A writer that gives up halfway; then writes that fail partway under a
     // file size limit, as on a full disk.
@@ -126,7 +125,7 @@ void TestSafeSave::refusedTargets()
         const QStringList before = filesIn(dir.path());
         QString error;
         SafeSave::Options options;
-        options.source = dir.filePath(QStringLiteral("doc.qbx"));
+        options.source = dir.filePath("doc.qbx");
         QVERIFY(!SafeSave::write(dir.filePath(QLatin1String(row.target)), QByteArray("new"), &error, options));
         QCOMPARE(SafeSave::lastFailure(), row.failure);
         QVERIFY2(error.contains(QLatin1String(row.says)), qPrintable(error));
@@ -185,8 +184,8 @@ void TestSafeSave::rewriteInPlace()
     // overwriting the start must leave the old content, under both names,
     // and report the save as abandoned whatever errno its own calls left.
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    const QString other = dir.filePath(QStringLiteral("b.qbx"));
+    const QString path = dir.filePath("a.qbx");
+    const QString other = dir.filePath("b.qbx");
     const QByteArray old = QByteArray(3000000, 'o') + "end";
     QVERIFY(FileBytes::write(path, old));
     QCOMPARE(::link(at(dir, "a.qbx").constData(), at(dir, "b.qbx").constData()), 0);
@@ -229,7 +228,7 @@ void TestSafeSave::privateWhileSaving()
     // While the writer runs, the document keeps its old bytes, and the one
     // extra file is hidden, not a document, and as private as the document.
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("private.qbx"));
+    const QString path = dir.filePath("private.qbx");
     QVERIFY(FileBytes::write(path, "secret"));
     QCOMPARE(::chmod(QFile::encodeName(path).constData(), 0600), 0);
     const mode_t oldMask = ::umask(0);
@@ -264,12 +263,12 @@ void TestSafeSave::privateWhileSaving()
 void TestSafeSave::staleTemporariesOfItsOwnName()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.qbx"));
+    const QString path = dir.filePath("a.qbx");
     QVERIFY(FileBytes::write(path, "old"));
     // A save that has run for minutes holds its temporary file: the clean-up
     // of another save of the same document leaves it alone.
     QVERIFY(SafeSave::write(path, [&](QIODevice &device) {
-        const QStringList temporaries = filesIn(dir.path()).filter(QStringLiteral(".part"));
+        const QStringList temporaries = filesIn(dir.path()).filter(".part");
         if (temporaries.size() != 1)
             return false;
         const QByteArray temporary = QFile::encodeName(dir.filePath(temporaries.constFirst()));
@@ -302,42 +301,33 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
                           ".a.qbx.x.old666.part", ".ab.qbx.old555.part", "a.qbx"}));
 }
 
-void TestSafeSave::interruptedSaveLeavesNoTemporary_data()
-{
-    QTest::addColumn<int>("signal");
-    QTest::newRow("SIGINT") << int(SIGINT);
-    QTest::newRow("SIGTERM") << int(SIGTERM);
-    QTest::newRow("SIGHUP") << int(SIGHUP);
-}
-
 void TestSafeSave::interruptedSaveLeavesNoTemporary()
 {
-    QFETCH(int, signal);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.qbx"));
-    QVERIFY(FileBytes::write(path, "old"));
     // A child process saves and is interrupted halfway through its writer,
     // once by a rename save and once by a save in place (a second name).
-    for (const bool inPlace : {false, true}) {
-        if (inPlace)
-            QCOMPARE(::link(at(dir, "a.qbx").constData(), at(dir, "hard.qbx").constData()), 0);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            SafeSave::removeTemporaryOnSignals();
-            SafeSave::write(path, [signal](QIODevice &out) {
-                out.write(QByteArray(3000000, 'n'));
-                ::raise(signal);
-                return out.write("end") == 3;
-            });
-            ::_exit(0);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("a.qbx");
+        QVERIFY(FileBytes::write(path, "old"));
+        for (const bool inPlace : {false, true}) {
+            QVERIFY(!inPlace || ::link(at(dir, "a.qbx").constData(), at(dir, "hard.qbx").constData()) == 0);
+            const pid_t child = ::fork();
+            if (child == 0) {
+                SafeSave::removeTemporaryOnSignals();
+                SafeSave::write(path, [signal](QIODevice &out) {
+                    out.write(QByteArray(3000000, 'n'));
+                    ::raise(signal);
+                    return out.write("end") == 3;
+                });
+                ::_exit(0);
+            }
+            int status = 0;
+            QCOMPARE(::waitpid(child, &status, 0), child);
+            QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+            // Held until the file is whole in place: the new content, then the signal.
+            QCOMPARE(FileBytes::read(path), inPlace ? QByteArray(3000000, 'n') + "end" : QByteArray("old"));
+            QCOMPARE(filesIn(dir.path()), inPlace ? QStringList({"a.qbx", "hard.qbx"}) : QStringList{"a.qbx"});
         }
-        int status = 0;
-        QCOMPARE(::waitpid(child, &status, 0), child);
-        QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == signal);
-        // Held until the file is whole in place: the new content, then the signal.
-        QCOMPARE(FileBytes::read(path), inPlace ? QByteArray(3000000, 'n') + "end" : QByteArray("old"));
-        QCOMPARE(filesIn(dir.path()), inPlace ? QStringList({QStringLiteral("a.qbx"), QStringLiteral("hard.qbx")})
-                                              : QStringList{QStringLiteral("a.qbx")});
     }
 }
 

@@ -65,7 +65,7 @@ void TestSettings::firstStartDefaults()
     // document, which stays as it was.
     QSettings store(storeWith(QByteArray()), QSettings::IniFormat);
     Settings settings;
-    settings.defFile = QStringLiteral("/kept/when/absent.qbx");
+    settings.defFile = "/kept/when/absent.qbx";
     settings.fontSize = 200;
     settings.favIcons = {9};
     QVERIFY(settings.load(store));
@@ -144,7 +144,7 @@ void TestSettings::roundTrip()
 
     // An odd last byte is no icon.
     const QString odd = storeWith(QByteArray());
-    QSettings(odd, QSettings::IniFormat).setValue(QStringLiteral("FavIcons"), QByteArray::fromHex("05000c0307"));
+    QSettings(odd, QSettings::IniFormat).setValue("FavIcons", QByteArray::fromHex("05000c0307"));
     QSettings oddStore(odd, QSettings::IniFormat);
     QVERIFY(loaded.load(oddStore));
     QCOMPARE(loaded.favIcons, (QList<quint16>{5, 0x30c}));
@@ -154,7 +154,7 @@ void TestSettings::unusableStoreKeepsDefaults()
 {
     // A store whose folder would have to be made inside a plain file can be
     // neither created nor written.
-    const QString path = storeWith(QByteArray("not a folder")) + QStringLiteral("/sub/store.ini");
+    const QString path = storeWith(QByteArray("not a folder")) + "/sub/store.ini";
     QSettings store(path, QSettings::IniFormat);
     Settings settings;
     settings.fontSize = 200;

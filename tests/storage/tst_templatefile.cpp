@@ -44,7 +44,7 @@ private Q_SLOTS:
 void TestTemplateFile::missingAndDamagedFiles()
 {
     TemplateFile templates;
-    templates.add(named(QStringLiteral("old"), 0));
+    templates.add(named("old", 0));
     const QString file = path("missing.qbt");
     QVERIFY(!templates.load(file));
     QCOMPARE(templates.count(), 0);
@@ -53,7 +53,7 @@ void TestTemplateFile::missingAndDamagedFiles()
     // An empty list is the header alone.
     QVERIFY(templates.save(file));
     QCOMPARE(FileBytes::read(file), QByteArray::fromHex("27020000 00000000"));
-    templates.add(named(QStringLiteral("old"), 0));
+    templates.add(named("old", 0));
     QVERIFY(templates.load(file));
     QCOMPARE(templates.count(), 0);
 
@@ -80,28 +80,28 @@ void TestTemplateFile::missingAndDamagedFiles()
 void TestTemplateFile::recordBytesAndApplying()
 {
     Clock::setFixed(QDateTime(QDate(2024, 3, 5), QTime(10, 30)));
-    auto entry = named(QStringLiteral("T"), 0);
+    auto entry = named("T", 0);
     Clock::reset();
-    entry->setName(QStringLiteral("Ab"));
+    entry->setName("Ab");
     entry->setImage(12);
-    entry->setTaskTime(QStringLiteral("2"));
+    entry->setTaskTime("2");
     entry->setTaskTimeType(2);
     entry->setColour(3);
     entry->storeProgress(50);
     entry->setStatusType(2);
     entry->setItalic(true);
     entry->setShowIcon(false);
-    entry->setCategory(QStringLiteral("C"));
+    entry->setCategory("C");
     entry->setPriority(7);
     entry->setDueDate({2025, 1, 0, 2, 0, 0, 0, 0});
-    entry->setNote(NoteText::toPlainNote(QStringLiteral("hi")));
+    entry->setNote(NoteText::toPlainNote("hi"));
 
     // Applied to an Item, every attribute goes over; what makes the Item
     // itself stays: its links, its creation and the order of its children.
     TreeNode root;
-    auto *item = new Item(QStringLiteral("old"));
+    auto *item = new Item("old");
     root.appendChild(item);
-    item->setLinks({QStringLiteral("https://example.org")});
+    item->setLinks({"https://example.org"});
     item->setSort(TreeNode::SortPriority);
     item->setAutoProgress(true);
     const SystemTime created = item->created();
@@ -152,15 +152,14 @@ void TestTemplateFile::menuAndList()
     // At most ten templates of the document's note type; each one's command
     // counts from the first command by its place in the whole list.
     TemplateFile templates;
-    templates.add(named(QStringLiteral("rich"), 2));
+    templates.add(named("rich", 2));
     for (int i = 1; i <= 11; ++i)
         templates.add(named(QStringLiteral("plain %1").arg(i), 0));
-    templates.add(named(QStringLiteral("ink"), 1));
+    templates.add(named("ink", 1));
     const auto plain = templates.menu(0);
     QCOMPARE(int(plain.size()), 10);
     QVERIFY(plain.front().command == 40126 && plain.front().name == QStringLiteral("plain 1"));
-    QVERIFY(plain.back().command == 40135 && plain.back().index == 10 &&
-            plain.back().name == QStringLiteral("plain 10"));
+    QVERIFY(plain.back().command == 40135 && plain.back().index == 10 && plain.back().name == "plain 10");
     QCOMPARE(templates.menu(2).front().command, 40125);
     QCOMPARE(templates.menu(1).front().command, 40137);
 
@@ -173,8 +172,7 @@ void TestTemplateFile::menuAndList()
     QVERIFY(!templates.addNew(named(QStringLiteral("b"), 2), 0)); // the caller fixed plain text
     QCOMPARE(templates.count(), 14);
     QCOMPARE(templates.deleteQuestion(13), QStringLiteral("Are you sure to delete template 'c'?"));
-    QVERIFY(!Template::nameError(QStringLiteral("   ")).isEmpty() &&
-            Template::nameError(QStringLiteral("W")).isEmpty());
+    QVERIFY(!Template::nameError(QStringLiteral("   ")).isEmpty() && Template::nameError("W").isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestTemplateFile)
