@@ -41,15 +41,15 @@ private:
         return values;
     }
 
-    static uint valueOf(const Settings &s, const QByteArray &name)
+    // Settings loaded from a store of the given lines, the first layout's share 45 in memory before.
+    Settings loaded(const char *ini, quint16 splitBefore = 45)
     {
-        if (name == "flags")
-            return s.flags;
-        if (name == "fontSize")
-            return s.fontSize;
-        if (name == "splitPct")
-            return s.splitPct;
-        return name == "splitPct7" ? s.splitPct7 : s.noteZoom;
+        QSettings store(storeWith(QByteArray("[General]\n") + ini + '\n'), QSettings::IniFormat);
+        Settings settings;
+        settings.splitPct = splitBefore;
+        if (!settings.load(store))
+            qFatal("the store cannot be read");
+        return settings;
     }
 
 private Q_SLOTS:
@@ -78,38 +78,24 @@ void TestSettings::firstStartDefaults()
 
 void TestSettings::loadRules()
 {
-    const struct {
-        const char *ini;
-        quint16 splitBefore; // the first layout's share in memory
-        const char *field;
-        uint expected;
-    } rows[] = {
-        {"Version=700\nFontSize=3", 45, "fontSize", 100}, // an index into the old list of sizes
-        {"Version=700\nFontSize=10", 45, "fontSize", 10},
-        {"Version=700\nSplitPct7=5636130", 45, "splitPct7", 60}, // 0x00560022: 86 is out of range, 34 not read
-        {"Version=700\nSplitPct7=5570595", 45, "splitPct7", 85}, // 0x00550023: 85 is the edge, 35 not read
-        {"Version=700\nSplitPct=50", 45, "splitPct", 45},
-        {"Version=700", 90, "splitPct", 60},
-        {"SplitPct=35", 45, "splitPct", 35},
-        {"SplitPct=34", 45, "splitPct", 60},
-        {"Version=610\nSplitPct=50", 45, "splitPct", 50},
-        {"Version=700\nFlags=0", 45, "flags", 3},
-        {"Flags=0", 45, "flags", 0},
-        {"Flags=524288", 45, "flags", 0x001},
-        {"Flags=1", 45, "flags", 0x000}, // unknown old bits are dropped
-        {"Flags=0\nDispMode=1\nWordDirect=1", 45, "flags", 0x300},
-        {"Flags=0\nDispMode=2", 45, "flags", 0x000},
-        {"Version=700\nFlags=1\nDispMode=1\nWordDirect=1", 45, "flags", 0x001}, // old values ignored
-        {"Version=610\nFlags=1843616\nDispMode=1\nWordDirect=1", 45, "flags", 0x37F},
-        {"Version=700\nNoteZoom=big", 45, "noteZoom", 100},
-    };
-    for (const auto &row : rows) {
-        QSettings store(storeWith(QByteArray("[General]\n") + row.ini + '\n'), QSettings::IniFormat);
-        Settings settings;
-        settings.splitPct = row.splitBefore;
-        QVERIFY(settings.load(store));
-        QVERIFY2(valueOf(settings, row.field) == row.expected, row.ini);
-    }
+    QCOMPARE(loaded("Version=700\nFontSize=3").fontSize, 100); // an index into the old list of sizes
+    QCOMPARE(loaded("Version=700\nFontSize=10").fontSize, 10);
+    QCOMPARE(loaded("Version=700\nSplitPct7=5636130").splitPct7, 60); // 0x00560022: 86 is out of range, 34 not read
+    QCOMPARE(loaded("Version=700\nSplitPct7=5570595").splitPct7, 85); // 0x00550023: 85 is the edge, 35 not read
+    QCOMPARE(loaded("Version=700\nSplitPct=50").splitPct, 45);
+    QCOMPARE(loaded("Version=700", 90).splitPct, 60);
+    QCOMPARE(loaded("SplitPct=35").splitPct, 35);
+    QCOMPARE(loaded("SplitPct=34").splitPct, 60);
+    QCOMPARE(loaded("Version=610\nSplitPct=50").splitPct, 50);
+    QCOMPARE(loaded("Version=700\nFlags=0").flags, 3u);
+    QCOMPARE(loaded("Flags=0").flags, 0u);
+    QCOMPARE(loaded("Flags=524288").flags, 0x001u);
+    QCOMPARE(loaded("Flags=1").flags, 0x000u); // unknown old bits are dropped
+    QCOMPARE(loaded("Flags=0\nDispMode=1\nWordDirect=1").flags, 0x300u);
+    QCOMPARE(loaded("Flags=0\nDispMode=2").flags, 0x000u);
+    QCOMPARE(loaded("Version=700\nFlags=1\nDispMode=1\nWordDirect=1").flags, 0x001u); // old values ignored
+    QCOMPARE(loaded("Version=610\nFlags=1843616\nDispMode=1\nWordDirect=1").flags, 0x37Fu);
+    QCOMPARE(loaded("Version=700\nNoteZoom=big").noteZoom, 100);
 }
 
 void TestSettings::roundTrip()
