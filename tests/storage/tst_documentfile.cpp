@@ -6,8 +6,6 @@
 #include "tools/documentgenerator.h"
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -95,8 +93,7 @@ private Q_SLOTS:
     void everyTruncationIsDamageOrAnEarlierEnd();
     void linksCurrentAndCategories();
     void writerNumbersCurrentAndLinkTargetsFirstAndBranches();
-    void bytePrimitivesAtTheirEdges();
-    void fileResults();
+    void fileResultsAndBytePrimitives();
     void importIntoNode();
 };
 
@@ -362,29 +359,7 @@ void TestDocumentFile::writerNumbersCurrentAndLinkTargetsFirstAndBranches()
     QVERIFY(FB::read(dir.filePath("branch.qbx")) == e.data());
 }
 
-void TestDocumentFile::bytePrimitivesAtTheirEdges()
-{
-    // Skipping nothing is no failure; skipping back or past the end fails the reader for good.
-    ByteReader in(QByteArray("abcdefgh"));
-    in.skip(0);
-    in.skip(6);
-    QVERIFY(in.ok() && in.u16() == quint16('g' | 'h' << 8));
-    for (const qint64 size : {qint64(-1), qint64(9)}) {
-        ByteReader cut(QByteArray("abcdefgh"));
-        cut.skip(size);
-        QVERIFY2(!cut.ok() && cut.u16() == 0, qPrintable(QString::number(size)));
-    }
-    // A byte buffered before a block larger than the whole buffer reaches the device first.
-    QBuffer device;
-    QVERIFY(device.open(QIODevice::WriteOnly));
-    ByteWriter out(&device);
-    out.block("a");
-    out.block(QByteArray(3 << 20, 'b'));
-    QVERIFY(out.finish());
-    QVERIFY(device.data() == "a" + QByteArray(3 << 20, 'b'));
-}
-
-void TestDocumentFile::fileResults()
+void TestDocumentFile::fileResultsAndBytePrimitives()
 {
     QTemporaryDir dir;
     Document doc;
@@ -413,6 +388,25 @@ void TestDocumentFile::fileResults()
         QVERIFY2(DocumentFile::load(cut, &damaged) == DocumentFile::Damaged, qPrintable(QString::number(length)));
         QVERIFY(FB::read(cut) == whole.left(length));
     }
+
+    // Skipping nothing is no failure; skipping back or past the end fails the reader for good.
+    ByteReader in(QByteArray("abcdefgh"));
+    in.skip(0);
+    in.skip(6);
+    QVERIFY(in.ok() && in.u16() == quint16('g' | 'h' << 8));
+    for (const qint64 size : {qint64(-1), qint64(9)}) {
+        ByteReader cut(QByteArray("abcdefgh"));
+        cut.skip(size);
+        QVERIFY2(!cut.ok() && cut.u16() == 0, qPrintable(QString::number(size)));
+    }
+    // A byte buffered before a block larger than the whole buffer reaches the device first.
+    QBuffer device;
+    QVERIFY(device.open(QIODevice::WriteOnly));
+    ByteWriter out(&device);
+    out.block("a");
+    out.block(QByteArray(3 << 20, 'b'));
+    QVERIFY(out.finish());
+    QVERIFY(device.data() == "a" + QByteArray(3 << 20, 'b'));
 }
 
 void TestDocumentFile::importIntoNode()

@@ -3,7 +3,6 @@
 #include "support/filebytes.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>

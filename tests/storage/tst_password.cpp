@@ -7,11 +7,10 @@ class TestPassword : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void digestOfUtf16LittleEndianUnits();
-    void change();
+    void digestCheckAndChange();
 };
 
-void TestPassword::digestOfUtf16LittleEndianUnits()
+void TestPassword::digestCheckAndChange()
 {
     // MD5 over the UTF-16LE bytes: "abc" is 61 00 62 00 63 00.
     const struct {
@@ -33,17 +32,14 @@ void TestPassword::digestOfUtf16LittleEndianUnits()
     doc.passwordHash = Password::digest(QStringLiteral("abc"));
     QCOMPARE(Password::check(doc, QStringLiteral("ABC")), Password::Result::NotCorrect);
     QCOMPARE(Password::check(doc, QString()), Password::Result::NotCorrect);
-}
 
-void TestPassword::change()
-{
     using R = Password::Result;
     const struct {
         const char *existing; // "": no password yet
         const char *current, *newPassword, *confirmation;
         R result;
         const char *protectedBy; // the password afterwards, "" for none
-    } rows[] = {
+    } changes[] = {
         {"", "", "abc", "abc", R::Accepted, "abc"},
         {"", "junk", "abc", "abc", R::Accepted, "abc"}, // the current box is ignored without a password
         {"", "", "abc", "ABC", R::Mismatch, ""},
@@ -55,7 +51,7 @@ void TestPassword::change()
         {"abc", "abc", "", "", R::Removed, ""},
         {"abc", "", "", "", R::NotCorrect, "abc"},
     };
-    for (const auto &row : rows) {
+    for (const auto &row : changes) {
         Document doc;
         if (*row.existing)
             doc.passwordHash = Password::digest(QLatin1String(row.existing));

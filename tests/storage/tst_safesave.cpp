@@ -6,7 +6,6 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -49,16 +48,15 @@ class TestSafeSave : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void failedSaveLeavesTheOldFile();
+    void failedSavesAndRewritesInPlace();
     void refusedTargets();
     void keepsWhatTheFileIs();
-    void rewriteInPlace();
     void privateWhileSaving();
     void staleTemporariesOfItsOwnName();
     void interruptedSaveLeavesNoTemporary();
 };
 
-void TestSafeSave::failedSaveLeavesTheOldFile()
+void TestSafeSave::failedSavesAndRewritesInPlace()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("doc.qbx");
@@ -83,6 +81,46 @@ void TestSafeSave::failedSaveLeavesTheOldFile()
         QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("doc.qbx")});
     }
     std::signal(SIGXFSZ, oldHandler);
+
+    // A second name makes the save write in place; a writer that fails after
+    // overwriting the start must leave the old content, under both names,
+    // and report the save as abandoned whatever errno its own calls left.
+    const QString other = dir.filePath("b.qbx");
+    const QByteArray old = QByteArray(3000000, 'o') + "end";
+    QVERIFY(FileBytes::write(path, old));
+    QCOMPARE(::link(at(dir, "doc.qbx").constData(), at(dir, "b.qbx").constData()), 0);
+    QVERIFY(!SafeSave::write(path, [](QIODevice &out) {
+        out.write(QByteArray(2500000, 'n')); // more than one block reaches the file
+        errno = EACCES;
+        return false;
+    }));
+    QCOMPARE(SafeSave::lastFailure(), SafeSave::Failure::Abandoned);
+    QVERIFY(FileBytes::read(path) == old && FileBytes::read(other) == old);
+    QCOMPARE(filesIn(dir.path()), QStringList({"b.qbx", "doc.qbx"}));
+
+    // A reader that starts while only half of the new document is in the file waits for the whole.
+    Document large;
+    DocumentGenerator::generate(&large, {2000, 2, false, 0});
+    const QByteArray bytes = DocumentFile::toBytes(large);
+    std::thread reader;
+    DocumentFile::LoadResult result = DocumentFile::Damaged;
+    QVERIFY(SafeSave::write(path, [&](QIODevice &out) {
+        const qsizetype half = bytes.size() / 2;
+        if (out.write(bytes.first(half)) != half)
+            return false;
+        reader = std::thread([&] {
+            Document doc;
+            result = DocumentFile::load(path, &doc);
+        });
+        QThread::msleep(300);
+        return out.write(bytes.sliced(half)) == bytes.size() - half;
+    }));
+    reader.join();
+    QCOMPARE(result, DocumentFile::Loaded);
+    QVERIFY(FileBytes::read(other) == bytes);
+    // Nothing at all is content too.
+    QVERIFY(SafeSave::write(other, QByteArray()));
+    QCOMPARE(FileBytes::read(path), QByteArray());
 }
 
 // What is in the way of a save, and what the failure says; nothing is created, replaced or made a regular file.
@@ -169,51 +207,6 @@ void TestSafeSave::keepsWhatTheFileIs()
         QVERIFY(!xattr || ::getxattr(name.constData(), "user.empty", value, sizeof value) == 0);
         QCOMPARE(filesIn(dir.path()).filter(QStringLiteral(".part")), QStringList());
     }
-}
-
-void TestSafeSave::rewriteInPlace()
-{
-    // A second name makes the save write in place; a writer that fails after
-    // overwriting the start must leave the old content, under both names,
-    // and report the save as abandoned whatever errno its own calls left.
-    QTemporaryDir dir;
-    const QString path = dir.filePath("a.qbx");
-    const QString other = dir.filePath("b.qbx");
-    const QByteArray old = QByteArray(3000000, 'o') + "end";
-    QVERIFY(FileBytes::write(path, old));
-    QCOMPARE(::link(at(dir, "a.qbx").constData(), at(dir, "b.qbx").constData()), 0);
-    QVERIFY(!SafeSave::write(path, [](QIODevice &out) {
-        out.write(QByteArray(2500000, 'n')); // more than one block reaches the file
-        errno = EACCES;
-        return false;
-    }));
-    QCOMPARE(SafeSave::lastFailure(), SafeSave::Failure::Abandoned);
-    QVERIFY(FileBytes::read(path) == old && FileBytes::read(other) == old);
-    QCOMPARE(filesIn(dir.path()), QStringList({QStringLiteral("a.qbx"), QStringLiteral("b.qbx")}));
-
-    // A reader that starts while only half of the new document is in the file waits for the whole.
-    Document large;
-    DocumentGenerator::generate(&large, {2000, 2, false, 0});
-    const QByteArray bytes = DocumentFile::toBytes(large);
-    std::thread reader;
-    DocumentFile::LoadResult result = DocumentFile::Damaged;
-    QVERIFY(SafeSave::write(path, [&](QIODevice &out) {
-        const qsizetype half = bytes.size() / 2;
-        if (out.write(bytes.first(half)) != half)
-            return false;
-        reader = std::thread([&] {
-            Document doc;
-            result = DocumentFile::load(path, &doc);
-        });
-        QThread::msleep(300);
-        return out.write(bytes.sliced(half)) == bytes.size() - half;
-    }));
-    reader.join();
-    QCOMPARE(result, DocumentFile::Loaded);
-    QVERIFY(FileBytes::read(other) == bytes);
-    // Nothing at all is content too.
-    QVERIFY(SafeSave::write(other, QByteArray()));
-    QCOMPARE(FileBytes::read(path), QByteArray());
 }
 
 void TestSafeSave::privateWhileSaving()

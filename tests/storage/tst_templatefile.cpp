@@ -2,7 +2,6 @@
 #include "storage/templatefile.h"
 #include "support/filebytes.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -35,8 +34,7 @@ private:
 
 private Q_SLOTS:
     void missingAndDamagedFiles();
-    void recordBytesAndApplying();
-    void olderVersionsAndOddValues();
+    void recordBytesOldVersionsAndApplying();
     void menuAndList();
 };
 
@@ -76,7 +74,7 @@ void TestTemplateFile::missingAndDamagedFiles()
     }
 }
 
-void TestTemplateFile::recordBytesAndApplying()
+void TestTemplateFile::recordBytesOldVersionsAndApplying()
 {
     // Every field read is written back as it was.
     TemplateFile templates;
@@ -106,10 +104,7 @@ void TestTemplateFile::recordBytesAndApplying()
     QCOMPARE(NoteText::plainText(item->note(), 0), QStringLiteral("hi"));
     QCOMPARE(item->links(), QStringList{QStringLiteral("https://example.org")});
     QVERIFY(item->created() == created && item->sort() == TreeNode::SortPriority);
-}
 
-void TestTemplateFile::olderVersionsAndOddValues()
-{
     // Version 500: no reminder time; Sort 5 means manual order; an Image of
     // 0xFFFF is 826 and a Colour of 0xFFFF is 0; a negative note size means
     // no note.
@@ -120,10 +115,9 @@ void TestTemplateFile::olderVersionsAndOddValues()
     record.replace(34, 2, QByteArray("\xff\xff", 2));          // Colour
     record.replace(84, 10, QByteArray("\xff\xff\xff\xff", 4)); // NoteSize -1, no note bytes
     QVERIFY(FileBytes::write(path("old.qbt"), QByteArray::fromHex("f4010000 01000000") + record));
-    TemplateFile templates;
     QVERIFY(templates.load(path("old.qbt")));
     QCOMPARE(templates.count(), 1);
-    const Template *entry = templates.at(0);
+    entry = templates.at(0);
     QVERIFY(entry->image() == 826 && entry->sort() == 15 && entry->colour() == 0 && entry->noteSize() == 0);
     QCOMPARE(entry->priority(), 7);
 }
