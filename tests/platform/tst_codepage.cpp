@@ -58,8 +58,7 @@ void TestCodePage::exportBytes()
 
 void TestCodePage::toUnicode()
 {
-    // Windows keeps the five bytes that windows-1252 leaves undefined as the
-    // control characters of the same value; so do we.
+    // The five bytes windows-1252 leaves undefined are the control characters of the same value, as in Windows.
     const Row rows[] = {
         {"windows-1252", "€ café", "\x80 caf\xe9"},
         {"windows-1252", QStringView(u"\x81\x8d\x8f\x90\x9d").toString(), "\x81\x8d\x8f\x90\x9d"},
@@ -78,8 +77,7 @@ void TestCodePage::toUnicode()
 
 void TestCodePage::piecesGiveTheWholeConversion()
 {
-    // Cut the text at every place, inside the surrogate pair too: the pieces
-    // must give the bytes of the whole.
+    // Cut the text at every place, inside the surrogate pair too: the pieces must give the bytes of the whole.
     const QString text = QString::fromUtf8("ab é😀€ x") + QStringView(u"\xd800").toString() + QStringLiteral("z");
     const QByteArray whole("ab \xe9?\x80 x?z");
     CodePage page(QStringLiteral("windows-1252"));

@@ -9,8 +9,7 @@ int sign(int value)
 }
 } // namespace
 
-// Names and categories compare as the locale's plain string comparison: case,
-// accents, digits and punctuation all count, each as the character it is.
+// Names compare as the locale's plain string comparison: case, accents, digits and punctuation all count as they are.
 class TestCollation : public QObject {
     Q_OBJECT
 private Q_SLOTS:

@@ -9,8 +9,7 @@
 #include <QTest>
 #include <QThread>
 
-// A save killed at any moment leaves either the complete old document or the
-// complete new one, never a mixture, and nothing that looks like a document.
+// A save killed at any moment leaves the whole old document or the whole new one, and nothing that looks like one.
 class TestCrashSave : public QObject {
     Q_OBJECT
 
@@ -62,9 +61,8 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
         QProcess process;
         process.start(Qbx, arguments);
         QVERIFY(process.waitForStarted());
-        // Up to three times the measured run: on a loaded machine a run takes
-        // longer than it did when measured, and some kills must still land
-        // after the replacement.
+        // Up to three times the measured run: on a loaded machine a run takes longer than it did when measured, and
+        // some kills must still land after the replacement.
         QThread::usleep(random.bounded(quint64(runMicroseconds * 3) + 1));
         process.kill(); // SIGKILL
         QVERIFY(process.waitForFinished());
@@ -73,8 +71,8 @@ void TestCrashSave::killedSavesLeaveOldOrNew()
         QVERIFY2(onDisk == oldBytes || onDisk == newBytes, qPrintable(QStringLiteral("kill %1").arg(i)));
         (onDisk == oldBytes ? keptOld : gotNew)++;
 
-        // What a killed save leaves behind is a hidden temporary file that no
-        // listing of documents shows; it is cleared for the next round.
+        // A killed save leaves at most a hidden temporary file no listing of documents shows; cleared for the next
+        // round.
         for (const QString &file : QDir(work.path()).entryList(QDir::Files | QDir::Hidden)) {
             QVERIFY2(file == "document.qbx" || (SafeSave::isTemporaryName(file) && !file.endsWith(".qbx")),
                      qPrintable(file));

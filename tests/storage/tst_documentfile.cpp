@@ -20,8 +20,7 @@ Item *add(TreeNode *parent, const char *name, quint16 image = 0)
     return item;
 }
 
-// One plain 551 entry. noteSize and linkCount default to the real sizes; when
-// given, they may claim more than the file holds.
+// One plain 551 entry; noteSize and linkCount, when given, may claim more than the file holds.
 struct Entry {
     quint32 depth = 1;
     quint32 number = 1;
@@ -134,9 +133,8 @@ void TestDocumentFile::versions551And550EveryField()
         QVERIFY(!a->showIcon() && !a->autoProgress() && !a->isItalic() && b->showIcon() && b->autoProgress() &&
                 b->isItalic());
 
-        // Written back: only the five document flags, 826 for the unset image, 0
-        // for the unset colour, the current Item numbered 1, A numbered 2 when
-        // met, the dead link as "!0".
+        // Written back: only the five document flags, 826 for the unset image, 0 for the unset colour, the current Item
+        // numbered 1, A numbered 2 when met, the dead link as "!0".
         FB e;
         e.u32(551).u16(3).hex("abcdef").u32(0x8F).u16(2).u16(3).u16(5).u32(0xFFFFFF8F).u32(1);
         e.u16(826).str("Wurzel ü").u32(0xDEADBEEF).u32(3).u16(4);
@@ -155,8 +153,8 @@ void TestDocumentFile::versions551And550EveryField()
 
 void TestDocumentFile::olderVersionsAreWrittenBackAs551()
 {
-    // 500 and 501 keep the password as plain text (it becomes the digest of "abc"), the note type in DocFlags
-    // bit 8, and no CreationDate sort: 500 reads Sort 5 as manual order.
+    // 500 and 501 keep the password as plain text (it becomes the digest of "abc"), the note type in DocFlags bit 8,
+    // and no CreationDate sort: 500 reads Sort 5 as manual order.
     for (const quint32 version : {500u, 501u}) {
         const quint16 sort = version == 500 ? 15 : 5;
         FB f;
@@ -179,8 +177,7 @@ void TestDocumentFile::version410LegacyRecords()
 {
     DocumentFile::setLegacyDocumentsFolder("/docs");
     FB f;
-    // HideCompleted, ShowDueDate, ViewAscending, ShowStatistics, hide bits
-    // 14 and 16; bit 1 clear (note window shown), bit 9 clear (rich ink).
+    // HideCompleted, ShowDueDate, ViewAscending, ShowStatistics, hide bits 14 and 16; note window shown, rich ink.
     f.u32(410).fixed("pw", 16).u32(0x14415).u32(0x00010002).u32(3);
     f.fixed("Legacy title", 96);
     const int headerSize = f.size();
@@ -191,13 +188,11 @@ void TestDocumentFile::version410LegacyRecords()
     QCOMPARE(f.size() - headerSize, 392);
     f.u32(2).fixed("!6", 260).fixed("\\My Documents\\Letters\\a.psw", 260);
     f.u32(4).hex("41004200");
-    // Bit 7 without bit 8 (bit 9, automatic, beside it): no status. Depth 3
-    // right after depth 1 is tolerated here. Image (icon + 796) and Colour
-    // are 0xFFFF, which this layout keeps.
+    // Bit 7 without bit 8 (bit 9, automatic, beside it): no status. Depth 3 right after depth 1 is tolerated here.
+    // Image (icon + 796) and Colour are 0xFFFF, which this layout keeps.
     f.u32(0x280).fixed("Tief", 96).u16(0xFFFF - 796).u16(9).fixed(QString(), 64);
     f.zeroTime().fixed(QString(), 8).u16(0).u16(0xFFFF).zeroTime().u32(3).u32(6).u32(42).u32(0).u32(0);
-    // Plain check box with its own progress; depth 0 climbs to the top.
-    // Bit 8 without bit 7 is still a check box.
+    // Plain check box with its own progress; depth 0 climbs to the top. Bit 8 without bit 7 is still a check box.
     f.u32(0x100).fixed("Drei", 96).u16(1).u16(0).fixed("Home", 64);
     f.zeroTime().fixed(QString(), 8).u16(0).u16(0).zeroTime().u32(0).u32(7).u32(60);
     f.u32(2).fixed("/docs/Projects/x.txt", 260).fixed("/docsother/y.txt", 260);
@@ -206,8 +201,7 @@ void TestDocumentFile::version410LegacyRecords()
     Document doc;
     QCOMPARE(DocumentFile::loadFromBytes(f, &doc), DocumentFile::Loaded);
     QCOMPARE(doc.root()->child(0)->taskTimeType(), quint16(3)); // the one field a 551 file does not keep
-    // The password's digest; priority one more than stored; a link into the
-    // old documents folder made relative to it, the current Item numbered 1.
+    // The password's digest, priority one up, a link into the old documents folder made relative, the current as 1.
     FB e;
     e.u32(551).u16(16).hex("d29e9e1676c2b9d01b1e10adce084822").u32(0x8F).u16(1).u16(2).u16(3).u32(0x50).u32(1);
     e.u16(0).str("Legacy title").u32(0).u32(2).u16(15);
@@ -372,15 +366,13 @@ void TestDocumentFile::fileResultsAndBytePrimitives()
     QVERIFY(DocumentFile::save(source, path));
     Document loaded;
     QCOMPARE(DocumentFile::load(path, &loaded), DocumentFile::Loaded);
-    // Saving to the document's own path replaces the file; a note larger
-    // than the writer's buffer reaches the file whole.
+    // Saving to its own path replaces the file; a note larger than the writer's buffer reaches the file whole.
     loaded.root()->child(1)->setNote(QByteArray(3 << 20, 'n') + QByteArray(2, '\0'));
     QVERIFY(DocumentFile::save(loaded));
     QVERIFY(FB::read(path) == DocumentFile::toBytes(loaded));
     QVERIFY(!DocumentFile::save(loaded, dir.filePath("no/such/folder.qbx")));
 
-    // A file on disk is read from a mapping with the same checks: cut
-    // anywhere, it is damage, and it stays exactly as it was.
+    // A file on disk is read from a mapping with the same checks: cut anywhere, it is damage and stays as it was.
     const QByteArray whole = DocumentFile::toBytes(source);
     for (const qsizetype length : {qsizetype(0), qsizetype(3), whole.size() / 2, whole.size() - 1}) {
         const QString cut = writeFile(dir, QStringLiteral("cut%1.qbx").arg(length), whole.left(length));
@@ -436,8 +428,7 @@ void TestDocumentFile::importIntoNode()
     const QString rich = writeFile(dir, "rich.qbx", file551({{.note = "{\\rtf1\\ansi Hi}"}}, 0, 2));
     QCOMPARE(DocumentFile::importInto(&plain, plain.root(), rich, {}), DocumentFile::Loaded);
     QCOMPARE(plain.root()->child(0)->note(), QByteArray::fromHex("480069000000"));
-    // Refused, and nothing added: a note type nobody knows, a password not given, a cut file, another version,
-    // no file, a stub.
+    // Refused, nothing added: an unknown note type, no password, a cut file, another version, no file, a stub.
     const auto import = [&](const char *name, const QByteArray &bytes, const DocumentFile::PasswordPrompt &prompt) {
         return DocumentFile::importInto(&plain, plain.root(), writeFile(dir, name, bytes), prompt);
     };

@@ -61,8 +61,7 @@ void TestSafeSave::failedSavesAndRewritesInPlace()
     QTemporaryDir dir;
     const QString path = dir.filePath("doc.qbx");
     QVERIFY(FileBytes::write(path, "old content"));
-    // A writer that gives up halfway; then writes that fail partway under a
-    // file size limit, as on a full disk.
+    // A writer that gives up halfway; then writes that fail partway under a file size limit, as on a full disk.
     rlimit saved;
     QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
     const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
@@ -82,9 +81,8 @@ void TestSafeSave::failedSavesAndRewritesInPlace()
     }
     std::signal(SIGXFSZ, oldHandler);
 
-    // A second name makes the save write in place; a writer that fails after
-    // overwriting the start must leave the old content, under both names,
-    // and report the save as abandoned whatever errno its own calls left.
+    // A second name makes the save write in place; a writer that fails after overwriting the start must leave the old
+    // content, under both names, and report the save as abandoned whatever errno its own calls left.
     const QString other = dir.filePath("b.qbx");
     const QByteArray old = QByteArray(3000000, 'o') + "end";
     QVERIFY(FileBytes::write(path, old));
@@ -166,10 +164,9 @@ void TestSafeSave::refusedTargets()
     QCOMPARE(FileBytes::read(options.source), QByteArray("the document"));
 }
 
-// A save changes the content and nothing else about the file: its mode, owner,
-// group and attributes, the links that lead to it. A new file takes the old
-// one's place, all it was carried over; only a file with two names is written
-// in place, to stay one file, even when a new one could be given its owner.
+// A save changes the content and nothing else about the file: its mode, owner, group and attributes, the links that
+// lead to it. A new file takes the old one's place, all it was carried over; only a file with two names is written in
+// place, to stay one file, even when a new one could be given its owner.
 void TestSafeSave::keepsWhatTheFileIs()
 {
     for (const char *target : {"c.qbx", "chain.qbx", "relative.qbx", "hard.qbx"}) {
@@ -211,8 +208,7 @@ void TestSafeSave::keepsWhatTheFileIs()
 
 void TestSafeSave::privateWhileSaving()
 {
-    // While the writer runs, the document keeps its old bytes, and the one
-    // extra file is hidden, not a document, and as private as the document.
+    // While the writer runs, the document keeps its bytes; the one extra file is hidden, no document, and as private.
     QTemporaryDir dir;
     const QString path = dir.filePath("private.qbx");
     QVERIFY(FileBytes::write(path, "secret"));
@@ -251,8 +247,7 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
     QTemporaryDir dir;
     const QString path = dir.filePath("a.qbx");
     QVERIFY(FileBytes::write(path, "old"));
-    // A save that has run for minutes holds its temporary file: the clean-up
-    // of another save of the same document leaves it alone.
+    // A save that has run for minutes holds its temporary file: another save's clean-up leaves it alone.
     QVERIFY(SafeSave::write(path, [&](QIODevice &device) {
         const QStringList temporaries = filesIn(dir.path()).filter(".part");
         if (temporaries.size() != 1)
@@ -289,8 +284,7 @@ void TestSafeSave::staleTemporariesOfItsOwnName()
 
 void TestSafeSave::interruptedSaveLeavesNoTemporary()
 {
-    // A child process saves and is interrupted halfway through its writer,
-    // once by a rename save and once by a save in place (a second name).
+    // A child process is interrupted halfway through its writer, in a rename save and in a save in place.
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         QTemporaryDir dir;
         const QString path = dir.filePath("a.qbx");

@@ -6,8 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-// Every case works on a settings file of its own in a temporary folder; the
-// user's own store is never opened.
+// Every case works on a settings file of its own in a temporary folder; the user's own store is never opened.
 class TestSettings : public QObject {
     Q_OBJECT
 
@@ -60,8 +59,7 @@ private Q_SLOTS:
 
 void TestSettings::defaultsOnFirstStartOrUnusableStore()
 {
-    // An empty store loads what a new Settings holds, but for the default
-    // document, which stays as it was.
+    // An empty store loads what a new Settings holds, but for the default document, which stays as it was.
     QSettings store(storeWith(QByteArray()), QSettings::IniFormat);
     Settings settings;
     settings.defFile = "/kept/when/absent.qbx";
@@ -74,8 +72,7 @@ void TestSettings::defaultsOnFirstStartOrUnusableStore()
     const QByteArray old("[General]\nSplitPct=50\nDispMode=1\nWordDirect=1\nFavIcons=x\n");
     QCOMPARE(valuesIn(savedStore(settings, old)), valuesIn(savedStore(fresh)));
 
-    // A store whose folder would have to be made inside a plain file can be
-    // neither created nor written.
+    // A store whose folder would have to be made inside a plain file can be neither created nor written.
     const QString path = storeWith(QByteArray("not a folder")) + "/sub/store.ini";
     QSettings unusable(path, QSettings::IniFormat);
     QVERIFY(!settings.load(unusable));

@@ -20,10 +20,9 @@ private:
         return entry;
     }
 
-    // One template record, version 551: TemplateName "T", TemplateNoteType 0, Image 12, Name "Ab", ExtraWord,
-    // StdFlags ascending, Sort 15, TaskTime "2", Colour 3, Created Tuesday 2024-03-05 10:30, Progress 50,
-    // StatusType 2, Flags italic (no icon), Category "C", Priority 7, DueDate 2025-01-02, no
-    // ReminderTime, and the note "hi" of 6 bytes.
+    // One template record, version 551: TemplateName "T", TemplateNoteType 0, Image 12, Name "Ab", ExtraWord, StdFlags
+    // ascending, Sort 15, TaskTime "2", Colour 3, Created Tuesday 2024-03-05 10:30, Progress 50, StatusType 2, Flags
+    // italic (no icon), Category "C", Priority 7, DueDate 2025-01-02, no ReminderTime, and the note "hi" of 6 bytes.
     static QByteArray sampleRecord()
     {
         FileBytes f;
@@ -85,8 +84,7 @@ void TestTemplateFile::recordBytesOldVersionsAndApplying()
     QVERIFY(templates.save(path("again.qbt")));
     QCOMPARE(FileBytes::read(path("again.qbt")), bytes);
 
-    // Applied to an Item, every attribute goes over; what makes the Item
-    // itself stays: its links, its creation and the order of its children.
+    // Applied to an Item, every attribute goes over; its links, its creation and the order of its children stay.
     Template *entry = templates.at(0);
     entry->setTaskTimeType(2);
     TreeNode root;
@@ -105,9 +103,7 @@ void TestTemplateFile::recordBytesOldVersionsAndApplying()
     QCOMPARE(item->links(), QStringList{QStringLiteral("https://example.org")});
     QVERIFY(item->created() == created && item->sort() == TreeNode::SortPriority);
 
-    // Version 500: no reminder time; Sort 5 means manual order; an Image of
-    // 0xFFFF is 826 and a Colour of 0xFFFF is 0; a negative note size means
-    // no note.
+    // Version 500: no reminder time; Sort 5 is manual order; Image 0xFFFF is 826, Colour 0xFFFF is 0, NoteSize -1 none.
     QByteArray record = sampleRecord();
     record.remove(84, 16);                                     // no ReminderTime
     record.replace(8, 2, QByteArray("\xff\xff", 2));           // Image
@@ -124,8 +120,8 @@ void TestTemplateFile::recordBytesOldVersionsAndApplying()
 
 void TestTemplateFile::menuAndList()
 {
-    // At most ten templates of the document's note type; each one's command
-    // counts from the first command by its place in the whole list.
+    // At most ten templates of the document's note type; a command counts from the first by the place in the whole
+    // list.
     TemplateFile templates;
     templates.add(named("rich", 2));
     for (int i = 1; i <= 11; ++i)

@@ -4,9 +4,8 @@
 #include <QFile>
 #include <QString>
 
-// Spells out document file bytes field by field for the tests, so that every
-// expected file is written down by hand rather than produced by the writer;
-// reads and writes whole files.
+// Spells out document file bytes field by field for the tests, so that every expected file is written down by hand
+// rather than produced by the writer; reads and writes whole files.
 class FileBytes {
 public:
     /// Hex digits; spaces between them are skipped.
