@@ -32,6 +32,7 @@ void TestCodePage::fromUnicode()
         {"windows-1251", "Дом", "\xc4\xee\xec"},
         {"windows-932", "a日本", "a\x93\xfa\x96\x7b"},
         {"windows-932", "ā日", "?\x93\xfa"},
+        {"ibm-037", "Az 1", "\xc1\xa9\x40\xf1"}, // EBCDIC keeps no ASCII byte as it is
     };
     for (const Row &row : rows) {
         CodePage page(QLatin1String(row.codePage));
