@@ -29,53 +29,37 @@ const char *const List = "2\t2024-03-01 10:00\tCall Ann\n"
 class TestQbxReminders : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase();
-    void reminders_data();
-    void reminders();
-
-private:
-    QTemporaryDir m_dir;
-    QString m_path;
+    void reminders()
+    {
+        QTemporaryDir dir;
+        Document document;
+        Outline::build(document.root(), Sample);
+        const QString path = dir.filePath(QStringLiteral("plan.qbx"));
+        QVERIFY(DocumentFile::save(document, path));
+        const QString at = QStringLiteral("--at=2024-03-01 09:00:00");
+        // Call Bob is last in the list: Pack and Old wait for him; Trip comes in
+        // reach when the ten-day timer runs on 03-11. Until is exclusive.
+        const struct {
+            QStringList options;
+            int status;
+            QString out;
+        } cases[] = {
+            {{at}, 0, List},
+            {{at, "--until=2024-03-31 00:00:00"},
+             0,
+             QString::fromLatin1(List) + "bubble\t2024-03-01 09:45\t5,6,7\nbubble\t2024-03-01 10:00\t2\n"
+                                         "bubble\t2024-03-16 08:30\t4\n"},
+            {{at, "--until=2024-03-01 09:45:00"}, 0, List},
+            {{"--at=2024-03-01 9:00"}, 2, ""},
+            {{at, "--until=2024-02-01 00:00:00"}, 2, ""},
+        };
+        for (const auto &c : cases) {
+            const QbxRun run = qbx(QStringList({QStringLiteral("reminders"), path}) + c.options);
+            QCOMPARE(run.status, c.status);
+            QCOMPARE(run.text(), c.out);
+        }
+    }
 };
-
-void TestQbxReminders::initTestCase()
-{
-    QVERIFY(m_dir.isValid());
-    Document document;
-    Outline::build(document.root(), Sample);
-    m_path = m_dir.filePath(QStringLiteral("plan.qbx"));
-    QVERIFY(DocumentFile::save(document, m_path));
-}
-
-void TestQbxReminders::reminders_data()
-{
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("out");
-
-    const QString at = QStringLiteral("--at=2024-03-01 09:00:00");
-    QTest::newRow("list") << QStringList({at}) << 0 << List;
-    // Call Bob is last in the list: Pack and Old wait for him; Trip comes in
-    // reach when the ten-day timer runs on 03-11.
-    QTest::newRow("bubbles") << QStringList({at, QStringLiteral("--until=2024-03-31 00:00:00")}) << 0
-                             << QString::fromLatin1(List) + "bubble\t2024-03-01 09:45\t5,6,7\n"
-                                                            "bubble\t2024-03-01 10:00\t2\n"
-                                                            "bubble\t2024-03-16 08:30\t4\n";
-    QTest::newRow("until is exclusive of a later wake")
-        << QStringList({at, QStringLiteral("--until=2024-03-01 09:45:00")}) << 0 << List;
-    QTest::newRow("bad time") << QStringList({QStringLiteral("--at=2024-03-01 9:00")}) << 2 << "";
-    QTest::newRow("until before at") << QStringList({at, QStringLiteral("--until=2024-02-01 00:00:00")}) << 2 << "";
-}
-
-void TestQbxReminders::reminders()
-{
-    QFETCH(QStringList, options);
-    QFETCH(int, status);
-    QFETCH(QString, out);
-    const QbxRun run = qbx(QStringList({QStringLiteral("reminders"), m_path}) + options);
-    QCOMPARE(run.status, status);
-    QCOMPARE(run.text(), out);
-}
 
 QBX_SUITE(TestQbxReminders)
 #include "qbxreminders.moc"

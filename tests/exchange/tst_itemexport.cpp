@@ -63,115 +63,93 @@ struct Sample {
 class TestItemExport : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void choices_data();
-    void choices();
-    void copiesKeepTheirFieldsAndLinks();
-    void failureDeletesNothing();
-};
+    void choices()
+    {
+        // Each choice exports, then exports and deletes.
+        const struct {
+            ItemExport::Choice choice;
+            const char *current;
+            QStringList selection;
+            int count;
+            const char *exported, *leftAfterDelete;
+        } cases[] = {
+            {ItemExport::Choice(0), "", {}, 4, "R(A1,A2a,B(B1))", "R(A(A1(A1x),A2),C)"},
+            {ItemExport::Choice(1), "", {}, 6, "R(A(A1,A2(A2a)),B(B1))", "R(A(A1(A1x),A2),C)"},
+            {ItemExport::Choice(2), "A", {}, 5, "A(A1(A1x),A2(A2a))", "R(B(B1),C)"},
+            {ItemExport::Choice(2), "", {}, 8, "R(A(A1(A1x),A2(A2a)),B(B1),C)", "R"},
+            {ItemExport::Choice(3), "", {"A2a", "C", "A2"}, 3, "R(A2(A2a),C)", "R(A(A1(A1x)),B(B1))"},
+            {ItemExport::Choice(3), "", {"A", "A1", "A1x", "A2", "A2a"}, 5, "R(A(A1(A1x),A2(A2a)))", "R(B(B1),C)"},
+            {ItemExport::Choice(3), "", {"A1"}, 1, "R(A1)", "R(A(A1(A1x),A2(A2a)),B(B1),C)"},
+        };
+        for (const auto &c : cases) {
+            for (const bool deleteAfter : {false, true}) {
+                Sample sample;
+                if (*c.current)
+                    sample.document.setCurrent(sample.item(c.current));
+                std::vector<Item *> picked;
+                for (const QString &name : c.selection)
+                    picked.push_back(sample.item(name.toLatin1().constData()));
+                const QString before = describe(sample.document.root());
+                QTemporaryDir dir;
+                const QString path = dir.filePath(QStringLiteral("part.qbx"));
+                QCOMPARE(ItemExport::exportItems(sample.document, c.choice, deleteAfter, picked, path), c.count);
+                Document back;
+                QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
+                QCOMPARE(describe(back.root()), QString::fromLatin1(c.exported));
+                QCOMPARE(back.noteType, quint16(Document::RichText));
+                QCOMPARE(describe(sample.document.root()),
+                         deleteAfter ? QString::fromLatin1(c.leftAfterDelete) : before);
+            }
+        }
+    }
 
-void TestItemExport::choices_data()
-{
-    QTest::addColumn<int>("choice");
-    QTest::addColumn<QString>("current");
-    QTest::addColumn<QStringList>("selection");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QString>("exported");
-    QTest::addColumn<QString>("leftAfterDelete");
-
-    QTest::newRow("completed only") << 0 << "" << QStringList() << 4 << "R(A1,A2a,B(B1))"
-                                    << "R(A(A1(A1x),A2),C)";
-    QTest::newRow("completed with hierarchy") << 1 << "" << QStringList() << 6 << "R(A(A1,A2(A2a)),B(B1))"
-                                              << "R(A(A1(A1x),A2),C)";
-    QTest::newRow("current branch") << 2 << "A" << QStringList() << 5 << "A(A1(A1x),A2(A2a))"
-                                    << "R(B(B1),C)";
-    QTest::newRow("root current") << 2 << "" << QStringList() << 8 << "R(A(A1(A1x),A2(A2a)),B(B1),C)"
-                                  << "R";
-    QTest::newRow("selected items") << 3 << "" << QStringList{"A2a", "C", "A2"} << 3 << "R(A2(A2a),C)"
-                                    << "R(A(A1(A1x)),B(B1))";
-    QTest::newRow("selected whole first branch") << 3 << "" << QStringList{"A", "A1", "A1x", "A2", "A2a"} << 5
-                                                 << "R(A(A1(A1x),A2(A2a)))" << "R(B(B1),C)";
-    QTest::newRow("selected parent without its child") << 3 << "" << QStringList{"A1"} << 1 << "R(A1)"
-                                                       << "R(A(A1(A1x),A2(A2a)),B(B1),C)";
-}
-
-void TestItemExport::choices()
-{
-    QFETCH(int, choice);
-    QFETCH(QString, current);
-    QFETCH(QStringList, selection);
-    QFETCH(int, count);
-    QFETCH(QString, exported);
-    QFETCH(QString, leftAfterDelete);
-
-    for (const bool deleteAfter : {false, true}) {
+    void copiesKeepTheirFieldsAndLinks()
+    {
         Sample sample;
-        if (!current.isEmpty())
-            sample.document.setCurrent(sample.item(current.toLatin1().constData()));
-        std::vector<Item *> picked;
-        for (const QString &name : std::as_const(selection))
-            picked.push_back(sample.item(name.toLatin1().constData()));
-        const QString before = describe(sample.document.root());
-
+        sample.item("B")->setExpanded(true);
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("part.qbx"));
-        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), deleteAfter, picked, path),
-                 count);
+        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::CompletedOnly, false, {}, path), 4);
         Document back;
         QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
-        QCOMPARE(describe(back.root()), exported);
-        QCOMPARE(back.noteType, quint16(Document::RichText));
-        QCOMPARE(describe(sample.document.root()), deleteAfter ? leftAfterDelete : before);
+        QVERIFY(find(back.root(), QStringLiteral("B"))->isExpanded()); // its child came along
+        const Item *a2a = find(back.root(), QStringLiteral("A2a"));
+        QVERIFY(a2a);
+        QCOMPARE(a2a->category(), QStringLiteral("Work"));
+        QCOMPARE(a2a->note(), QByteArray("{\\rtf1 note}"));
+        QCOMPARE(a2a->created(), at(2021, 6, 7, 8, 9, 10));
+        const QStringList links = a2a->links();
+        QCOMPARE(links.size(), 3);
+        // B was written too: its link leads to B's copy. C was not: a dead link.
+        QCOMPARE(back.linkTarget(links[0]), find(back.root(), QStringLiteral("B")));
+        QCOMPARE(back.linkTarget(links[1]), nullptr);
+        QCOMPARE(links[2], QStringLiteral("http://x"));
     }
-}
 
-void TestItemExport::copiesKeepTheirFieldsAndLinks()
-{
-    Sample sample;
-    sample.item("B")->setExpanded(true);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("part.qbx"));
-    QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::CompletedOnly, false, {}, path), 4);
-    Document back;
-    QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
-    QVERIFY(find(back.root(), QStringLiteral("B"))->isExpanded()); // its child came along
-    const Item *a2a = find(back.root(), QStringLiteral("A2a"));
-    QVERIFY(a2a);
-    QCOMPARE(a2a->category(), QStringLiteral("Work"));
-    QCOMPARE(a2a->note(), QByteArray("{\\rtf1 note}"));
-    QCOMPARE(a2a->created(), at(2021, 6, 7, 8, 9, 10));
-    const QStringList links = a2a->links();
-    QCOMPARE(links.size(), 3);
-    // B was written too: its link leads to B's copy. C was not: a dead link.
-    QCOMPARE(back.linkTarget(links[0]), find(back.root(), QStringLiteral("B")));
-    QCOMPARE(back.linkTarget(links[1]), nullptr);
-    QCOMPARE(links[2], QStringLiteral("http://x"));
-}
-
-void TestItemExport::failureDeletesNothing()
-{
-    for (int choice = 0; choice < 4; ++choice) {
-        Sample sample;
-        sample.document.setCurrent(sample.item("B"));
-        const QString before = describe(sample.document.root());
+    void failureDeletesNothing()
+    {
+        for (int choice = 0; choice < 4; ++choice) {
+            Sample sample;
+            sample.document.setCurrent(sample.item("B"));
+            const QString before = describe(sample.document.root());
+            QTemporaryDir dir;
+            QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), true, {sample.item("C")},
+                                             dir.filePath(QStringLiteral("missing/part.qbx"))),
+                     ItemExport::Failed);
+            QCOMPARE(describe(sample.document.root()), before);
+        }
+        // Nothing to export: no file, and nothing deleted.
+        Document document;
+        document.root()->appendChild(new Item(QStringLiteral("open task")));
         QTemporaryDir dir;
-        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), true, {sample.item("C")},
-                                         dir.filePath(QStringLiteral("missing/part.qbx"))),
-                 ItemExport::Failed);
-        QCOMPARE(describe(sample.document.root()), before);
+        const QString path = dir.filePath(QStringLiteral("part.qbx"));
+        QCOMPARE(ItemExport::exportItems(document, ItemExport::CompletedOnly, true, {}, path), 0);
+        QCOMPARE(document.root()->childCount(), 1);
+        Document empty;
+        QCOMPARE(ItemExport::exportItems(empty, ItemExport::CurrentBranch, true, {}, path), 0);
+        QVERIFY(!QFile::exists(path));
     }
-
-    // Nothing to export: no file, and nothing deleted.
-    Document document;
-    document.root()->appendChild(new Item(QStringLiteral("open task")));
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("part.qbx"));
-    QCOMPARE(ItemExport::exportItems(document, ItemExport::CompletedOnly, true, {}, path), 0);
-    QVERIFY(!QFile::exists(path));
-    QCOMPARE(document.root()->childCount(), 1);
-    Document empty;
-    QCOMPARE(ItemExport::exportItems(empty, ItemExport::CurrentBranch, true, {}, path), 0);
-    QVERIFY(!QFile::exists(path));
-}
+};
 
 QTEST_GUILESS_MAIN(TestItemExport)
 #include "tst_itemexport.moc"

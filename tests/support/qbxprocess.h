@@ -4,6 +4,7 @@
 #include <QMap>
 #include <QProcess>
 #include <QStringList>
+#include <QTest>
 #include <functional>
 #include <vector>
 
@@ -16,7 +17,16 @@ struct QbxRun {
     QByteArray err;
     QString text() const { return QString::fromUtf8(out); }
     QString error() const { return QString::fromUtf8(err); }
+    // A whole run in one comparison: QCOMPARE(qbx(...), (QbxRun{0, "out", ""})).
+    bool operator==(const QbxRun &other) const = default;
 };
+
+inline char *toString(const QbxRun &run)
+{
+    return QTest::toString(QStringLiteral("status %1, out \"%2\", error \"%3\"")
+                               .arg(run.status)
+                               .arg(run.text(), run.error()));
+}
 
 struct QbxOptions {
     QByteArray input;
