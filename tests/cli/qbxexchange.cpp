@@ -60,19 +60,16 @@ private Q_SLOTS:
             s.xmlEncode = 1;
         });
         // The settings, then options that win over them.
-        const struct {
-            QStringList arguments;
-            QByteArray start;
-        } cases[] = {
+        const std::tuple<QStringList, QByteArray> cases[] = {
             {{"view"}, "R\r\n\ta\r\n\t\tb\r\n\tc\r\n"},
             {{"links"}, "R/a\r\n(None)\r\n\r\nR/a/b\r\n(None)\r\n\r\nR/c\r\n(None)\r\n\r\n"},
             {{"xml"}, "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<ROOT Flags=\"2\""},
             {{"view", "--indent", "0", "--unicode"}, "\xff\xfe" + le(u"R\r\na\r\nb\r\nc\r\n")},
             {{"xml", "--encoding", "2"}, "\xff\xfe" + le(u"<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n")},
         };
-        for (const auto &c : cases) {
-            QCOMPARE(call(QStringList{"export", c.arguments[0], doc, out} + c.arguments.mid(1)).status, 0);
-            QCOMPARE(readFile(out).left(c.start.size()), c.start);
+        for (const auto &[arguments, start] : cases) {
+            QCOMPARE(call(QStringList{"export", arguments[0], doc, out} + arguments.mid(1)).status, 0);
+            QCOMPARE(readFile(out).left(start.size()), start);
         }
         const QbxRun bad = call({"export", "view", doc, out, "--indent", "7"});
         QCOMPARE(bad.status, 2);

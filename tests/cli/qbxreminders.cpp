@@ -39,11 +39,7 @@ private Q_SLOTS:
         const QString at = QStringLiteral("--at=2024-03-01 09:00:00");
         // Call Bob is last in the list: Pack and Old wait for him; Trip comes in
         // reach when the ten-day timer runs on 03-11. Until is exclusive.
-        const struct {
-            QStringList options;
-            int status;
-            QString out;
-        } cases[] = {
+        const std::tuple<QStringList, int, QString> cases[] = {
             {{at}, 0, List},
             {{at, "--until=2024-03-31 00:00:00"},
              0,
@@ -53,10 +49,10 @@ private Q_SLOTS:
             {{"--at=2024-03-01 9:00"}, 2, ""},
             {{at, "--until=2024-02-01 00:00:00"}, 2, ""},
         };
-        for (const auto &c : cases) {
-            const QbxRun run = qbx(QStringList({QStringLiteral("reminders"), path}) + c.options);
-            QCOMPARE(run.status, c.status);
-            QCOMPARE(run.text(), c.out);
+        for (const auto &[options, status, out] : cases) {
+            const QbxRun run = qbx(QStringList({QStringLiteral("reminders"), path}) + options);
+            QCOMPARE(run.status, status);
+            QCOMPARE(run.text(), out);
         }
     }
 };

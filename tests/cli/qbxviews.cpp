@@ -40,11 +40,7 @@ class TestQbxViews : public QObject {
 private Q_SLOTS:
     void view()
     {
-        const struct {
-            QStringList options;
-            bool hideCompleted;
-            const char *shown;
-        } cases[] = {
+        const std::tuple<QStringList, bool, const char *> cases[] = {
             {{}, false, "Week\n  Groceries\n    Milk\n    Bread\n      Rye\n  Report\n    Draft\n    Review\n"},
             {{"--mode", "2", "--descending"},
              false,
@@ -55,17 +51,14 @@ private Q_SLOTS:
              "Week\n  Priority 1\n    Report\n    Rye\n  Priority 3\n    Groceries\n  Priority 5\n    Bread\n"
              "    Review\n  Priority 10\n    Draft\n"},
         };
-        for (const auto &c : cases)
-            QCOMPARE(qbx(QStringList{"view", sample(c.hideCompleted)} + c.options), (QbxRun{0, c.shown, ""}));
+        for (const auto &[options, hideCompleted, shown] : cases)
+            QCOMPARE(qbx(QStringList{"view", sample(hideCompleted)} + options), (QbxRun{0, shown, ""}));
     }
 
     void find()
     {
-        const struct {
-            QStringList options;
-            const char *found;
-        } cases[] = {
-            {{}, "1\tGroceries\n2\tMilk\n3\tBread\n4\tRye\n5\tReport\n6\tDraft\n7\tReview\n"},
+        const std::tuple<QStringList, const char *> cases[] = {
+            {QStringList(), "1\tGroceries\n2\tMilk\n3\tBread\n4\tRye\n5\tReport\n6\tDraft\n7\tReview\n"},
             {{"--name", "r"}, "1\tGroceries\n3\tBread\n5\tReport\n6\tDraft\n"},
             {{"--name", "R", "--case-insensitive"}, "1\tGroceries\n3\tBread\n4\tRye\n5\tReport\n6\tDraft\n7\tReview\n"},
             {{"--priority", "5"}, "3\tBread\n7\tReview\n"},
@@ -74,15 +67,15 @@ private Q_SLOTS:
             {{"--due", "lt", "2024-03-05"}, "5\tReport\n"},
             {{"--due", "gt", "2024-03-04"}, "1\tGroceries\n3\tBread\n"},
             {{"--note", "draft", "--case-insensitive"}, "6\tDraft\n"},
-            {{"--completed"}, "2\tMilk\n"},
+            {QStringList{"--completed"}, "2\tMilk\n"},
             {{"--colour", "4"}, "5\tReport\n"},
             {{"--italic", "yes"}, "3\tBread\n"},
             {{"--show-icon", "no"}, "5\tReport\n"},
             {{"--not-started", "--category", "Home"}, "1\tGroceries\n"},
         };
         const QString path = sample();
-        for (const auto &c : cases)
-            QCOMPARE(qbx(QStringList{QStringLiteral("find"), path} + c.options), (QbxRun{0, c.found, ""}));
+        for (const auto &[options, found] : cases)
+            QCOMPARE(qbx(QStringList{QStringLiteral("find"), path} + options), (QbxRun{0, found, ""}));
         // Matches hidden by the document's filters are not listed; when none is
         // left, nothing matched.
         QCOMPARE(qbx(QStringList{QStringLiteral("find"), sample(true), QStringLiteral("--completed")}),

@@ -65,24 +65,19 @@ private Q_SLOTS:
                                                    "version. These file formats are not supported.\n");
         // Every command loads through the same path: one failure kind each. No
         // bytes: the file is absent.
-        const struct {
-            const char *command;
-            QByteArray file;
-            int status;
-            QString message;
-        } cases[] = {
+        const std::tuple<const char *, QByteArray, int, QString> cases[] = {
             {"dump", QByteArray::fromHex("2702000000"), 1, damaged},
             {"resave", QByteArray::fromHex("58020000"), 2, unsupported},
             {"password", QByteArray::fromHex("2702000000"), 1, damaged},
             {"check", {}, 4, QStringLiteral("File '%1' does not exist.\n")},
         };
-        for (const auto &c : cases) {
-            const QString path = c.file.isEmpty() ? m_dir.filePath(QStringLiteral("absent.qbx"))
-                                                  : writeBytes(m_dir.filePath(QStringLiteral("bad.qbx")), c.file);
-            const QString message = c.file.isEmpty() ? c.message.arg(path) : c.message;
-            QCOMPARE(qbx({QString::fromLatin1(c.command), path}), (QbxRun{c.status, "", message.toUtf8()}));
-            if (!c.file.isEmpty())
-                QCOMPARE(fileBytes(path), c.file); // a file that did not load is never written
+        for (const auto &[command, file, status, text] : cases) {
+            const QString path = file.isEmpty() ? m_dir.filePath(QStringLiteral("absent.qbx"))
+                                                : writeBytes(m_dir.filePath(QStringLiteral("bad.qbx")), file);
+            const QString message = file.isEmpty() ? text.arg(path) : text;
+            QCOMPARE(qbx({QString::fromLatin1(command), path}), (QbxRun{status, "", message.toUtf8()}));
+            if (!file.isEmpty())
+                QCOMPARE(fileBytes(path), file); // a file that did not load is never written
         }
     }
 
@@ -119,23 +114,18 @@ private Q_SLOTS:
         const QString abc = QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315");
         // Typed lines: the current password, the new one, its confirmation; a
         // new password too long; Windows line ends.
-        const struct {
-            QByteArray typed;
-            int status;
-            QByteArray error;
-            QString hash;
-        } cases[] = {
+        const std::tuple<QByteArray, int, QByteArray, QString> cases[] = {
             {"\nabc\nABC\n", 3, mismatch, {}}, {"ignored\nabc\nabc\n", 0, {}, abc},
             {"ABC\n\n\n", 3, notCorrect, abc}, {"abc\n1234567890123456\n1234567890123456\n", 3, {}, abc},
             {"abc\r\n\r\n\r\n", 0, {}, {}},
         };
-        for (const auto &c : cases) {
-            const QbxRun run = qbx({QStringLiteral("password"), path}, {c.typed, {}, {}, {}});
-            QCOMPARE(run.status, c.status);
-            if (!c.error.isEmpty())
-                QCOMPARE(run.err, c.error);
+        for (const auto &[typed, status, error, hash] : cases) {
+            const QbxRun run = qbx({QStringLiteral("password"), path}, {typed, {}, {}, {}});
+            QCOMPARE(run.status, status);
+            if (!error.isEmpty())
+                QCOMPARE(run.err, error);
             const QJsonObject dump = QJsonDocument::fromJson(qbx({QStringLiteral("dump"), path}).out).object();
-            QCOMPARE(dump.value("PasswordHash").toString(), c.hash);
+            QCOMPARE(dump.value("PasswordHash").toString(), hash);
         }
     }
 

@@ -3,7 +3,6 @@
 #include "support/exchangetest.h"
 #include "support/treesummary.h"
 #include "model/document.h"
-#include "tools/documentgenerator.h"
 
 #include <QBuffer>
 #include <QTemporaryDir>
@@ -30,16 +29,6 @@ Item *item(TreeNode *parent, const QString &name, quint16 status = Item::CheckBo
     made->storeProgress(progress);
     parent->appendChild(made);
     return made;
-}
-
-void generate(Document *document, int items, bool chain, quint16 noteType, quint32 seed)
-{
-    DocumentGenerator::Options options;
-    options.items = items;
-    options.chain = chain;
-    options.noteType = noteType;
-    options.seed = seed;
-    DocumentGenerator::generate(document, options);
 }
 
 // Names and notes full of what Markdown would read as syntax, nested, with
@@ -103,10 +92,7 @@ private Q_SLOTS:
 
     void importsWhatOthersWrite()
     {
-        const struct {
-            QByteArray markdown;
-            const char *rootName, *summary;
-        } cases[] = {
+        const std::tuple<QByteArray, const char *, const char *> cases[] = {
             {"* a\n\t* b\n\t\t+ c\n- d\n", "Root", "1 a[-]\n2 b[-]\n3 c[-]\n1 d[-]\n"},
             {"1. one\n2. two\n   1) sub\n10. ten\n", "Root", "1 one[-]\n1 two[-]\n2 sub[-]\n1 ten[-]\n"},
             {"- \\[ ] first line\n- [ ] open\n- [x] done\n- [X] Done\n- [40%] part\n- [y] not a box\n- \\[x] escaped\n"
@@ -129,39 +115,35 @@ private Q_SLOTS:
             {"\xef\xbb\xbfJust a line\nand another\n", "Root", "1 Just a line and another[-]\n"},
             {"", "Root", ""},
         };
-        for (const auto &c : cases) {
+        for (const auto &[markdown, rootName, summary] : cases) {
             TreeNode root;
-            QCOMPARE(MarkdownImport::read(c.markdown, &root, {}), MarkdownImport::Result::Ok);
-            QCOMPARE(root.name(), QString::fromUtf8(c.rootName));
-            QCOMPARE(TreeSummary::of(&root, 0), QString::fromUtf8(c.summary));
+            QCOMPARE(MarkdownImport::read(markdown, &root, {}), MarkdownImport::Result::Ok);
+            QCOMPARE(root.name(), QString::fromUtf8(rootName));
+            QCOMPARE(TreeSummary::of(&root, 0), QString::fromUtf8(summary));
         }
     }
 
     void roundTrip()
     {
         // No items: names that look like Markdown.
-        const struct {
-            int items;
-            bool chain;
-            quint16 noteType;
-            quint32 seed;
-        } cases[] = {{3000, false, 0, 1}, {800, false, 2, 9}, {MarkdownExport::MaxDepth, true, 0, 3}, {0, false, 0, 0}};
-        for (const auto &c : cases) {
+        const std::tuple<int, bool, quint16, quint32> cases[] = {
+            {3000, false, 0, 1}, {800, false, 2, 9}, {MarkdownExport::MaxDepth, true, 0, 3}, {0, false, 0, 0}};
+        for (const auto &[items, chain, noteType, seed] : cases) {
             Document original;
-            if (c.items > 0)
-                generate(&original, c.items, c.chain, c.noteType, c.seed);
+            if (items > 0)
+                generate(&original, items, chain, noteType, seed);
             else
                 trickyDocument(&original);
             QTemporaryDir dir;
             const QString path = dir.filePath(QStringLiteral("Outline.md"));
-            QCOMPARE(MarkdownExport::exportMarkdown(path, original.root(), {c.noteType}), MarkdownExport::Result::Ok);
+            QCOMPARE(MarkdownExport::exportMarkdown(path, original.root(), {noteType}), MarkdownExport::Result::Ok);
             Document copy;
-            QCOMPARE(MarkdownImport::importDocument(path, {c.noteType, 812}, &copy), MarkdownImport::Result::Ok);
+            QCOMPARE(MarkdownImport::importDocument(path, {noteType, 812}, &copy), MarkdownImport::Result::Ok);
             QCOMPARE(copy.path, dir.filePath(QStringLiteral("Outline.qbx")));
             QCOMPARE(copy.root()->name(), original.root()->name());
-            const QString expected = TreeSummary::of(original.root(), c.noteType, markdownKeeps());
+            const QString expected = TreeSummary::of(original.root(), noteType, markdownKeeps());
             QVERIFY(expected.contains(QLatin1Char('{')));
-            QCOMPARE(TreeSummary::of(copy.root(), c.noteType, markdownKeeps()), expected);
+            QCOMPARE(TreeSummary::of(copy.root(), noteType, markdownKeeps()), expected);
         }
     }
 };

@@ -1,9 +1,9 @@
 #include "exchange/opmlexport.h"
 #include "exchange/opmlimport.h"
 #include "support/exchangetest.h"
+#include "support/outline.h"
 #include "support/treesummary.h"
 #include "model/document.h"
-#include "tools/documentgenerator.h"
 
 #include <QBuffer>
 #include <QTemporaryDir>
@@ -29,12 +29,6 @@ QByteArray writeBytes(const TreeNode *root, quint16 noteType)
     return OpmlExport::write(buffer, root, {noteType}) ? buffer.data() : QByteArray("(failed)");
 }
 
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 } // namespace
 
 class TestOpml : public QObject {
@@ -42,28 +36,14 @@ class TestOpml : public QObject {
 private Q_SLOTS:
     void exportWritesEveryAttribute()
     {
-        TreeNode root(QStringLiteral("Plans & <ideas>"));
-        auto *a = new Item(QStringLiteral("Say \"hi\" & <go>"));
-        a->setNote(note(u"line one\r\nline two"));
-        a->storeProgress(100);
-        a->setPriority(3);
-        a->setCategory(QStringLiteral("Work"));
-        a->setDueDate(at(2024, 2, 29));
-        a->setLinks({QStringLiteral("!5"), QStringLiteral("https://example.org/?a=1&b=2"), QStringLiteral("C:\\x")});
-        root.appendChild(a);
-        // Units XML cannot carry are left out.
-        auto *b = new Item(QStringLiteral("B\001a\uFFFEr\uFFFF"));
-        b->setStatusType(Item::NoStatus);
-        a->appendChild(b);
-        auto *c = new Item(QStringLiteral("c"));
-        c->setStatusType(Item::ProgressBar);
-        c->storeProgress(40);
-        a->appendChild(c);
-        c->appendChild(new Item(QStringLiteral("d")));
         // The last item is nested: the outlines still open close at the end.
-        auto *last = new Item(QString());
-        root.appendChild(last);
-        last->appendChild(new Item(QStringLiteral("e")));
+        TreeNode root(QStringLiteral("Plans & <ideas>"));
+        Outline::build(&root, "Say \"hi\" & <go> | prog=100 pri=3 cat=Work due=2024-02-29\n  B | st=0\n"
+                              "  c | st=2 prog=40\n    d\n|\n  e\n");
+        Item *a = root.child(0);
+        a->setNote(note(u"line one\r\nline two"));
+        a->setLinks({QStringLiteral("!5"), QStringLiteral("https://example.org/?a=1&b=2"), QStringLiteral("C:\\x")});
+        a->child(0)->setName(QStringLiteral("B\001a\uFFFEr\uFFFF")); // units XML cannot carry are left out
 
         QCOMPARE(
             writeBytes(&root, 0),
@@ -81,10 +61,7 @@ private Q_SLOTS:
     void importsWhatOtherOutlinersWrite()
     {
         // A null root name: the file is refused as no OPML.
-        const struct {
-            QByteArray opml;
-            const char *rootName, *summary;
-        } cases[] = {
+        const std::tuple<QByteArray, const char *, const char *> cases[] = {
             {"<?xml version=\"1.0\"?>\n<opml version=\"2.0\"><head><owner_email>me@example.org</owner_email></head>"
              "<body>\n<outline text=\"Groceries\" _complete=\"true\">\n  <outline text=\"Milk\" _note=\"2 litres&#10;"
              "semi-skimmed\" /></outline>\n<outline text=\"&lt;b&gt;Bold&lt;/b&gt; plan\" complete=\"true\"/></body>"
@@ -118,46 +95,37 @@ private Q_SLOTS:
             {"", nullptr, nullptr},
             {"<opml><body><outline text=\"&bogus;\"/></body></opml>", nullptr, nullptr},
         };
-        for (const auto &c : cases) {
+        for (const auto &[opml, rootName, summary] : cases) {
             TreeNode root;
             QString error;
-            const OpmlImport::Result result = readBytes(c.opml, &root, nullptr, &error);
-            QCOMPARE(result, c.rootName ? OpmlImport::Result::Ok : OpmlImport::Result::FormatError);
-            QCOMPARE(error.isEmpty(), bool(c.rootName));
-            if (c.rootName) {
-                QCOMPARE(root.name(), QString::fromUtf8(c.rootName));
-                QCOMPARE(TreeSummary::of(&root, 0), QString::fromUtf8(c.summary));
+            const OpmlImport::Result result = readBytes(opml, &root, nullptr, &error);
+            QCOMPARE(result, rootName ? OpmlImport::Result::Ok : OpmlImport::Result::FormatError);
+            QCOMPARE(error.isEmpty(), bool(rootName));
+            if (rootName) {
+                QCOMPARE(root.name(), QString::fromUtf8(rootName));
+                QCOMPARE(TreeSummary::of(&root, 0), QString::fromUtf8(summary));
             }
         }
     }
 
     void roundTrip()
     {
-        const struct {
-            int items;
-            bool chain;
-            quint16 noteType;
-            quint32 seed;
-        } cases[] = {{3000, false, 0, 1}, {800, false, 2, 7}, {100000, true, 0, 3}};
-        for (const auto &c : cases) {
+        const std::tuple<int, bool, quint16, quint32> cases[] = {
+            {3000, false, 0, 1}, {800, false, 2, 7}, {100000, true, 0, 3}};
+        for (const auto &[items, chain, noteType, seed] : cases) {
             Document original;
-            DocumentGenerator::Options options;
-            options.items = c.items;
-            options.chain = c.chain;
-            options.noteType = c.noteType;
-            options.seed = c.seed;
-            DocumentGenerator::generate(&original, options);
+            generate(&original, items, chain, noteType, seed);
             original.root()->child(0)->setName(QStringLiteral("a < b & \"c\" > 'd'\tend"));
             Document copy;
-            copy.noteType = c.noteType;
-            QCOMPARE(readBytes(writeBytes(original.root(), c.noteType), copy.root(), &copy, nullptr, c.noteType),
+            copy.noteType = noteType;
+            QCOMPARE(readBytes(writeBytes(original.root(), noteType), copy.root(), &copy, nullptr, noteType),
                      OpmlImport::Result::Ok);
             QCOMPARE(copy.root()->name(), original.root()->name());
             TreeSummary::Keep keep;
             keep.allLinks = false; // an outline holds one link
-            const QString expected = TreeSummary::of(original.root(), c.noteType, keep);
+            const QString expected = TreeSummary::of(original.root(), noteType, keep);
             QVERIFY(expected.contains(QLatin1Char('{')) && expected.contains(QLatin1Char('@')));
-            QCOMPARE(TreeSummary::of(copy.root(), c.noteType, keep), expected);
+            QCOMPARE(TreeSummary::of(copy.root(), noteType, keep), expected);
             QCOMPARE(copy.categories.size(), original.categories.size());
         }
     }
@@ -175,12 +143,9 @@ private Q_SLOTS:
         Document document;
         document.noteType = 2;
         document.root()->setName(QStringLiteral("R"));
-        auto *a = new Item(QStringLiteral("a"));
-        a->setCategory(document.collectCategory(QStringLiteral("Old")));
-        a->setStatusType(Item::ProgressBar);
-        a->setAutoProgress(true);
-        document.root()->appendChild(a);
-        a->appendChild(new Item(QStringLiteral("b")));
+        document.collectCategory(QStringLiteral("Old"));
+        Outline::build(document.root(), "a | cat=Old st=2 auto\n  b\n");
+        Item *a = document.root()->child(0);
         const QString before = TreeSummary::of(document.root(), 2);
 
         QCOMPARE(OpmlImport::importInto(bad, &document, a, {}), OpmlImport::Result::FormatError);

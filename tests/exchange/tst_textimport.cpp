@@ -3,8 +3,8 @@
 #include "model/item.h"
 
 #include <QTemporaryDir>
-#include <sys/stat.h>
 #include <QTest>
+#include <sys/stat.h>
 
 using namespace ExchangeTest;
 
@@ -16,11 +16,7 @@ private Q_SLOTS:
     void outline()
     {
         // An empty outline with a line: a format error there; with none, unreadable.
-        const struct {
-            QByteArray bytes;
-            const char *outline;
-            int line;
-        } cases[] = {
+        const std::tuple<QByteArray, const char *, int> cases[] = {
             {"Groceries\r\n Fruit\r\n  Apples\r\n Bread\r\n", "Groceries(Fruit(Apples),Bread)", 0},
             {"R\r\n\ta\r\n \tb\r\n\t c\r\n  d\r\n", "R(a(b,c,d))", 0}, // a tab and a space are one level each
             {"R\r\n\r\n a\r\r\r  b\n\n\r\n c\r", "R(a(b),c)", 0},
@@ -40,27 +36,23 @@ private Q_SLOTS:
             {Bom, "", 0},
             {"", "", 0},
         };
-        for (const auto &c : cases) {
+        for (const auto &[bytes, outline, line] : cases) {
             TreeNode root;
             int errorLine = -1;
-            const TextImport::Result expected = *c.outline ? TextImport::Result::Ok
-                                                : c.line   ? TextImport::Result::FormatError
-                                                           : TextImport::Result::Unreadable;
-            QCOMPARE(TextImport::import(c.bytes, &root, {}, &errorLine), expected);
-            QCOMPARE(errorLine, c.line);
-            if (*c.outline)
-                QCOMPARE(describe(&root), QString::fromUtf8(c.outline));
+            const TextImport::Result expected = *outline ? TextImport::Result::Ok
+                                                : line   ? TextImport::Result::FormatError
+                                                         : TextImport::Result::Unreadable;
+            QCOMPARE(TextImport::import(bytes, &root, {}, &errorLine), expected);
+            QCOMPARE(errorLine, line);
+            if (*outline)
+                QCOMPARE(describe(&root), QString::fromUtf8(outline));
         }
     }
 
     void encodings()
     {
         const char *const cafe = "Café(日本)";
-        const struct {
-            QByteArray bytes;
-            bool utf8;
-            const char *outline;
-        } cases[] = {
+        const std::tuple<QByteArray, bool, const char *> cases[] = {
             {QByteArray::fromHex("efbbbf") + "Caf\xc3\xa9\n \xe6\x97\xa5\xe6\x9c\xac", false, cafe},
             {Bom + QByteArray("C\0a\0f\0\xe9\0\n\0 \0\xe5\x65\x2c\x67", 16), false, cafe},
             {QByteArray("\xfe\xff\0C\0a\0f\0\xe9\0\n\0 \x65\xe5\x67\x2c", 18), false, cafe},
@@ -68,13 +60,13 @@ private Q_SLOTS:
             {QByteArray("\xfe\xff\0R\0\n\0 \0a", 10), true, "R(a)"}, // a mark wins over the choice
             {"Caf\xc3\xa9\n a", false, "CafÃ©(a)"},                  // ANSI stays the default
         };
-        for (const auto &c : cases) {
+        for (const auto &[bytes, utf8, outline] : cases) {
             TextImport::Options options;
             options.codePage = QStringLiteral("windows-1252");
-            options.encoding = c.utf8 ? TextImport::Encoding::Utf8 : TextImport::Encoding::Ansi;
+            options.encoding = utf8 ? TextImport::Encoding::Utf8 : TextImport::Encoding::Ansi;
             TreeNode root;
-            QCOMPARE(TextImport::import(c.bytes, &root, options), TextImport::Result::Ok);
-            QCOMPARE(describe(&root), QString::fromUtf8(c.outline));
+            QCOMPARE(TextImport::import(bytes, &root, options), TextImport::Result::Ok);
+            QCOMPARE(describe(&root), QString::fromUtf8(outline));
         }
         TreeNode root;
         TextImport::Options options;

@@ -1,5 +1,6 @@
 #include "exchange/xmlexport.h"
 #include "support/exchangetest.h"
+#include "support/outline.h"
 #include "model/document.h"
 
 #include <QDir>
@@ -19,40 +20,29 @@ struct Sample {
         root->setName(QStringLiteral("My <List>"));
         root->setImage(5);
         root->setSort(TreeNode::SortName);
-        auto *a = new Item(QStringLiteral("a<b&c"), 812);
-        auto *b = new Item(QStringLiteral(""));
-        auto *c = new Item(QStringLiteral("Target & Co"), 3);
-        auto *d = new Item();
-        root->appendChild(a);
-        a->appendChild(b);
-        root->appendChild(c);
-        root->appendChild(d);
+        Outline::build(root, "a<b&c | italic col=3 due=2024-03-05T17:30 prog=50 st=2 pri=3\n"
+                             "Target & Co | noicon auto st=0 prog=100\n");
+        Item *a = root->child(0);
+        Item *c = root->child(1);
+        a->appendChild(new Item(QStringLiteral("")));
+        root->appendChild(new Item());
         root->setExpanded(true);
         a->setExpanded(true);
-        a->setItalic(true);
+        a->setImage(812);
         a->setTaskTime(QStringLiteral("2h"));
         a->setTaskTimeType(2);
-        a->setColour(3);
-        a->setDueDate(at(2024, 3, 5, 17, 30));
-        a->storeProgress(50);
-        a->setStatusType(Item::ProgressBar);
-        a->setPriority(3);
         a->setCategory(QStringLiteral("Work \"x\""));
         a->setCreated(at(2023, 12, 31, 23, 59, 58));
         auto *gone = new Item(QStringLiteral("gone"));
-        const QString deadLink = gone->linkText();
+        a->setLinks({QStringLiteral("file:///tmp/x's"), c->linkText(), gone->linkText()});
+        c->setLinks({gone->linkText()});
         delete gone;
-        a->setLinks({QStringLiteral("file:///tmp/x's"), c->linkText(), deadLink});
         a->setNote(note(u"line1\r\nline2 <b>&amp;</b>"));
-        b->setCreated(at(2024, 1, 2, 3, 4, 5));
-        c->setShowIcon(false);
-        c->setAutoProgress(true);
-        c->setStatusType(Item::NoStatus);
-        c->storeProgress(100);
+        a->child(0)->setCreated(at(2024, 1, 2, 3, 4, 5));
+        c->setImage(3);
         c->setDueDate(at(2020, 0, 5)); // no month: no date
         c->setCreated(at(2000, 2, 29));
-        c->setLinks({deadLink});
-        d->setCreated(at(1999, 1, 1, 12, 0, 1));
+        root->child(2)->setCreated(at(1999, 1, 1, 12, 0, 1));
     }
 };
 
@@ -87,10 +77,12 @@ QByteArray plainItem(const QByteArray &name, const QByteArray &note = QByteArray
            "</ITEM>\r\n";
 }
 
-Item *plain(const QString &name)
+// Appends an Item with default fields, created 2024-01-01 00:00:00.
+Item *plain(TreeNode *parent)
 {
-    auto *item = new Item(name);
+    auto *item = new Item(QStringLiteral("x"));
     item->setCreated(at(2024, 1, 1));
+    parent->appendChild(item);
     return item;
 }
 
@@ -113,24 +105,18 @@ private Q_SLOTS:
 
     void notesAsPlainText()
     {
-        // The note goes into CDATA as it is, even one holding the CDATA end; how
-        // each note type reads as text is the notes' rule.
-        const struct {
-            quint16 noteType;
-            QByteArray note, text;
-        } cases[] = {
+        // The note goes into CDATA as it is, even one holding the CDATA end.
+        const std::tuple<quint16, QByteArray, QByteArray> cases[] = {
             {0, le(u"a ]]> b & <c>"), "a ]]> b & <c>"},
             {2, "{\\rtf1 {\\b Bold}\\par x\\u233?}", "Bold\r\nx\xe9"},
-            {1, QByteArray("QBINK\r\n\x1aRTF \x0b\x00\x00\x00{\\rtf1 ink}", 27), "ink"},
         };
-        for (const auto &c : cases) {
+        for (const auto &[noteType, note, text] : cases) {
             TreeNode root(QStringLiteral("R"));
-            root.appendChild(plain(QStringLiteral("n")));
-            root.child(0)->setNote(c.note);
+            plain(&root)->setNote(note);
             XmlExport::Options options;
-            options.noteType = c.noteType;
+            options.noteType = noteType;
             QCOMPARE(XmlExport::text(&root, options),
-                     QString::fromLatin1(Prolog + RootR + plainItem("n", c.text) + "</ROOT>\r\n"));
+                     QString::fromLatin1(Prolog + RootR + plainItem("x", text) + "</ROOT>\r\n"));
         }
     }
 
@@ -147,13 +133,7 @@ private Q_SLOTS:
         for (const char c :
              QByteArray("<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n") + RootR + items + "</ROOT>\r\n")
             wide += QByteArray(1, c) + '\0';
-        const struct {
-            int encoding;
-            const char *codePage;
-            QString rootName;
-            int items;
-            QByteArray bytes;
-        } cases[] = {
+        const std::tuple<int, const char *, QString, int, QByteArray> cases[] = {
             {0, "windows-1252", QString::fromUtf8("Café"), 0,
              Prolog + "<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n</ROOT>\r\n"},
             // The declaration says UTF-8, the bytes are the code page's, one per
@@ -177,22 +157,20 @@ private Q_SLOTS:
                  '\0'},
             {2, "windows-1252", QStringLiteral("R"), many, wide},
         };
-        for (const auto &c : cases) {
+        for (const auto &[encoding, codePage, rootName, items, bytes] : cases) {
             QTemporaryDir dir;
             const QString path = dir.filePath(QStringLiteral("out.xml"));
-            QFile old(path);
-            QVERIFY(old.open(QIODevice::WriteOnly) && old.write(QByteArray(4096, 'x'))); // replaced whole
-            old.close();
-            TreeNode root(c.rootName);
-            for (int i = 0; i < c.items; ++i)
-                root.appendChild(plain(QStringLiteral("x")));
+            QVERIFY(writeFile(path, QByteArray(4096, 'x'))); // an older, longer file is replaced whole
+            TreeNode root(rootName);
+            for (int i = 0; i < items; ++i)
+                plain(&root);
             XmlExport::Options options;
-            options.encoding = quint16(c.encoding);
-            options.codePage = QString::fromLatin1(c.codePage);
+            options.encoding = quint16(encoding);
+            options.codePage = QString::fromLatin1(codePage);
             QVERIFY(XmlExport::exportXml(path, &root, options));
             const QByteArray written = readFile(path);
-            QCOMPARE(written.size(), c.bytes.size());
-            QVERIFY(written == c.bytes);
+            QCOMPARE(written.size(), bytes.size());
+            QVERIFY(written == bytes);
             // Written beside the target and renamed over it: nothing else is left.
             QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("out.xml")});
         }
@@ -204,8 +182,8 @@ private Q_SLOTS:
         TreeNode root;
         QVERIFY(!XmlExport::exportXml(dir.filePath(QStringLiteral("no/such/folder/out.xml")), &root, {}));
         // An encoding past either end of the list has no label.
-        QVERIFY(XmlExport::encodingLabel(-1).isEmpty());
-        QVERIFY(XmlExport::encodingLabel(int(XmlExport::encodingLabels().size())).isEmpty());
+        QVERIFY(XmlExport::encodingLabel(-1).isEmpty() &&
+                XmlExport::encodingLabel(int(XmlExport::encodingLabels().size())).isEmpty());
         // An unknown code page fails before any file exists.
         XmlExport::Options options;
         options.codePage = QStringLiteral("no-such-page");
@@ -219,11 +197,8 @@ private Q_SLOTS:
         constexpr int Depth = 200000;
         TreeNode root(QStringLiteral("R"));
         TreeNode *parent = &root;
-        for (int i = 0; i < Depth; ++i) {
-            Item *item = plain(QStringLiteral("x"));
-            parent->appendChild(item);
-            parent = item;
-        }
+        for (int i = 0; i < Depth; ++i)
+            parent = plain(parent);
         const QString text = XmlExport::text(&root, {});
         QCOMPARE(text.count(QLatin1String("<SUBITEMS>\r\n")), Depth - 1);
         QVERIFY(text.endsWith(QString::fromLatin1(

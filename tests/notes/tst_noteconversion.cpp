@@ -11,32 +11,20 @@ using namespace ExchangeTest;
 
 QByteArray chunk(const char *tag, const QByteArray &data)
 {
-    QByteArray bytes(tag, 4);
     const quint32 n = quint32(data.size());
-    bytes += char(n & 0xff);
-    bytes += char((n >> 8) & 0xff);
-    bytes += char((n >> 16) & 0xff);
-    bytes += char(n >> 24);
-    return bytes + data;
+    return QByteArray(tag, 4) + char(n & 0xff) + char(n >> 8 & 0xff) + char(n >> 16 & 0xff) + char(n >> 24) + data;
 }
 
 const QByteArray Magic("QBINK\r\n\x1a", 8);
 const QByteArray Header("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}\r\n");
 
-// A converter that fails on the n-th note it meets.
-class FailingConverter : public NoteConverter {
-public:
-    explicit FailingConverter(int failAt) : m_failAt(failAt) {}
+// A converter that fails on the third note it meets.
+struct FailingConverter : NoteConverter {
+    int seen = 0;
     bool convert(const QByteArray &note, quint16 from, quint16 to, QByteArray *result) override
     {
-        if (++m_seen == m_failAt)
-            return false;
-        return NoteConverter::convert(note, from, to, result);
+        return ++seen != 3 && NoteConverter::convert(note, from, to, result);
     }
-
-private:
-    int m_failAt;
-    int m_seen = 0;
 };
 
 } // namespace
@@ -118,10 +106,7 @@ private Q_SLOTS:
         const QByteArray foreign = QByteArray("\x10\x00\xff\xfe\x03\x00\x00\x00", 8) + le(u"Shopping list") +
                                    QByteArray("\x00\x00\x9c\x01\x9d\x01\x9e\x01", 8) + le(u"milk") +
                                    QByteArray("\x01\x00", 2);
-        const struct {
-            quint16 from, to;
-            QByteArray note, expected;
-        } cases[] = {
+        const std::tuple<quint16, quint16, QByteArray, QByteArray> cases[] = {
             {0, 2, note(u"Hi\r\ny\u00f6u"), twoLines},
             {0, 1, note(u"Hi\r\ny\u00f6u"), Magic + chunk("RTF ", twoLines)},
             {0, 2, le(u"Hi"), Header + "\\pard Hi\\par\r\n}"}, // no terminator
@@ -136,14 +121,14 @@ private Q_SLOTS:
             {1, 1, foreign, foreign},
             {0, 2, QByteArray(2, '\0'), QByteArray()},
         };
-        for (const auto &c : cases) {
+        for (const auto &[from, to, note, expected] : cases) {
             QByteArray result("untouched");
-            QVERIFY(NoteConverter().convert(c.note, c.from, c.to, &result));
-            QCOMPARE(result, c.expected);
+            QVERIFY(NoteConverter().convert(note, from, to, &result));
+            QCOMPARE(result, expected);
         }
     }
 
-    void convertsEveryNoteOfATree()
+    void convertsEveryNoteOfATreeOrNone()
     {
         Document document;
         document.noteType = Document::PlainText;
@@ -153,41 +138,34 @@ private Q_SLOTS:
                 item->setNote(note(text));
             document.root()->appendChild(item);
         }
-        document.root()->child(0)->appendChild(new Item(QStringLiteral("child")));
-        document.root()->child(0)->child(0)->setNote(note(u"deep"));
+        Item *first = document.root()->child(0);
+        Item *third = document.root()->child(2);
+        first->appendChild(new Item(QStringLiteral("child")));
+        first->child(0)->setNote(note(u"deep"));
+        // A failure on the third note leaves the notes converted before it as they were.
+        QVERIFY(!FailingConverter().convertDocument(document, Document::RichText));
+        QCOMPARE(document.noteType, quint16(Document::PlainText));
+        QCOMPARE(first->note(), note(u"first"));
+        QCOMPARE(first->child(0)->note(), note(u"deep"));
+        QCOMPARE(third->note(), note(u"third\r\nline"));
+
         NoteConverter converter;
         QVERIFY(converter.convertDocument(document, Document::RichText));
         QCOMPARE(document.noteType, quint16(Document::RichText));
-        QCOMPARE(document.root()->child(0)->note(), Header + "\\pard first\\par\r\n}");
-        QCOMPARE(document.root()->child(0)->child(0)->note(), Header + "\\pard deep\\par\r\n}");
+        QCOMPARE(first->note(), Header + "\\pard first\\par\r\n}");
+        QCOMPARE(first->child(0)->note(), Header + "\\pard deep\\par\r\n}");
         QCOMPARE(document.root()->child(1)->noteSize(), 0);
-        QCOMPARE(document.root()->child(2)->note(), Header + "\\pard third\\par\r\n\\pard line\\par\r\n}");
+        QCOMPARE(third->note(), Header + "\\pard third\\par\r\n\\pard line\\par\r\n}");
         QVERIFY(converter.convertDocument(document, Document::PlainText));
-        QCOMPARE(document.root()->child(0)->child(0)->note(), note(u"deep"));
+        QCOMPARE(first->child(0)->note(), note(u"deep"));
         QCOMPARE(document.root()->child(1)->noteSize(), 0);
-        QCOMPARE(document.root()->child(2)->note(), note(u"third\r\nline"));
-    }
-
-    void failureChangesNothing()
-    {
-        Document document;
-        document.noteType = Document::PlainText;
-        for (int i = 0; i < 4; ++i) {
-            document.root()->appendChild(new Item(QStringLiteral("item %1").arg(i)));
-            document.root()->child(i)->setNote(note(u"note"));
-        }
-        FailingConverter converter(3);
-        QVERIFY(!converter.convertDocument(document, Document::RichText));
-        QCOMPARE(document.noteType, quint16(Document::PlainText));
-        for (const Item *item : document.root()->children())
-            QCOMPARE(item->note(), note(u"note"));
+        QCOMPARE(third->note(), note(u"third\r\nline"));
         // Types no converter knows, on either side.
-        NoteConverter plain;
-        QVERIFY(!plain.convertDocument(document, 3));
+        QVERIFY(!converter.convertDocument(document, 3));
         document.noteType = 9;
-        QVERIFY(!plain.convertDocument(document, Document::RichText));
+        QVERIFY(!converter.convertDocument(document, Document::RichText));
         QCOMPARE(document.noteType, quint16(9));
-        QCOMPARE(document.root()->child(0)->note(), note(u"note"));
+        QCOMPARE(third->note(), note(u"third\r\nline"));
     }
 };
 

@@ -5,27 +5,6 @@
 
 namespace {
 
-RichText::CharFormat format(bool bold, bool italic, bool underline, bool strike, int size = 0, int colour = -1)
-{
-    RichText::CharFormat f;
-    f.bold = bold;
-    f.italic = italic;
-    f.underline = underline;
-    f.strikeOut = strike;
-    f.fontSize = size;
-    f.hasColour = colour >= 0;
-    f.colour = colour >= 0 ? quint32(colour) : 0;
-    return f;
-}
-
-RichText::Paragraph paragraph(RichText::Alignment alignment, std::vector<RichText::Run> runs)
-{
-    RichText::Paragraph p;
-    p.alignment = alignment;
-    p.runs = std::move(runs);
-    return p;
-}
-
 // One line a paragraph: "<alignment>" then each run as (bius fsN cRGB "text").
 QString describe(const RichText &text)
 {
@@ -51,10 +30,7 @@ class TestRtf : public QObject {
 private Q_SLOTS:
     void readsText()
     {
-        const struct {
-            QByteArray rtf;
-            const char *text;
-        } cases[] = {
+        const std::tuple<QByteArray, const char *> cases[] = {
             {"{\\rtf1 Hello}", "Hello"},
             // As a word processor writes it.
             {QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\nouicompat\\deflang1033{\\fonttbl{\\f0\\fswiss\\fcharset0 "
@@ -100,8 +76,8 @@ private Q_SLOTS:
             {"", ""},
             {QByteArray("\0abc", 4), ""},
         };
-        for (const auto &c : cases)
-            QCOMPARE(RtfReader::plainText(c.rtf), QString::fromUtf8(c.text));
+        for (const auto &[rtf, text] : cases)
+            QCOMPARE(RtfReader::plainText(rtf), QString::fromUtf8(text));
     }
 
     void readsFormatting()
@@ -128,14 +104,13 @@ private Q_SLOTS:
 
     void writesExactBytes()
     {
-        RichText text;
-        text.paragraphs.push_back(
-            paragraph(RichText::Alignment::Centre, {{"Title {1}", format(true, false, false, false, 28)},
-                                                    {QString::fromUtf8(" ünï"), format(false, false, false, false)}}));
-        text.paragraphs.push_back(paragraph(
-            RichText::Alignment::Left, {{QString::fromUtf8("a\\b\t😀"), format(false, true, true, true, 0, 0x0000ff)},
-                                        {"x", format(false, false, false, false, 0, 0xff8000)}}));
-        text.paragraphs.push_back(paragraph(RichText::Alignment::Right, {}));
+        using F = RichText::CharFormat;
+        const RichText text{
+            {{RichText::Alignment::Centre, {{"Title {1}", F{true, false, false, false, 28}}, {" ünï", F{}}}},
+             {RichText::Alignment::Left,
+              {{"a\\b\t😀", F{false, true, true, true, 0, true, 0x0000ff}},
+               {"x", F{false, false, false, false, 0, true, 0xff8000}}}},
+             {RichText::Alignment::Right, {}}}};
         QCOMPARE(
             RtfWriter::write(text),
             QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl{\\f0\\fnil Tahoma;}}"

@@ -2,6 +2,7 @@
 
 #include "model/document.h"
 #include "storage/documentfile.h"
+#include "tools/documentgenerator.h"
 
 #include <QFile>
 
@@ -30,6 +31,12 @@ inline QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
 }
 
+inline bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
 // "R(a(b),c)": the outline as one line, to compare with a hand-written one.
 inline QString describe(const TreeNode *node)
 {
@@ -51,6 +58,16 @@ inline QString describeFile(const QString &path, Document *document = nullptr)
 inline SystemTime at(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
 {
     return SystemTime{quint16(year), quint16(month), 0, quint16(day), quint16(hour), quint16(minute), quint16(second)};
+}
+
+inline void generate(Document *document, int items, bool chain, quint16 noteType, quint32 seed)
+{
+    DocumentGenerator::Options options;
+    options.items = items;
+    options.chain = chain;
+    options.noteType = noteType;
+    options.seed = seed;
+    DocumentGenerator::generate(document, options);
 }
 
 } // namespace ExchangeTest
