@@ -82,12 +82,12 @@ private Q_SLOTS:
         const QString part = path(QStringLiteral("part.qbx"));
         // Picked items, deleted afterwards: the document file is saved.
         QCOMPARE(call({"export", "items", doc, part, "--choice", "3", "--select", "2,3", "--delete"}),
-                 (QbxRun{0, "2 item(s) exported.\n", ""}));
+                 printed("2 item(s) exported.\n"));
         QCOMPARE(describeFile(doc), QStringLiteral("R(a)"));
         // Nothing matches now that c is gone and a is not picked.
         QFile::remove(part);
         QCOMPARE(call({"export", "items", doc, part, "--choice", "3", "--select", "0"}),
-                 (QbxRun{3, "", "There are no items that matched the export criteria. No file is created.\n"}));
+                 refused(3, "There are no items that matched the export criteria. No file is created.\n"));
         QVERIFY(!QFile::exists(part));
         QCOMPARE(call({"export", "branch", doc, "1", part}).status, 0);
         QCOMPARE(describeFile(part), QStringLiteral("a"));
@@ -99,7 +99,7 @@ private Q_SLOTS:
         const QString text = writeBytes(path(QStringLiteral("plan.txt")), "Plan\r\n\tOne\r\n\t\tTwo\r\n");
         const QString doc = path(QStringLiteral("plan.qbx"));
         writeSettings([](Settings &s) { s.textImport = 0x00020007; });
-        QCOMPARE(call({"import", "text", text}), (QbxRun{0, doc.toUtf8() + "\n", ""}));
+        QCOMPARE(call({"import", "text", text}), printed(doc.toUtf8() + "\n"));
         Document back;
         QCOMPARE(describeFile(doc, &back), QStringLiteral("Plan(One(Two))"));
         QCOMPARE(back.noteType, quint16(2));
@@ -123,9 +123,8 @@ private Q_SLOTS:
         writeBytes(text, "Plan\r\nNo indent\r\n");
         QFile::remove(doc);
         QCOMPARE(call({"import", "text", text}),
-                 (QbxRun{3, "",
-                         "The format of the import text file is invalid. Please correct the file and try again. "
-                         "(line 2)\n"}));
+                 refused(3, "The format of the import text file is invalid. Please correct the file and try again. "
+                            "(line 2)\n"));
         QVERIFY(!QFile::exists(doc));
     }
 
@@ -137,7 +136,7 @@ private Q_SLOTS:
             const QString outline = path(kind == QLatin1String("opml") ? "out.opml" : "out.md");
             QCOMPARE(call({"export", kind, doc, outline}).status, 0);
             // A new document beside the outline...
-            QCOMPARE(call({"import", kind, outline}), (QbxRun{0, path(QStringLiteral("out.qbx")).toUtf8() + "\n", ""}));
+            QCOMPARE(call({"import", kind, outline}), printed(path(QStringLiteral("out.qbx")).toUtf8() + "\n"));
             QCOMPARE(describeFile(path(QStringLiteral("out.qbx"))), QStringLiteral("R(a(b),c)"));
             QCOMPARE(call({"import", kind, outline}).status, 3);
             // ...or its items under an item of a document; a missing file changes nothing.
@@ -160,7 +159,7 @@ private Q_SLOTS:
         QCOMPARE(describeFile(doc, &back), QStringLiteral("R(a(b),c(a(b),c))"));
         QCOMPARE(back.root()->child(1)->child(0)->note(), note(u"hi"));
 
-        QCOMPARE(call({"convert-notes", doc, "--to", "rich"}), (QbxRun{0, "Note conversion completed.\n", ""}));
+        QCOMPARE(call({"convert-notes", doc, "--to", "rich"}), printed("Note conversion completed.\n"));
         QCOMPARE(describeFile(doc, &back), QStringLiteral("R(a(b),c(a(b),c))"));
         QCOMPARE(back.noteType, quint16(2));
         QCOMPARE(
@@ -176,9 +175,9 @@ private Q_SLOTS:
         const QString doc = writeSample();
         const QString missing = path(QStringLiteral("no/such/dir/out"));
         QCOMPARE(call({"export", "notes", doc, missing}),
-                 (QbxRun{5, "", "qbx: " + QFile::encodeName(missing) + ": folder missing\n"}));
+                 refused(5, "qbx: " + QFile::encodeName(missing) + ": folder missing\n"));
         QCOMPARE(call({"export", "items", doc, path(QStringLiteral(".")), "--choice", "0"}),
-                 (QbxRun{5, "", "qbx: " + QFile::encodeName(m_dir->path()) + ": is a directory\n"}));
+                 refused(5, "qbx: " + QFile::encodeName(m_dir->path()) + ": is a directory\n"));
         // A file size limit fails the writes as a full disk does.
         const QString out = path(QStringLiteral("full.xml"));
         QProcess process;
@@ -189,7 +188,7 @@ private Q_SLOTS:
         });
         startQbx(process, {"export", "xml", doc, out});
         const QByteArray full = "Export has failed. Please make sure you have enough storage space and try again.\n";
-        QCOMPARE(finishQbx(process), (QbxRun{5, "", full + "qbx: " + QFile::encodeName(out) + ": disk full\n"}));
+        QCOMPARE(finishQbx(process), refused(5, full + "qbx: " + QFile::encodeName(out) + ": disk full\n"));
         QVERIFY(!QFile::exists(out));
         QCOMPARE(QDir(m_dir->path()).entryList({QStringLiteral("*.part")}, QDir::Files | QDir::Hidden), QStringList());
     }

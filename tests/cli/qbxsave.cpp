@@ -1,31 +1,14 @@
-// What qbx does around the files it writes: targets that are no files, its
-// own document as a target, outputs that fail, two writers at once.
+// What qbx does around the files it writes: its own document as a target,
+// outputs that fail, two writers at once, a password typed on a terminal.
 #include "support/qbxprocess.h"
 
 #include "storage/documentlock.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QTest>
-
-#include <sys/stat.h>
-#include <unistd.h>
-
-namespace {
-
-// "path: loaded, version 551, N items" -> N
-int itemCount(const QString &path)
-{
-    const QByteArray line = qbx({QStringLiteral("check"), path}).out.trimmed();
-    const qsizetype at = line.lastIndexOf(", ");
-    return at < 0 ? -1 : line.mid(at + 2).split(' ').value(0).toInt();
-}
-
-} // namespace
 
 class TestQbxSave : public QObject {
     Q_OBJECT
@@ -39,25 +22,13 @@ class TestQbxSave : public QObject {
         return path;
     }
 
-private Q_SLOTS:
-    // What stands in the way of a write is the safe save's to judge; each
-    // command reports it with its status and leaves the target as it was.
-    void fifoTarget()
+    // "path: loaded, version 551, N items" -> N
+    static int itemCount(const QString &path)
     {
-        const QString path = document(QStringLiteral("device.qbx"));
-        const QString pipe = m_dir.filePath(QStringLiteral("pipe"));
-        QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-        for (const QStringList &arguments :
-             {QStringList{"resave", path, pipe},
-              QStringList{"export", "items", path, pipe, "--choice", "3", "--select", "1"}}) {
-            QCOMPARE(qbx(arguments),
-                     (QbxRun{5, "", "qbx: " + QFile::encodeName(pipe) + ": is a FIFO, not a regular file\n"}));
-            struct stat info;
-            QCOMPARE(::stat(QFile::encodeName(pipe).constData(), &info), 0);
-            QVERIFY(S_ISFIFO(info.st_mode));
-        }
+        return qbx({QStringLiteral("check"), path}).out.trimmed().split(' ').value(4).toInt();
     }
 
+private Q_SLOTS:
     // Each command that prints a document checks its output to the end.
     void standardOutputFailures()
     {
@@ -67,7 +38,7 @@ private Q_SLOTS:
         for (const QStringList &arguments :
              {QStringList{"dump", path}, QStringList{"find", path, "--name", "e"}, QStringList{"view", path}}) {
             QCOMPARE(qbx(arguments, {{}, QStringLiteral("/dev/full"), {}, {}}),
-                     (QbxRun{5, "", "qbx: cannot write the standard output: disk full\n"}));
+                     refused(5, "qbx: cannot write the standard output: disk full\n"));
             QCOMPARE(qbx(arguments, {{}, QStringLiteral("/dev/null"), {}, {}}).status, 0);
         }
     }
@@ -93,9 +64,7 @@ private Q_SLOTS:
         // Two imports into one document at the same moment: each adds the other
         // document's 5 items, and neither addition may be lost.
         const QString path = document(QStringLiteral("shared.qbx"), 20);
-        const QString other = document(QStringLiteral("other.qbx"), 5);
-        const QStringList arguments{QStringLiteral("import"), QStringLiteral("doc"), path, other,
-                                    QStringLiteral("--into"), QStringLiteral("0")};
+        const QStringList arguments{"import", "doc", path, document(QStringLiteral("other.qbx"), 5), "--into", "0"};
         for (int round = 0; round < 6; ++round) {
             const int before = itemCount(path);
             QProcess first;
@@ -118,10 +87,9 @@ private Q_SLOTS:
         QVERIFY(lock.lock(0));
         const QbxOptions lockWait{{}, {}, {}, {{QStringLiteral("QBX_LOCK_TIMEOUT"), QStringLiteral("1")}}};
         const QStringList apply{"apply", path, "--to", "1", "--priority", "3"};
-        QCOMPARE(qbx(apply, lockWait),
-                 (QbxRun{6, "",
-                         "qbx: " + QFile::encodeName(path) +
-                             " is being changed by another program; try again when it is done\n"}));
+        QCOMPARE(qbx(apply, lockWait), refused(6, "qbx: " + QFile::encodeName(path) +
+                                                      " is being changed by another program; try again when it "
+                                                      "is done\n"));
         QCOMPARE(fileBytes(path), before);
         lock.unlock();
         QCOMPARE(qbx(apply, lockWait).status, 0);
@@ -135,10 +103,8 @@ private Q_SLOTS:
         const QString path = document(QStringLiteral("partial.qbx"));
         const QString out = m_dir.filePath(QStringLiteral("partial-out.qbx"));
         QCOMPARE(qbx(QStringList{"export", "items", path, out, "--choice", "3", "--select", "1,30", "--delete"}),
-                 (QbxRun{0,
-                         "2 item(s) exported. 1 exported item(s) stayed in the document because they hold items "
-                         "that were not exported.\n",
-                         ""}));
+                 printed("2 item(s) exported. 1 exported item(s) stayed in the document because they hold items "
+                         "that were not exported.\n"));
         QCOMPARE(itemCount(path), 29);
         QCOMPARE(itemCount(out), 2);
     }
@@ -148,10 +114,8 @@ private Q_SLOTS:
         const QString script = QStandardPaths::findExecutable(QStringLiteral("script"));
         if (script.isEmpty())
             QSKIP("the script tool, which gives qbx a terminal, is not installed");
-        const QString path = document(QStringLiteral("password.qbx"));
         QProcess process;
-        process.start(script, {QStringLiteral("-qec"), qbxProgram() + QStringLiteral(" password ") + path,
-                               QStringLiteral("/dev/null")});
+        process.start(script, {"-qec", qbxProgram() + " password " + document(QStringLiteral("pw.qbx")), "/dev/null"});
         QVERIFY(process.waitForStarted());
         // Each line only once its prompt is there, as a person would type it.
         QByteArray seen;

@@ -17,15 +17,18 @@ struct QbxRun {
     QByteArray err;
     QString text() const { return QString::fromUtf8(out); }
     QString error() const { return QString::fromUtf8(err); }
-    // A whole run in one comparison: QCOMPARE(qbx(...), (QbxRun{0, "out", ""})).
+    // A whole run in one comparison: QCOMPARE(qbx(...), printed("out")).
     bool operator==(const QbxRun &other) const = default;
 };
 
+// The runs a test expects: what a command prints, or why it refused.
+inline const auto printed = [](const QByteArray &out, int status = 0) { return QbxRun{status, out, {}}; };
+inline const auto refused = [](int status, const QByteArray &err) { return QbxRun{status, {}, err}; };
+
 inline char *toString(const QbxRun &run)
 {
-    return QTest::toString(QStringLiteral("status %1, out \"%2\", error \"%3\"")
-                               .arg(run.status)
-                               .arg(run.text(), run.error()));
+    return QTest::toString(
+        QStringLiteral("status %1, out \"%2\", error \"%3\"").arg(run.status).arg(run.text(), run.error()));
 }
 
 struct QbxOptions {
