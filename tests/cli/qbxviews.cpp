@@ -99,9 +99,8 @@ private Q_SLOTS:
         for (QStringList arguments : cases) {
             arguments.insert(1, path);
             const QbxRun run = qbx(arguments);
-            QCOMPARE(run.status, 2);
+            QCOMPARE(std::pair(run.status, run.out), std::pair(2, QByteArray()));
             QVERIFY(run.err.startsWith("qbx: "));
-            QCOMPARE(run.out, QByteArray());
             QCOMPARE(fileBytes(path), before);
         }
     }
@@ -120,15 +119,11 @@ private Q_SLOTS:
         Document document;
         QCOMPARE(DocumentFile::load(path, &document), DocumentFile::Loaded);
         const Item *bread = Outline::find(document.root(), QStringLiteral("Bread"));
-        QCOMPARE(bread->priority(), 7);
-        QCOMPARE(bread->category(), QStringLiteral("Errands"));
-        QCOMPARE(bread->progress(), 100);
-        QVERIFY(bread->isItalic());
+        QCOMPARE(std::tuple(int(bread->priority()), bread->category(), int(bread->progress()), bread->isItalic()),
+                 std::tuple(7, QStringLiteral("Errands"), 100, true));
         const Item *rye = Outline::find(document.root(), QStringLiteral("Rye"));
-        QCOMPARE(rye->priority(), 1);
-        QCOMPARE(rye->colour(), 9);
-        QCOMPARE(rye->statusType(), 2);
-        QVERIFY(!rye->showIcon());
+        QCOMPARE(std::tuple(int(rye->priority()), int(rye->colour()), int(rye->statusType()), rye->showIcon()),
+                 std::tuple(1, 9, 2, false));
     }
 };
 

@@ -2,7 +2,6 @@
 #include "support/qbxprocess.h"
 
 #include <QCoreApplication>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -143,12 +142,7 @@ private Q_SLOTS:
         QCOMPARE(qbx(QStringList{"generate", "--items", "50", "--chain", "--note-type", "2", b}).status, 0);
         const QJsonObject dump = QJsonDocument::fromJson(qbx({QStringLiteral("dump"), b}).out).object();
         QCOMPARE(dump.value("NoteType").toInt(), 2);
-        int depth = 0;
-        QJsonArray children = dump.value("Root").toObject().value("Children").toArray();
-        for (; children.size() == 1; ++depth)
-            children = children.at(0).toObject().value("Children").toArray();
-        QCOMPARE(depth, 50);
-        QVERIFY(children.isEmpty());
+        QCOMPARE(QJsonDocument(dump).toJson(QJsonDocument::Compact).count("\"Children\":[{"), 50); // a chain
 
         QCOMPARE(qbx(QStringList{"generate", "--items", "-3", b}).status, 2);
         QCOMPARE(qbx(QStringList{"generate", "--items", "3", "--note-type", "3", b}).status, 2);
@@ -168,25 +162,20 @@ int main(int argc, char **argv)
     if (!QFile::exists(qbxProgram()))
         qFatal("build the qbx target first");
     // Test functions named on the command line run in the suites that have them.
-    const auto names = [argc, argv](const QObject *suite) {
-        int found = 0;
+    const auto named = [argc, argv](const QObject *suite) {
         for (int i = 1; i < argc; ++i) {
-            const QByteArray name = QByteArray(argv[i]).split(':').value(0);
-            found += suite->metaObject()->indexOfMethod((name + "()").constData()) >= 0;
+            if (suite->metaObject()->indexOfMethod((QByteArray(argv[i]).split(':').value(0) + "()").constData()) >= 0)
+                return true;
         }
-        return found;
+        return false;
     };
     std::vector<std::unique_ptr<QObject>> suites;
-    bool named = false;
-    for (const QbxSuites::Make &make : QbxSuites::all()) {
+    for (const QbxSuites::Make &make : QbxSuites::all())
         suites.emplace_back(make());
-        named = named || names(suites.back().get()) > 0;
-    }
+    const bool any = std::any_of(suites.begin(), suites.end(), [&](const auto &suite) { return named(suite.get()); });
     int failed = 0;
-    for (const auto &suite : suites) {
-        if (!named || names(suite.get()) > 0)
-            failed += QTest::qExec(suite.get(), argc, argv) != 0;
-    }
+    for (const auto &suite : suites)
+        failed += (!any || named(suite.get())) && QTest::qExec(suite.get(), argc, argv) != 0;
     return failed;
 }
 

@@ -2,7 +2,7 @@
 #include "exchange/markdownimport.h"
 #include "support/exchangetest.h"
 #include "support/treesummary.h"
-#include "model/document.h"
+#include "tools/documentgenerator.h"
 
 #include <QBuffer>
 #include <QTemporaryDir>
@@ -13,14 +13,7 @@ namespace {
 using namespace ExchangeTest;
 
 // What the Markdown keeps of a tree: the shape, names, status, links and notes.
-TreeSummary::Keep markdownKeeps()
-{
-    TreeSummary::Keep keep;
-    keep.priority = false;
-    keep.category = false;
-    keep.due = false;
-    return keep;
-}
+const TreeSummary::Keep MarkdownKeeps{false, false, false};
 
 Item *item(TreeNode *parent, const QString &name, quint16 status = Item::CheckBox, quint16 progress = 0)
 {
@@ -83,7 +76,7 @@ private Q_SLOTS:
     void refusesWhatIsTooDeep()
     {
         Document document;
-        generate(&document, MarkdownExport::MaxDepth + 1, true, 0, 1);
+        DocumentGenerator::generate(&document, {MarkdownExport::MaxDepth + 1, 1, true});
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("deep.md"));
         QCOMPARE(MarkdownExport::exportMarkdown(path, document.root(), {}), MarkdownExport::Result::TooDeep);
@@ -126,12 +119,13 @@ private Q_SLOTS:
     void roundTrip()
     {
         // No items: names that look like Markdown.
-        const std::tuple<int, bool, quint16, quint32> cases[] = {
-            {3000, false, 0, 1}, {800, false, 2, 9}, {MarkdownExport::MaxDepth, true, 0, 3}, {0, false, 0, 0}};
-        for (const auto &[items, chain, noteType, seed] : cases) {
+        const DocumentGenerator::Options cases[] = {
+            {3000}, {800, 9, false, 2}, {MarkdownExport::MaxDepth, 3, true}, {0}};
+        for (const DocumentGenerator::Options &options : cases) {
+            const quint16 noteType = options.noteType;
             Document original;
-            if (items > 0)
-                generate(&original, items, chain, noteType, seed);
+            if (options.items > 0)
+                DocumentGenerator::generate(&original, options);
             else
                 trickyDocument(&original);
             QTemporaryDir dir;
@@ -141,9 +135,9 @@ private Q_SLOTS:
             QCOMPARE(MarkdownImport::importDocument(path, {noteType, 812}, &copy), MarkdownImport::Result::Ok);
             QCOMPARE(copy.path, dir.filePath(QStringLiteral("Outline.qbx")));
             QCOMPARE(copy.root()->name(), original.root()->name());
-            const QString expected = TreeSummary::of(original.root(), noteType, markdownKeeps());
+            const QString expected = TreeSummary::of(original.root(), noteType, MarkdownKeeps);
             QVERIFY(expected.contains(QLatin1Char('{')));
-            QCOMPARE(TreeSummary::of(copy.root(), noteType, markdownKeeps()), expected);
+            QCOMPARE(TreeSummary::of(copy.root(), noteType, MarkdownKeeps), expected);
         }
     }
 };

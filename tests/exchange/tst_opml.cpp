@@ -3,7 +3,7 @@
 #include "support/exchangetest.h"
 #include "support/outline.h"
 #include "support/treesummary.h"
-#include "model/document.h"
+#include "tools/documentgenerator.h"
 
 #include <QBuffer>
 #include <QTemporaryDir>
@@ -110,11 +110,11 @@ private Q_SLOTS:
 
     void roundTrip()
     {
-        const std::tuple<int, bool, quint16, quint32> cases[] = {
-            {3000, false, 0, 1}, {800, false, 2, 7}, {100000, true, 0, 3}};
-        for (const auto &[items, chain, noteType, seed] : cases) {
+        for (const DocumentGenerator::Options &options :
+             {DocumentGenerator::Options{3000}, {800, 7, false, 2}, DocumentGenerator::Options{100000, 3, true}}) {
+            const quint16 noteType = options.noteType;
             Document original;
-            generate(&original, items, chain, noteType, seed);
+            DocumentGenerator::generate(&original, options);
             original.root()->child(0)->setName(QStringLiteral("a < b & \"c\" > 'd'\tend"));
             Document copy;
             copy.noteType = noteType;

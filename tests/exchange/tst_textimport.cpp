@@ -83,13 +83,12 @@ private Q_SLOTS:
         options.icon = TextImport::iconOf(0x0002002a);
         QCOMPARE(TextImport::import(long100 + "\r\n\t" + long100 + "\r\n\t\tb", &root, options),
                  TextImport::Result::Ok);
-        QCOMPARE(root.name(), QString::fromLatin1(long100.left(96)));
-        QCOMPARE(root.child(0)->name(), QString::fromLatin1(long100.left(96)));
-        QCOMPARE(root.child(0)->image(), quint16(42));
-        QCOMPARE(root.child(0)->child(0)->image(), quint16(42));
-        QCOMPARE(TextImport::noteTypeOf(0x0002002a), quint16(2));
+        QCOMPARE(describe(&root), QString::fromLatin1(long100.left(96) + "(" + long100.left(96) + "(b))"));
+        QCOMPARE(std::pair(root.child(0)->image(), root.child(0)->child(0)->image()),
+                 std::pair(quint16(42), quint16(42)));
+        QCOMPARE(std::pair(TextImport::noteTypeOf(0x0002002a), TextImport::noteTypeOf(TextImport::DefaultSetting)),
+                 std::pair(quint16(2), quint16(1)));
         QCOMPARE(TextImport::iconOf(TextImport::DefaultSetting), quint16(812));
-        QCOMPARE(TextImport::noteTypeOf(TextImport::DefaultSetting), quint16(1));
 
         const QString invalid =
             QStringLiteral("The format of the import text file is invalid. Please correct the file and try again.");
@@ -107,10 +106,7 @@ private Q_SLOTS:
         const QString path = dir.filePath(QStringLiteral("list.txt"));
         TreeNode root;
         QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Unreadable);
-        QFile text(path);
-        QVERIFY(text.open(QIODevice::WriteOnly));
-        text.write("R\r\n\ta\r\n");
-        text.close();
+        QVERIFY(writeFile(path, "R\r\n\ta\r\n"));
         QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Ok);
         QCOMPARE(describe(&root), QStringLiteral("R(a)"));
         QCOMPARE(QFileInfo(path).size(), 7); // the file keeps its size
@@ -121,13 +117,8 @@ private Q_SLOTS:
         QCOMPARE(TextImport::importFile(QStringLiteral("/dev/zero"), &root, {}), TextImport::Result::Unreadable);
         QCOMPARE(TextImport::importFile(dir.path(), &root, {}), TextImport::Result::Unreadable);
         // Over the limit, as a sparse file: it is refused before any reading.
-        const QString huge = dir.filePath(QStringLiteral("huge.txt"));
-        QFile file(huge);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("R\n a\n");
-        QVERIFY(file.resize(TextImport::MaxFileSize + 1));
-        file.close();
-        QCOMPARE(TextImport::importFile(huge, &root, {}), TextImport::Result::Unreadable);
+        QVERIFY(QFile::resize(path, TextImport::MaxFileSize + 1));
+        QCOMPARE(TextImport::importFile(path, &root, {}), TextImport::Result::Unreadable);
     }
 };
 

@@ -1,7 +1,6 @@
 #include "exchange/xmlexport.h"
 #include "support/exchangetest.h"
 #include "support/outline.h"
-#include "model/document.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -10,41 +9,6 @@
 namespace {
 
 using namespace ExchangeTest;
-
-// A small document with every element in its interesting forms.
-struct Sample {
-    Document document;
-    Sample()
-    {
-        TreeNode *root = document.root();
-        root->setName(QStringLiteral("My <List>"));
-        root->setImage(5);
-        root->setSort(TreeNode::SortName);
-        Outline::build(root, "a<b&c | italic col=3 due=2024-03-05T17:30 prog=50 st=2 pri=3\n"
-                             "Target & Co | noicon auto st=0 prog=100\n");
-        Item *a = root->child(0);
-        Item *c = root->child(1);
-        a->appendChild(new Item(QStringLiteral("")));
-        root->appendChild(new Item());
-        root->setExpanded(true);
-        a->setExpanded(true);
-        a->setImage(812);
-        a->setTaskTime(QStringLiteral("2h"));
-        a->setTaskTimeType(2);
-        a->setCategory(QStringLiteral("Work \"x\""));
-        a->setCreated(at(2023, 12, 31, 23, 59, 58));
-        auto *gone = new Item(QStringLiteral("gone"));
-        a->setLinks({QStringLiteral("file:///tmp/x's"), c->linkText(), gone->linkText()});
-        c->setLinks({gone->linkText()});
-        delete gone;
-        a->setNote(note(u"line1\r\nline2 <b>&amp;</b>"));
-        a->child(0)->setCreated(at(2024, 1, 2, 3, 4, 5));
-        c->setImage(3);
-        c->setDueDate(at(2020, 0, 5)); // no month: no date
-        c->setCreated(at(2000, 2, 29));
-        root->child(2)->setCreated(at(1999, 1, 1, 12, 0, 1));
-    }
-};
 
 const char *const SampleXml =
     "<?xml version=\"1.0\" ?>\r\n<ROOT Flags=\"3\" Image=\"5\" Sort=\"0\" Name=\"My &amp;lt;List&amp;gt;\">\r\n"
@@ -94,13 +58,39 @@ const QByteArray RootR("<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\
 class TestXmlExport : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    // A small document with every element in its interesting forms; markup is
+    // escaped twice, quotes once.
     void wholeRecord()
     {
-        Sample sample;
-        QCOMPARE(XmlExport::text(sample.document.root(), {}), QString::fromLatin1(SampleXml));
-        // Markup and an entity already in the text are escaped twice, quotes once.
-        QCOMPARE(XmlExport::escape(QStringLiteral("<&lt;>&\"'")),
-                 QStringLiteral("&amp;lt;&amp;lt;&amp;gt;&amp;&quot;&apos;"));
+        Document document;
+        TreeNode *root = document.root();
+        root->setName(QStringLiteral("My <List>"));
+        root->setImage(5);
+        root->setSort(TreeNode::SortName);
+        Outline::build(root, "a<b&c | italic col=3 due=2024-03-05T17:30 prog=50 st=2 pri=3\n"
+                             "Target & Co | noicon auto st=0 prog=100\n");
+        Item *a = root->child(0);
+        Item *c = root->child(1);
+        a->appendChild(new Item(QStringLiteral("")));
+        root->appendChild(new Item());
+        root->setExpanded(true);
+        a->setExpanded(true);
+        a->setImage(812);
+        a->setTaskTime(QStringLiteral("2h"));
+        a->setTaskTimeType(2);
+        a->setCategory(QStringLiteral("Work \"x\""));
+        a->setCreated(at(2023, 12, 31, 23, 59, 58));
+        auto *gone = new Item(QStringLiteral("gone"));
+        a->setLinks({QStringLiteral("file:///tmp/x's"), c->linkText(), gone->linkText()});
+        c->setLinks({gone->linkText()});
+        delete gone;
+        a->setNote(note(u"line1\r\nline2 <b>&amp;</b>"));
+        a->child(0)->setCreated(at(2024, 1, 2, 3, 4, 5));
+        c->setImage(3);
+        c->setDueDate(at(2020, 0, 5)); // no month: no date
+        c->setCreated(at(2000, 2, 29));
+        root->child(2)->setCreated(at(1999, 1, 1, 12, 0, 1));
+        QCOMPARE(XmlExport::text(root, {}), QString::fromLatin1(SampleXml));
     }
 
     void notesAsPlainText()

@@ -1,4 +1,3 @@
-#include "model/document.h"
 #include "notes/noteconverter.h"
 #include "notes/richink.h"
 #include "support/exchangetest.h"

@@ -2,7 +2,6 @@
 
 #include "model/document.h"
 #include "storage/documentfile.h"
-#include "tools/documentgenerator.h"
 
 #include <QFile>
 
@@ -58,16 +57,6 @@ inline QString describeFile(const QString &path, Document *document = nullptr)
 inline SystemTime at(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
 {
     return SystemTime{quint16(year), quint16(month), 0, quint16(day), quint16(hour), quint16(minute), quint16(second)};
-}
-
-inline void generate(Document *document, int items, bool chain, quint16 noteType, quint32 seed)
-{
-    DocumentGenerator::Options options;
-    options.items = items;
-    options.chain = chain;
-    options.noteType = noteType;
-    options.seed = seed;
-    DocumentGenerator::generate(document, options);
 }
 
 } // namespace ExchangeTest
