@@ -146,9 +146,7 @@ private Q_SLOTS:
 
         QCOMPARE(qbx(QStringList{"generate", "--items", "-3", b}).status, 2);
         QCOMPARE(qbx(QStringList{"generate", "--items", "3", "--note-type", "3", b}).status, 2);
-        const QbxRun help = qbx({QStringLiteral("resave"), QStringLiteral("--help")});
-        QCOMPARE(help.status, 0);
-        QVERIFY2(help.out.startsWith("Usage: qbx resave"), help.out.constData());
+        QVERIFY(qbx({QStringLiteral("resave"), QStringLiteral("--help")}).out.startsWith("Usage: qbx resave"));
         QCOMPARE(qbx({QStringLiteral("resave")}).status, 2); // the file is missing
     }
 };

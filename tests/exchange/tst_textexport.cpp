@@ -44,7 +44,6 @@ private Q_SLOTS:
     {
         const std::tuple<quint16, bool, QByteArray> cases[] = {
             {0, false, "R\r\nAlpha\r\nBeta\r\nGamma\r\n\xc7\xe9\r\n"},
-            {3, false, "R\r\n  Alpha\r\n    Beta\r\n      Gamma\r\n  \xc7\xe9\r\n"},
             {6, false, "R\r\n     Alpha\r\n          Beta\r\n               Gamma\r\n     \xc7\xe9\r\n"},
             {1, true, "\xff\xfe" + le(u"R\r\n\tAlpha\r\n\t\tBeta\r\n\t\t\tGamma\r\n\t\u00c7\u00e9\r\n")},
         };

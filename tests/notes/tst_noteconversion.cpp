@@ -33,9 +33,7 @@ class TestNoteConversion : public QObject {
 private Q_SLOTS:
     void inkContainer()
     {
-        const QByteArray note(
-            "QBINK\r\n\x1aVOIC\x03\x00\x00\x00wavXTRA\x00\x00\x00\x00RTF \x0d\x00\x00\x00{\\rtf1 \\b hi}",
-            8 + 11 + 8 + 21);
+        const QByteArray note = Magic + chunk("VOIC", "wav") + chunk("XTRA", "") + chunk("RTF ", "{\\rtf1 \\b hi}");
         RichInk ink = RichInk::fromNote(note);
         QVERIFY(ink.isOurs() && !ink.isDamaged());
         QCOMPARE(ink.chunks().size(), size_t(3));
@@ -47,9 +45,8 @@ private Q_SLOTS:
         ink.setChunk(RichInk::rtfTag(), "{\\rtf1 a}");
         ink.setChunk(RichInk::voiceTag(), QByteArray());
         ink.setChunk(RichInk::strokesTag(), QByteArray("\x00\x01", 2));
-        QCOMPARE(ink.toNote(), QByteArray("QBINK\r\n\x1aXTRA\x00\x00\x00\x00RTF \x09\x00\x00\x00{\\rtf1 a}"
-                                          "INKS\x02\x00\x00\x00\x00\x01",
-                                          8 + 8 + 8 + 9 + 8 + 2));
+        QCOMPARE(ink.toNote(),
+                 Magic + chunk("XTRA", "") + chunk("RTF ", "{\\rtf1 a}") + chunk("INKS", QByteArray(1, '\0') + '\1'));
         // Damaged: a length past the end keeps the chunks before it; a cut
         // chunk header keeps none.
         const RichInk past =
@@ -63,12 +60,7 @@ private Q_SLOTS:
 
     void foreignInkKeepsItsBytes()
     {
-        const QByteArray foreign("\x02\x00\x00\x00"
-                                 "A\x00g\x00"
-                                 "e\x00n\x00"
-                                 "d\x00"
-                                 "a\x00\x00\x00\xff",
-                                 19);
+        const QByteArray foreign = QByteArray("\x02\x00\x00\x00", 4) + le(u"Agenda") + QByteArray("\x00\x00\xff", 3);
         RichInk ink = RichInk::fromNote(foreign);
         QVERIFY(!ink.isOurs());
         QCOMPARE(ink.toNote(), foreign);
