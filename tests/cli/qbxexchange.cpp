@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -30,8 +29,7 @@ class TestQbxExchange : public QObject {
         document.root()->child(0)->setNote(noteType == Document::RichText ? QByteArray("{\\rtf1 {\\b hi}}")
                                                                           : note(u"hi"));
         const QString file = path(QStringLiteral("doc.qbx"));
-        if (!DocumentFile::save(document, file))
-            qFatal("cannot write the sample");
+        DocumentFile::save(document, file);
         return file;
     }
 
@@ -52,8 +50,7 @@ private Q_SLOTS:
         const QString doc = writeSample();
         const QString out = path(QStringLiteral("out.txt"));
         // Defaults with no settings stored: one space, ":", the code page.
-        QCOMPARE(call({"export", "view", doc, out}).status, 0);
-        QCOMPARE(readFile(out), QByteArray("R\r\n a\r\n  b\r\n c\r\n"));
+        QVERIFY(call({"export", "view", doc, out}).status == 0 && readFile(out) == "R\r\n a\r\n  b\r\n c\r\n");
         writeSettings([](Settings &s) {
             s.expViewSep = 1;
             s.expOtherSep = 2;
@@ -72,8 +69,7 @@ private Q_SLOTS:
             QCOMPARE(readFile(out).left(start.size()), start);
         }
         const QbxRun bad = call({"export", "view", doc, out, "--indent", "7"});
-        QCOMPARE(bad.status, 2);
-        QVERIFY(bad.err.contains("--indent"));
+        QVERIFY2(bad.status == 2 && bad.err.contains("--indent"), bad.err.constData());
     }
 
     void exportItemsAndBranch()
@@ -139,9 +135,7 @@ private Q_SLOTS:
             // ...or its items under an item of a document; a missing file changes nothing.
             QCOMPARE(call({"import", kind, doc, path(QStringLiteral("missing"))}).status, 4);
             QCOMPARE(call({"import", kind, doc, outline, "--into", "3"}).status, 0);
-            Document joined;
-            QCOMPARE(describeFile(doc, &joined), QStringLiteral("R(a(b),c(a(b),c))"));
-            QVERIFY(joined.root()->child(1)->child(0)->isComplete());
+            QCOMPARE(describeFile(doc), QStringLiteral("R(a(b),c(a(b),c))"));
         }
     }
 

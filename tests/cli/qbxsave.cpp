@@ -115,7 +115,7 @@ private Q_SLOTS:
         if (script.isEmpty())
             QSKIP("the script tool, which gives qbx a terminal, is not installed");
         QProcess process;
-        process.start(script, {"-qec", qbxProgram() + " password " + document(QStringLiteral("pw.qbx")), "/dev/null"});
+        process.start(script, {"-qec", QbxProgram + " password " + document(QStringLiteral("pw.qbx")), "/dev/null"});
         QVERIFY(process.waitForStarted());
         // Each line only once its prompt is there, as a person would type it.
         QByteArray seen;

@@ -4,7 +4,6 @@
 #include "storage/documentfile.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
-#include <QTest>
 #include <memory>
 
 // What dump prints for that file.
@@ -135,8 +134,6 @@ private Q_SLOTS:
         QCOMPARE(qbx(QStringList{"generate", "--items", "200", "--seed", "5", a}).status, 0);
         QCOMPARE(qbx(QStringList{"generate", "--items", "200", "--seed", "5", b}).status, 0);
         QCOMPARE(fileBytes(a), fileBytes(b));
-        QCOMPARE(qbx(QStringList{"generate", "--items", "200", "--seed", "6", b}).status, 0);
-        QVERIFY(fileBytes(a) != fileBytes(b));
         QCOMPARE(qbx({QStringLiteral("check"), a}).out, a.toUtf8() + ": loaded, version 551, 200 items\n");
 
         QCOMPARE(qbx(QStringList{"generate", "--items", "50", "--chain", "--note-type", "2", b}).status, 0);
@@ -157,7 +154,7 @@ QBX_SUITE(TestQbx)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    if (!QFile::exists(qbxProgram()))
+    if (!QFile::exists(QbxProgram))
         qFatal("build the qbx target first");
     // Test functions named on the command line run in the suites that have them.
     const auto named = [argc, argv](const QObject *suite) {

@@ -38,10 +38,7 @@ struct QbxOptions {
     QMap<QString, QString> environment;
 };
 
-inline QString qbxProgram()
-{
-    return QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
-}
+inline const QString QbxProgram = QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
 
 inline void startQbx(QProcess &process, const QStringList &arguments, const QbxOptions &options = {})
 {
@@ -55,7 +52,7 @@ inline void startQbx(QProcess &process, const QStringList &arguments, const QbxO
     process.setProcessEnvironment(environment);
     if (!options.standardOutputFile.isEmpty())
         process.setStandardOutputFile(options.standardOutputFile);
-    process.start(qbxProgram(), arguments);
+    process.start(QbxProgram, arguments);
     if (process.waitForStarted()) {
         process.write(options.input);
         process.closeWriteChannel();
