@@ -9,7 +9,6 @@
 
 namespace {
 
-// qbx with the calendar password in its environment.
 QbxRun withPassword(const QStringList &arguments, const QString &password = QString())
 {
     return qbx(arguments, {{}, {}, {}, {{QStringLiteral("QUILLBOX_CALDAV_PASSWORD"), password}}});

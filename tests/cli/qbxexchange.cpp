@@ -56,7 +56,6 @@ private Q_SLOTS:
             s.expOtherSep = 2;
             s.xmlEncode = 1;
         });
-        // The settings, then options that win over them.
         const std::tuple<QStringList, QByteArray> cases[] = {
             {{"view"}, "R\r\n\ta\r\n\t\tb\r\n\tc\r\n"},
             {{"links"}, "R/a\r\n(None)\r\n\r\nR/a/b\r\n(None)\r\n\r\nR/c\r\n(None)\r\n\r\n"},
@@ -104,8 +103,7 @@ private Q_SLOTS:
         QCOMPARE(call({"import", "text", text, "--note-type", "plain", "--icon", "12", "--force"}).status, 0);
         QCOMPARE(describeFile(doc, &back), QStringLiteral("Plan(One(Two))"));
         QCOMPARE(std::pair(back.noteType, back.root()->child(0)->image()), std::pair(quint16(0), quint16(12)));
-        // UTF-8 without a byte-order mark when the options say so, unless the
-        // command line says otherwise.
+        // UTF-8 without a byte-order mark when the options say so, unless the command line says otherwise.
         writeBytes(text, "Caf\xc3\xa9\r\n");
         writeSettings([](Settings &s) { s.setFlag(Settings::Utf8TextImport, true); });
         QCOMPARE(call({"import", "text", text, "--force"}).status, 0);
@@ -157,8 +155,7 @@ private Q_SLOTS:
 
     void failuresPrintTheMessage()
     {
-        // The fixed storage-space message only when the disk is full; always the
-        // file and the reason.
+        // The fixed storage-space message only when the disk is full; always the file and the reason.
         const QString doc = writeSample();
         const QString missing = path(QStringLiteral("no/such/dir/out"));
         QCOMPARE(call({"export", "notes", doc, missing}),

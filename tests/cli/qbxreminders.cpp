@@ -21,8 +21,7 @@ private Q_SLOTS:
         const QString at = QStringLiteral("--at=2024-03-01 09:00:00");
         const QByteArray list = "2\t2024-03-01 10:00\tCall Ann\n4\t2024-03-16 08:30\tTrip\n5\t2024-03-01 09:30\tPack\n"
                                 "6\t2024-02-20 07:00\tOld\n7\t2024-03-01 09:45\tCall Bob\n";
-        // Call Bob is last in the list: Pack and Old wait for him; Trip comes in
-        // reach when the ten-day timer runs on 03-11. Until is exclusive.
+        // Pack and Old wait for Call Bob; Trip is in reach once the ten-day timer runs; until is exclusive.
         const std::tuple<QStringList, int, QByteArray> cases[] = {
             {{at}, 0, list},
             {{at, "--until=2024-03-31 00:00:00"},

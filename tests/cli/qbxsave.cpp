@@ -1,5 +1,4 @@
-// What qbx does around the files it writes: its own document as a target,
-// outputs that fail, two writers at once, a password typed on a terminal.
+// Around the files qbx writes: its own document, failing outputs, two writers, a terminal.
 #include "support/qbxprocess.h"
 
 #include "storage/documentlock.h"
@@ -22,7 +21,6 @@ class TestQbxSave : public QObject {
         return path;
     }
 
-    // "path: loaded, version 551, N items" -> N
     static int itemCount(const QString &path)
     {
         return qbx({QStringLiteral("check"), path}).out.trimmed().split(' ').value(4).toInt();
@@ -61,8 +59,7 @@ private Q_SLOTS:
 
     void twoWritersBothSurvive()
     {
-        // Two imports into one document at the same moment: each adds the other
-        // document's 5 items, and neither addition may be lost.
+        // Two imports into one document at once: neither one's 5 items may be lost.
         const QString path = document(QStringLiteral("shared.qbx"), 20);
         const QStringList arguments{"import", "doc", path, document(QStringLiteral("other.qbx"), 5), "--into", "0"};
         for (int round = 0; round < 6; ++round) {
@@ -98,8 +95,7 @@ private Q_SLOTS:
 
     void exportWithDeleteSaysWhatStayed()
     {
-        // Item 1 has children that are not chosen: it is written but stays.
-        // The last item in file order has no children: it goes.
+        // Item 1 keeps children not chosen, so it stays; the last item has none, so it goes.
         const QString path = document(QStringLiteral("partial.qbx"));
         const QString out = m_dir.filePath(QStringLiteral("partial-out.qbx"));
         QCOMPARE(qbx(QStringList{"export", "items", path, out, "--choice", "3", "--select", "1,30", "--delete"}),

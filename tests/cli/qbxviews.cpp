@@ -75,8 +75,7 @@ private Q_SLOTS:
         const QString path = sample();
         for (const auto &[options, found] : cases)
             QCOMPARE(qbx(QStringList{QStringLiteral("find"), path} + options), printed(found));
-        // Matches hidden by the document's filters are not listed; when none is
-        // left, nothing matched.
+        // Matches hidden by the document's filters are not listed; when none is left, nothing matched.
         QCOMPARE(qbx(QStringList{QStringLiteral("find"), sample(true), QStringLiteral("--completed")}),
                  refused(1, "No item matched the search criteria.\n"));
     }
@@ -104,8 +103,7 @@ private Q_SLOTS:
         }
     }
 
-    // Which items take the attributes is the operation's rule; here each option
-    // reaches it and the file is written back.
+    // Which items take the attributes is the operation's rule; here each option reaches it.
     void applyWritesTheFileBack()
     {
         const QString path = sample();

@@ -7,7 +7,6 @@
 #include <QTemporaryDir>
 #include <memory>
 
-// What dump prints for that file.
 const char *const DumpJson = R"({
     "Version": 551, "PasswordHash": "00ff", "NoteType": 1, "ViewMode": 2, "ViewOrder": 3,
     "ViewAscending": true, "HideCompleted": true, "ShowNoteWindow": false, "ShowDueDate": true,
@@ -61,8 +60,7 @@ private Q_SLOTS:
         const QString damaged = QStringLiteral("Unable to load file. The file may be corrupted.\n");
         const QString unsupported = QStringLiteral("This file was created either prior to version 5.0 or by a newer "
                                                    "version. These file formats are not supported.\n");
-        // Every command loads through the same path: one failure kind each. No
-        // bytes: the file is absent.
+        // Every command loads through the same path: one failure kind each. No bytes: the file is absent.
         const std::tuple<const char *, QByteArray, int, QString> cases[] = {
             {"dump", QByteArray::fromHex("2702000000"), 1, damaged},
             {"resave", QByteArray::fromHex("58020000"), 2, unsupported},
@@ -110,8 +108,7 @@ private Q_SLOTS:
         const QByteArray notCorrect = "The password is not correct. Please enter the password and try again.\n";
         const QByteArray mismatch = "The new password and confirmation do not match. Please try again.\n";
         const QString abc = QStringLiteral("ce1473cf80c6b3fda8e3dfc006adc315");
-        // Typed lines: the current password, the new one, its confirmation; a
-        // new password too long; Windows line ends.
+        // Typed lines: the current password, the new one, its confirmation; a new password too long; Windows line ends.
         const std::tuple<QByteArray, int, QByteArray, QString> cases[] = {
             {"\nabc\nABC\n", 3, mismatch, {}}, {"ignored\nabc\nabc\n", 0, {}, abc},
             {"ABC\n\n\n", 3, notCorrect, abc}, {"abc\n1234567890123456\n1234567890123456\n", 3, {}, abc},

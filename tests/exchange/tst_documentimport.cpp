@@ -8,8 +8,7 @@
 
 using namespace ExchangeTest;
 
-// Import File joins another document's items to a target the way any new
-// children join: converted notes, the target's order and automatic progress.
+// Another document's items join a target as new children do: notes converted, order and progress kept.
 class TestDocumentImport : public QObject {
     Q_OBJECT
 private Q_SLOTS:

@@ -33,7 +33,6 @@ class TestItemExport : public QObject {
 private Q_SLOTS:
     void choices()
     {
-        // Each choice exports, then exports and deletes.
         const std::tuple<int, const char *, QStringList, int, const char *, const char *> cases[] = {
             {0, "", {}, 4, "R(A1,A2a,B(B1))", "R(A(A1(A1x),A2),C)"},
             {1, "", {}, 6, "R(A(A1,A2(A2a)),B(B1))", "R(A(A1(A1x),A2),C)"},
@@ -101,7 +100,6 @@ private Q_SLOTS:
                      ItemExport::Failed);
             QCOMPARE(describe(sample.document.root()), before);
         }
-        // Nothing to export: no file, and nothing deleted.
         Document document;
         document.root()->appendChild(new Item(QStringLiteral("open task")));
         QTemporaryDir dir;

@@ -24,8 +24,7 @@ Item *item(TreeNode *parent, const QString &name, quint16 status = Item::CheckBo
     return made;
 }
 
-// Names and notes full of what Markdown would read as syntax, nested, with
-// every status.
+// Names and notes full of what Markdown would read as syntax, nested, with every status.
 void trickyDocument(Document *document)
 {
     document->root()->setName(QStringLiteral("Title #"));

@@ -67,7 +67,6 @@ private Q_SLOTS:
              "semi-skimmed\" /></outline>\n<outline text=\"&lt;b&gt;Bold&lt;/b&gt; plan\" complete=\"true\"/></body>"
              "</opml>\n",
              "Root", "1 Groceries[x]\n2 Milk{2 litres\nsemi-skimmed}\n1 <b>Bold</b> plan[x]\n"},
-            // A feed list: title instead of text, feed addresses.
             {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<opml version=\"1.0\"><head><title>My feeds</title>"
              "<dateCreated>Mon, 02 Jan 2006 10:00:00 GMT</dateCreated></head><body><outline title=\"News \xe9t\xe9\" "
              "text=\"\"><outline type=\"rss\" text=\"Example\" title=\"Other\" xmlUrl=\"https://example.org/feed.xml\" "
@@ -151,8 +150,7 @@ private Q_SLOTS:
         QCOMPARE(OpmlImport::importInto(bad, &document, a, {}), OpmlImport::Result::FormatError);
         QCOMPARE(TreeSummary::of(document.root(), 2), before);
         QCOMPARE(document.categories, QStringList{QStringLiteral("Old")});
-        // The notes take the document's type, whatever the options say; the
-        // target's automatic progress counts the new children, and it opens.
+        // Notes take the document's type whatever the options say; the target's progress counts the new children.
         QCOMPARE(OpmlImport::importInto(good, &document, a, {}), OpmlImport::Result::Ok);
         QCOMPARE(TreeSummary::of(document.root(), 2), QString("1 a[50%]@Old\n2 b\n2 n[x]@New{x}\n3 m\n"));
         QVERIFY(a->isExpanded());

@@ -10,8 +10,7 @@ namespace {
 
 using namespace ExchangeTest;
 
-// R(Alpha(Beta(Gamma)),Çé). Alpha: note "hello", links to the web, to Çé and
-// to no item; Gamma: two lines; Çé: a pair in its note, a link to a file.
+// R(Alpha(Beta(Gamma)),Çé): notes, links to the web, to an item, to none and to a file, a pair.
 struct Sample {
     Document document;
     Sample()
@@ -54,9 +53,7 @@ private Q_SLOTS:
             options.unicode = unicode;
             QCOMPARE(written(TextExport::exportView(out(), sample.document.root(), options)), bytes);
         }
-        // Each line is one piece: the pair becomes one "?", and the piece is
-        // padded to its seven units with a zero after its CR LF. A double-byte
-        // code page cuts the line instead, CR LF and all.
+        // A line is one piece: a pair is one "?" padded with a zero; a double-byte code page cuts the line.
         TreeNode root(QStringLiteral("R"));
         Outline::build(&root, "😀x\n日本\nz\n");
         TextExport::Options options;
@@ -89,8 +86,7 @@ private Q_SLOTS:
 
     void notesAndLinks()
     {
-        // A note is written without a line break of its own: the empty line
-        // that follows ends it. The pair in the last note leaves a zero.
+        // The empty line after a note ends it; the pair in the last note leaves a zero.
         Sample sample;
         TextExport::Options options;
         QCOMPARE(written(TextExport::exportNotes(out(), sample.document.root(), options)),

@@ -58,9 +58,7 @@ const QByteArray RootR("<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"R\">\r\
 class TestXmlExport : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    // A small document with every element in its interesting forms: markup is
-    // escaped twice, quotes once, and the note goes into CDATA as it is, even
-    // holding the CDATA end.
+    // Every element in its forms: markup escaped twice, quotes once, the CDATA end left in a note.
     void wholeRecord()
     {
         Document document;
@@ -109,8 +107,7 @@ private Q_SLOTS:
         const QString cafe = QString::fromUtf8("Café😀");
         const QByteArray jis = "<?xml version=\"1.0\" encoding=\"Shift-JIS\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" "
                                "Sort=\"15\" Name=\"\x93\xfa\x96\x7b\">\r\n";
-        // Megabytes of text reach the file in many pieces; the cut and the
-        // padding still fall at the very end, and no piece is lost or doubled.
+        // Megabytes written in pieces: the cut and the padding still fall at the very end, no piece lost or doubled.
         const int many = 7000;
         const QByteArray items = plainItem("x").repeated(many);
         QByteArray wide("\xff\xfe");
@@ -120,8 +117,7 @@ private Q_SLOTS:
         const std::tuple<int, const char *, QString, int, QByteArray> cases[] = {
             {0, "windows-1252", QString::fromUtf8("Café"), 0,
              Prolog + "<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n</ROOT>\r\n"},
-            // The declaration says UTF-8, the bytes are the code page's, one per
-            // UTF-16 unit: the pair became one "?", which leaves a zero at the end.
+            // UTF-8 is only a label: one code-page byte per unit, the pair one "?", leaving a zero at the end.
             {1, "windows-1252", cafe, 0,
              QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" "
                         "Name=\"Caf\xe9?\">\r\n</ROOT>\r\n") +
@@ -129,8 +125,7 @@ private Q_SLOTS:
             {2, "windows-1252", cafe, 0,
              "\xff\xfe" + le(u"<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n<ROOT Flags=\"2\" Image=\"0\" "
                              u"Sort=\"15\" Name=\"Caf\u00e9\xd83d\xde00\">\r\n</ROOT>\r\n")},
-            // Two bytes per character in a double-byte code page: the text is cut at
-            // its number of UTF-16 units, in the middle of the closing tag.
+            // A double-byte code page: the text is cut at its number of units, inside the closing tag.
             {5, "windows-932", QString::fromUtf8("日本"), 0, jis + "</ROOT>"},
             {5, "windows-932", QString::fromUtf8("日本"), many, jis + items + "</ROOT>"},
             {0, "windows-1252", cafe, many,
@@ -162,10 +157,8 @@ private Q_SLOTS:
         QTemporaryDir dir;
         TreeNode root;
         QVERIFY(!XmlExport::exportXml(dir.filePath(QStringLiteral("no/such/folder/out.xml")), &root, {}));
-        // An encoding past either end of the list has no label.
         QVERIFY(XmlExport::encodingLabel(-1).isEmpty() &&
                 XmlExport::encodingLabel(int(XmlExport::encodingLabels().size())).isEmpty());
-        // An unknown code page fails before any file exists.
         XmlExport::Options options;
         options.codePage = QStringLiteral("no-such-page");
         const QString path = dir.filePath(QStringLiteral("never.xml"));

@@ -47,8 +47,7 @@ private Q_SLOTS:
         ink.setChunk(RichInk::strokesTag(), QByteArray("\x00\x01", 2));
         QCOMPARE(ink.toNote(),
                  Magic + chunk("XTRA", "") + chunk("RTF ", "{\\rtf1 a}") + chunk("INKS", QByteArray(1, '\0') + '\1'));
-        // Damaged: a length past the end keeps the chunks before it; a cut
-        // chunk header keeps none.
+        // Damaged: a length past the end keeps the chunks before it; a cut chunk header keeps none.
         const RichInk past =
             RichInk::fromNote(QByteArray("QBINK\r\n\x1aRTF \x04\x00\x00\x00{\\rtINKS\xff\xff\xff\x7f\x01", 8 + 12 + 9));
         QVERIFY(past.isOurs() && past.isDamaged());
@@ -72,13 +71,11 @@ private Q_SLOTS:
         const auto units = [](const QString &text) {
             return QByteArray(reinterpret_cast<const char *>(text.utf16()), 2 * text.size());
         };
-        // Too short a run, or one without two letters, is not text; a run of
-        // four units is, even at the very end.
+        // Too short a run, or one without two letters, is not text; a run of four units is, even at the very end.
         QCOMPARE(RichInk::extractText(units(QStringLiteral("xyz")) + QByteArray(2, '\0') + units("12345")), QString());
         QCOMPARE(RichInk::extractText(units(QStringLiteral("a1234"))), QString());
         QCOMPARE(RichInk::extractText(QByteArray(1, '\x01') + units(QStringLiteral("Abcd"))), QStringLiteral("Abcd"));
-        // The first and last units of each range of text belong to a run; the
-        // units just outside end it.
+        // The first and last units of each range of text belong to a run; the units just outside end it.
         const QString edges = QStringLiteral("Ab\u0020~\t\u00a0\u017f\u0370\u052f\u2010\u206f\u20ac");
         QCOMPARE(RichInk::extractText(units(edges)), edges);
         for (const char16_t outside :
@@ -151,7 +148,6 @@ private Q_SLOTS:
         QCOMPARE(first->child(0)->note(), note(u"deep"));
         QCOMPARE(document.root()->child(1)->noteSize(), 0);
         QCOMPARE(third->note(), note(u"third\r\nline"));
-        // Types no converter knows, on either side.
         QVERIFY(!converter.convertDocument(document, 3));
         document.noteType = 9;
         QVERIFY(!converter.convertDocument(document, Document::RichText));

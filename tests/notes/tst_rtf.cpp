@@ -32,7 +32,6 @@ private Q_SLOTS:
     {
         const std::tuple<QByteArray, const char *> cases[] = {
             {"{\\rtf1 Hello}", "Hello"},
-            // As a word processor writes it.
             {QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\nouicompat\\deflang1033{\\fonttbl{\\f0\\fswiss\\fcharset0 "
                         "Calibri;}{\\f1\\fnil\\fcharset2 Symbol;}}\r\n{\\colortbl ;\\red0\\green0\\blue255;}\r\n"
                         "{\\stylesheet{ Normal;}{\\s1 heading 1;}}{\\info{\\title Secret}{\\author Someone}}\r\n"
@@ -82,8 +81,7 @@ private Q_SLOTS:
 
     void readsFormatting()
     {
-        // As a word processor writes it: formatting in groups and toggles, a
-        // colour table with the automatic entry first, a centred paragraph.
+        // As a word processor writes it: groups, toggles, the automatic colour first, aligned paragraphs.
         QCOMPARE(
             describe(RtfReader::read("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red255\\green0\\blue0;"
                                      "\\red0\\green128\\blue0;}\r\n\\pard\\qc{\\b Bold}{\\i  italic}\\par\r\n"
@@ -94,8 +92,7 @@ private Q_SLOTS:
                               "0( fs0 c- \"café\")(u fs0 c- \"under\")( fs0 c- \" \")(s fs0 c- \"gone\")\n"
                               "2( fs32 cff0000 \"big red\")( fs32 c8000 \" green\")( fs0 c- \" plain\")\n"
                               "3(bi fs0 c- \"both\")\n"));
-        // A colour table whose last entry lacks its ";" keeps that entry, any
-        // part of it alone; the empty first entry is the automatic colour.
+        // A last colour entry without its ";" is kept, any part of it alone; entry 0 is no colour.
         QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green128\\blue1}\\cf1 red\\cf0 auto}")),
                  QStringLiteral("0( fs0 cff8001 \"red\")( fs0 c- \"auto\")\n"));
         QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\green0}\\cf1 black}")),
@@ -130,8 +127,7 @@ private Q_SLOTS:
         QByteArray rtf("{\\rtf1 a");
         rtf += QByteArray(200000, '{') + "\\b deep" + QByteArray(200000, '}') + "b}";
         QCOMPARE(RtfReader::plainText(rtf), QStringLiteral("adeepb"));
-        // Past the depth that is kept the groups still close in order: the
-        // skipped destination ends, and the text after it is read.
+        // Past the kept depth the groups still close in order: the skipped destination ends.
         const QByteArray skipped("{\\rtf1 a{\\*\\unknown" + QByteArray(2000, '{') + QByteArray(2000, '}') + "x}b}");
         QCOMPARE(RtfReader::plainText(skipped), QStringLiteral("ab"));
         // Groups left open, however many, end with the text.

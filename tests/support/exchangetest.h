@@ -5,8 +5,7 @@
 
 #include <QFile>
 
-// Small helpers the exchange suites share: hand-written UTF-16 bytes, a
-// file's bytes, an outline on one line and a fixed time.
+// Helpers of the exchange suites: UTF-16 bytes, files, an outline on one line, a fixed time.
 namespace ExchangeTest {
 
 // UTF-16LE bytes of a text, unit by unit, without a terminator.
@@ -45,7 +44,6 @@ inline QString describe(const TreeNode *node)
     return node->hasChildren() ? out + QLatin1Char(')') : out;
 }
 
-// The outline of a document file, or why it did not load.
 inline QString describeFile(const QString &path, Document *document = nullptr)
 {
     Document local;

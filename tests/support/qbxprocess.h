@@ -8,16 +8,13 @@
 #include <functional>
 #include <vector>
 
-// Runs the qbx program of this build in a fixed locale, so collation and long
-// dates are known, and with the settings of a store of the test's own when
-// one is named, never the user's.
+// qbx of this build in a fixed locale, with the settings of the test's own store when one is named.
 struct QbxRun {
     int status = -1;
     QByteArray out;
     QByteArray err;
     QString text() const { return QString::fromUtf8(out); }
     QString error() const { return QString::fromUtf8(err); }
-    // A whole run in one comparison: QCOMPARE(qbx(...), printed("out")).
     bool operator==(const QbxRun &other) const = default;
 };
 
@@ -91,8 +88,7 @@ inline QString writeBytes(const QString &path, const QByteArray &bytes)
     return path;
 }
 
-// The qbx suites are one program: each suite's file registers its class, and
-// the runner runs them in turn.
+// The qbx suites are one program: each suite's file registers its class, and the runner runs them in turn.
 namespace QbxSuites {
 using Make = std::function<QObject *()>;
 inline std::vector<Make> &all()
