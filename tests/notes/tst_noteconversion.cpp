@@ -1,6 +1,7 @@
 #include "notes/noteconverter.h"
 #include "notes/richink.h"
 #include "support/exchangetest.h"
+#include "support/outline.h"
 
 #include <QTest>
 
@@ -120,39 +121,30 @@ private Q_SLOTS:
     {
         Document document;
         document.noteType = Document::PlainText;
-        for (const char16_t *text : {u"first", u"", u"third\r\nline"}) {
-            auto *item = new Item(QStringLiteral("x"));
-            if (*text)
-                item->setNote(note(text));
-            document.root()->appendChild(item);
-        }
-        Item *first = document.root()->child(0);
-        Item *third = document.root()->child(2);
-        first->appendChild(new Item(QStringLiteral("child")));
-        first->child(0)->setNote(note(u"deep"));
+        Outline::build(document.root(), "x | note=first\n  x | note=deep\nx\nx\n");
+        document.root()->child(2)->setNote(note(u"third\r\nline"));
+        // The notes in tree order, the empty one too.
+        const auto notes = [&document] {
+            QByteArray all;
+            document.root()->forEachDescendant([&all](Item *item) { all += item->note() + '|'; });
+            return all;
+        };
+        const QByteArray plain = note(u"first") + '|' + note(u"deep") + "||" + note(u"third\r\nline") + '|';
         // A failure on the third note leaves the notes converted before it as they were.
         QVERIFY(!FailingConverter().convertDocument(document, Document::RichText));
-        QCOMPARE(document.noteType, quint16(Document::PlainText));
-        QCOMPARE(first->note(), note(u"first"));
-        QCOMPARE(first->child(0)->note(), note(u"deep"));
-        QCOMPARE(third->note(), note(u"third\r\nline"));
-
+        QCOMPARE(std::pair(document.noteType, notes()), std::pair(quint16(Document::PlainText), plain));
         NoteConverter converter;
         QVERIFY(converter.convertDocument(document, Document::RichText));
-        QCOMPARE(document.noteType, quint16(Document::RichText));
-        QCOMPARE(first->note(), Header + "\\pard first\\par\r\n}");
-        QCOMPARE(first->child(0)->note(), Header + "\\pard deep\\par\r\n}");
-        QCOMPARE(document.root()->child(1)->noteSize(), 0);
-        QCOMPARE(third->note(), Header + "\\pard third\\par\r\n\\pard line\\par\r\n}");
+        QCOMPARE(std::pair(document.noteType, notes()),
+                 std::pair(quint16(Document::RichText), Header + "\\pard first\\par\r\n}|" + Header +
+                                                            "\\pard deep\\par\r\n}||" + Header +
+                                                            "\\pard third\\par\r\n\\pard line\\par\r\n}|"));
         QVERIFY(converter.convertDocument(document, Document::PlainText));
-        QCOMPARE(first->child(0)->note(), note(u"deep"));
-        QCOMPARE(document.root()->child(1)->noteSize(), 0);
-        QCOMPARE(third->note(), note(u"third\r\nline"));
+        QCOMPARE(notes(), plain);
         QVERIFY(!converter.convertDocument(document, 3));
         document.noteType = 9;
         QVERIFY(!converter.convertDocument(document, Document::RichText));
-        QCOMPARE(document.noteType, quint16(9));
-        QCOMPARE(third->note(), note(u"third\r\nline"));
+        QCOMPARE(std::pair(document.noteType, notes()), std::pair(quint16(9), plain));
     }
 };
 
