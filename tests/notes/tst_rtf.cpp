@@ -32,12 +32,9 @@ private Q_SLOTS:
     {
         const std::tuple<QByteArray, const char *> cases[] = {
             {"{\\rtf1 Hello}", "Hello"},
-            {QByteArray("{\\rtf1\\ansi\\ansicpg1252\\deff0\\nouicompat\\deflang1033{\\fonttbl{\\f0\\fswiss\\fcharset0 "
-                        "Calibri;}{\\f1\\fnil\\fcharset2 Symbol;}}\r\n{\\colortbl ;\\red0\\green0\\blue255;}\r\n"
-                        "{\\stylesheet{ Normal;}{\\s1 heading 1;}}{\\info{\\title Secret}{\\author Someone}}\r\n"
-                        "{\\*\\generator Riched20 10.0.19041}\\viewkind4\\uc1 \r\n\\pard\\sa200\\sl276\\slmult1\\f0"
-                        "\\fs22\\lang9 First line\\par\r\nSecond line\\par\r\n}\r\n") +
-                 '\0',
+            {QByteArray("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0\\fswiss\\fcharset0 Calibri;}}\r\n{\\colortbl ;\\red0;}"
+                        "{\\stylesheet{ Normal;}}{\\info{\\title Secret}}{\\*\\generator Riched20}\\viewkind4\\uc1 \r\n"
+                        "\\pard\\sa200\\f0\\fs22\\lang9 First line\\par\r\nSecond line\\par\r\n}\r\n"),
              "First line\r\nSecond line"},
             {"{\\rtf1\\uc1 caf\\u233e au lait}", "café au lait"},
             {"{\\rtf1\\uc2\\u26085\\'93\\'fa x}", "日 x"},
