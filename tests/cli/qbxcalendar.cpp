@@ -11,7 +11,7 @@ namespace {
 
 QbxRun withPassword(const QStringList &arguments, const QString &password = QString())
 {
-    return qbx(arguments, {{}, {}, {}, {{QStringLiteral("QUILLBOX_CALDAV_PASSWORD"), password}}});
+    return qbx(arguments, {{}, {}, {{QStringLiteral("QUILLBOX_CALDAV_PASSWORD"), password}}});
 }
 
 } // namespace

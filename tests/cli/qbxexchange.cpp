@@ -17,7 +17,10 @@ class TestQbxExchange : public QObject {
     std::unique_ptr<QTemporaryDir> m_dir;
     QString path(const QString &name) const { return m_dir->filePath(name); }
     // The settings come from a store of the test's own.
-    QbxRun call(const QStringList &arguments) { return qbx(arguments, {{}, {}, path(QStringLiteral("config")), {}}); }
+    QbxRun call(const QStringList &arguments)
+    {
+        return qbx(arguments, {{}, {}, {{"XDG_CONFIG_HOME", path("config")}}});
+    }
 
     // R(a(b),c): a and c done, a with the note "hi" in the document's note type.
     QString writeSample(quint16 noteType = Document::PlainText)

@@ -35,9 +35,9 @@ private Q_SLOTS:
         const QString path = document(QStringLiteral("output.qbx"));
         for (const QStringList &arguments :
              {QStringList{"dump", path}, QStringList{"find", path, "--name", "e"}, QStringList{"view", path}}) {
-            QCOMPARE(qbx(arguments, {{}, QStringLiteral("/dev/full"), {}, {}}),
+            QCOMPARE(qbx(arguments, {{}, QStringLiteral("/dev/full")}),
                      refused(5, "qbx: cannot write the standard output: disk full\n"));
-            QCOMPARE(qbx(arguments, {{}, QStringLiteral("/dev/null"), {}, {}}).status, 0);
+            QCOMPARE(qbx(arguments, {{}, QStringLiteral("/dev/null")}).status, 0);
         }
     }
 
@@ -82,7 +82,7 @@ private Q_SLOTS:
         const QByteArray before = fileBytes(path);
         DocumentLock lock(path);
         QVERIFY(lock.lock(0));
-        const QbxOptions lockWait{{}, {}, {}, {{QStringLiteral("QBX_LOCK_TIMEOUT"), QStringLiteral("1")}}};
+        const QbxOptions lockWait{{}, {}, {{QStringLiteral("QBX_LOCK_TIMEOUT"), QStringLiteral("1")}}};
         const QStringList apply{"apply", path, "--to", "1", "--priority", "3"};
         QCOMPARE(qbx(apply, lockWait), refused(6, "qbx: " + QFile::encodeName(path) +
                                                       " is being changed by another program; try again when it "

@@ -115,7 +115,7 @@ private Q_SLOTS:
             {"abc\r\n\r\n\r\n", 0, {}, {}},
         };
         for (const auto &[typed, status, error, hash] : cases) {
-            const QbxRun run = qbx({QStringLiteral("password"), path}, {typed, {}, {}, {}});
+            const QbxRun run = qbx({QStringLiteral("password"), path}, {typed});
             QCOMPARE(run.status, status);
             if (!error.isEmpty())
                 QCOMPARE(run.err, error);

@@ -3,28 +3,6 @@
 
 #include <QTest>
 
-namespace {
-
-// One line a paragraph: "<alignment>" then each run as (bius fsN cRGB "text").
-QString describe(const RichText &text)
-{
-    QString out;
-    for (const RichText::Paragraph &p : text.paragraphs) {
-        out += QString::number(int(p.alignment));
-        for (const RichText::Run &r : p.runs) {
-            out += QStringLiteral("(%1%2%3%4 fs%5 c%6 \"%7\")")
-                       .arg(r.format.bold ? "b" : "", r.format.italic ? "i" : "", r.format.underline ? "u" : "",
-                            r.format.strikeOut ? "s" : "")
-                       .arg(r.format.fontSize)
-                       .arg(r.format.hasColour ? QString::number(r.format.colour, 16) : QStringLiteral("-"), r.text);
-        }
-        out += QLatin1Char('\n');
-    }
-    return out;
-}
-
-} // namespace
-
 class TestRtf : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -78,22 +56,28 @@ private Q_SLOTS:
 
     void readsFormatting()
     {
+        using A = RichText::Alignment;
+        using F = RichText::CharFormat;
+        const F none;
         // As a word processor writes it: groups, toggles, the automatic colour first, aligned paragraphs.
-        QCOMPARE(
-            describe(RtfReader::read("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red255\\green0\\blue0;"
-                                     "\\red0\\green128\\blue0;}\r\n\\pard\\qc{\\b Bold}{\\i  italic}\\par\r\n"
-                                     "\\pard caf\\'e9\\ul under\\ulnone  \\strike gone\\strike0\\par\r\n"
-                                     "\\pard\\qr\\fs32\\cf1 big red\\cf2  green\\plain  plain\\par\r\n"
-                                     "\\pard\\qj{\\b\\i both}\\par}")),
-            QString::fromUtf8("1(b fs0 c- \"Bold\")(i fs0 c- \" italic\")\n"
-                              "0( fs0 c- \"café\")(u fs0 c- \"under\")( fs0 c- \" \")(s fs0 c- \"gone\")\n"
-                              "2( fs32 cff0000 \"big red\")( fs32 c8000 \" green\")( fs0 c- \" plain\")\n"
-                              "3(bi fs0 c- \"both\")\n"));
+        QCOMPARE(RtfReader::read("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red255\\green0\\blue0;"
+                                 "\\red0\\green128\\blue0;}\r\n\\pard\\qc{\\b Bold}{\\i  italic}\\par\r\n"
+                                 "\\pard caf\\'e9\\ul under\\ulnone  \\strike gone\\strike0\\par\r\n"
+                                 "\\pard\\qr\\fs32\\cf1 big red\\cf2  green\\plain  plain\\par\r\n"
+                                 "\\pard\\qj{\\b\\i both}\\par}"),
+                 (RichText{{{A::Centre, {{"Bold", F{true}}, {" italic", F{false, true}}}},
+                            {A::Left,
+                             {{"café", none}, {"under", F{false, false, true}}, {" ", none}, {"gone", F{0, 0, 0, 1}}}},
+                            {A::Right,
+                             {{"big red", F{0, 0, 0, 0, 32, true, 0xff0000}},
+                              {" green", F{0, 0, 0, 0, 32, true, 0x008000}},
+                              {" plain", none}}},
+                            {A::Justify, {{"both", F{true, true}}}}}}));
         // A last colour entry without its ";" is kept, any part of it alone; entry 0 is no colour.
-        QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green128\\blue1}\\cf1 red\\cf0 auto}")),
-                 QStringLiteral("0( fs0 cff8001 \"red\")( fs0 c- \"auto\")\n"));
-        QCOMPARE(describe(RtfReader::read("{\\rtf1{\\colortbl;\\green0}\\cf1 black}")),
-                 QStringLiteral("0( fs0 c0 \"black\")\n"));
+        QCOMPARE(RtfReader::read("{\\rtf1{\\colortbl;\\red255\\green128\\blue1}\\cf1 red\\cf0 auto}"),
+                 (RichText{{{A::Left, {{"red", F{0, 0, 0, 0, 0, true, 0xff8001}}, {"auto", none}}}}}));
+        QCOMPARE(RtfReader::read("{\\rtf1{\\colortbl;\\green0}\\cf1 black}"),
+                 (RichText{{{A::Left, {{"black", F{0, 0, 0, 0, 0, true, 0}}}}}}));
     }
 
     void writesExactBytes()

@@ -31,7 +31,6 @@ inline char *toString(const QbxRun &run)
 struct QbxOptions {
     QByteArray input;
     QString standardOutputFile;
-    QString configHome;
     QMap<QString, QString> environment;
 };
 
@@ -42,8 +41,6 @@ inline void startQbx(QProcess &process, const QStringList &arguments, const QbxO
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
     environment.insert(QStringLiteral("LANG"), QStringLiteral("en_US.UTF-8"));
-    if (!options.configHome.isEmpty())
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), options.configHome);
     for (auto it = options.environment.begin(); it != options.environment.end(); ++it)
         environment.insert(it.key(), it.value());
     process.setProcessEnvironment(environment);
