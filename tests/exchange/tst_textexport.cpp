@@ -109,18 +109,12 @@ private Q_SLOTS:
         options.noteType = 2;
         options.separator = 2;
         QCOMPARE(written(TextExport::exportNotes(out(), &root, options)), "R/a\r\nbold\r\nplain\r\nR/b\r\n\r\n");
-    }
-
-    void failures()
-    {
-        Sample sample;
-        QFile::remove(out());
         const QString missing = m_dir.filePath(QStringLiteral("no/such/dir/out.txt"));
         QVERIFY(!TextExport::exportNotes(missing, sample.document.root(), {}));
         QVERIFY(!TextExport::exportLinks(missing, sample.document.root(), {}));
-        TextExport::Options unknown;
-        unknown.codePage = QStringLiteral("no-such-page");
-        QVERIFY(!TextExport::exportView(out(), sample.document.root(), unknown));
+        QFile::remove(out());
+        options.codePage = QStringLiteral("no-such-page");
+        QVERIFY(!TextExport::exportView(out(), sample.document.root(), options));
         QVERIFY(!QFile::exists(out()));
         QVERIFY(TextExport::indentUnit(-1).isNull() && TextExport::indentUnit(7).isNull());
     }

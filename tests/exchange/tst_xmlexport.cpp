@@ -110,10 +110,8 @@ private Q_SLOTS:
         // Megabytes written in pieces: the cut and the padding still fall at the very end, no piece lost or doubled.
         const int many = 7000;
         const QByteArray items = plainItem("x").repeated(many);
-        QByteArray wide("\xff\xfe");
-        for (const char c :
-             QByteArray("<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n") + RootR + items + "</ROOT>\r\n")
-            wide += QByteArray(1, c) + '\0';
+        const QString wide =
+            QString::fromLatin1("<?xml version=\"1.0\" encoding=\"UTF-16\" ?>\r\n" + RootR + items + "</ROOT>\r\n");
         const std::tuple<int, const char *, QString, int, QByteArray> cases[] = {
             {0, "windows-1252", QString::fromUtf8("Café"), 0,
              Prolog + "<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9\">\r\n</ROOT>\r\n"},
@@ -131,7 +129,8 @@ private Q_SLOTS:
             {0, "windows-1252", cafe, many,
              Prolog + "<ROOT Flags=\"2\" Image=\"0\" Sort=\"15\" Name=\"Caf\xe9?\">\r\n" + items + "</ROOT>\r\n" +
                  '\0'},
-            {2, "windows-1252", QStringLiteral("R"), many, wide},
+            {2, "windows-1252", QStringLiteral("R"), many,
+             "\xff\xfe" + QByteArray(reinterpret_cast<const char *>(wide.utf16()), 2 * wide.size())},
         };
         for (const auto &[encoding, codePage, rootName, items, bytes] : cases) {
             QTemporaryDir dir;
@@ -144,9 +143,7 @@ private Q_SLOTS:
             options.encoding = quint16(encoding);
             options.codePage = QString::fromLatin1(codePage);
             QVERIFY(XmlExport::exportXml(path, &root, options));
-            const QByteArray written = readFile(path);
-            QCOMPARE(written.size(), bytes.size());
-            QVERIFY(written == bytes);
+            QVERIFY(readFile(path) == bytes); // too large to print
             // Written beside the target and renamed over it: nothing else is left.
             QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("out.xml")});
         }
