@@ -7,24 +7,19 @@
 #include <QTemporaryDir>
 #include <memory>
 
-const char *const DumpJson = R"({
-    "Version": 551, "PasswordHash": "00ff", "NoteType": 1, "ViewMode": 2, "ViewOrder": 3,
-    "ViewAscending": true, "HideCompleted": true, "ShowNoteWindow": false, "ShowDueDate": true,
-    "ShowStatistics": true, "HideByStatus": 48, "Current": 1, "Categories": ["Büro"],
-    "Root": {"Image": 826, "Sort": 0, "Name": "Wurzel", "ExtraWord": 9, "Expanded": true, "Ascending": true,
-        "Children": [{
-            "Image": 4, "Sort": 15, "Name": "Tâche \u00221\u0022", "ExtraWord": 4294967295, "Expanded": false,
-            "Ascending": false, "TaskTime": "3", "TaskTimeType": 0, "Colour": 0,
-            "Created": [2020, 1, 3, 1, 2, 3, 4, 5], "Progress": 40, "StatusType": 2, "ShowIcon": false,
-            "AutoProgress": true, "Italic": true, "Category": "Büro", "Priority": 3,
-            "DueDate": [2021, 2, 1, 1, 0, 0, 0, 0], "ReminderTime": [2021, 2, 1, 1, 9, 0, 0, 0],
-            "Note": "YWJj", "Links": ["!2", "!0", "tel:123"],
-            "Children": [{
-                "Image": 0, "Sort": 15, "Name": "", "ExtraWord": 0, "Expanded": false, "Ascending": true,
-                "TaskTime": "", "TaskTimeType": 0, "Colour": 0, "Created": [0, 0, 0, 0, 0, 0, 0, 0],
-                "Progress": 0, "StatusType": 0, "ShowIcon": true, "AutoProgress": false, "Italic": false,
-                "Category": "", "Priority": 10, "DueDate": [0, 0, 0, 0, 0, 0, 0, 0],
-                "ReminderTime": [0, 0, 0, 0, 0, 0, 0, 0], "Note": "", "Links": [], "Children": []}]}]}})";
+const char *const DumpJson = R"({"Version": 551, "PasswordHash": "00ff", "NoteType": 1, "ViewMode": 2, "ViewOrder": 3,
+    "ViewAscending": true, "HideCompleted": true, "ShowNoteWindow": false, "ShowDueDate": true, "ShowStatistics": true,
+    "HideByStatus": 48, "Current": 1, "Categories": ["Büro"], "Root": {"Image": 826, "Sort": 0, "Name": "Wurzel",
+    "ExtraWord": 9, "Expanded": true, "Ascending": true, "Children": [{"Image": 4, "Sort": 15,
+    "Name": "Tâche \u00221\u0022", "ExtraWord": 4294967295, "Expanded": false, "Ascending": false, "TaskTime": "3",
+    "TaskTimeType": 0, "Colour": 0, "Created": [2020, 1, 3, 1, 2, 3, 4, 5], "Progress": 40, "StatusType": 2,
+    "ShowIcon": false, "AutoProgress": true, "Italic": true, "Category": "Büro", "Priority": 3,
+    "DueDate": [2021, 2, 1, 1, 0, 0, 0, 0], "ReminderTime": [2021, 2, 1, 1, 9, 0, 0, 0], "Note": "YWJj",
+    "Links": ["!2", "!0", "tel:123"], "Children": [{"Image": 0, "Sort": 15, "Name": "", "ExtraWord": 0,
+    "Expanded": false, "Ascending": true, "TaskTime": "", "TaskTimeType": 0, "Colour": 0,
+    "Created": [0, 0, 0, 0, 0, 0, 0, 0], "Progress": 0, "StatusType": 0, "ShowIcon": true, "AutoProgress": false,
+    "Italic": false, "Category": "", "Priority": 10, "DueDate": [0, 0, 0, 0, 0, 0, 0, 0],
+    "ReminderTime": [0, 0, 0, 0, 0, 0, 0, 0], "Note": "", "Links": [], "Children": []}]}]}})";
 
 // The commands on whole documents: dump, check, resave, password, generate.
 class TestQbx : public QObject {
@@ -58,12 +53,12 @@ private Q_SLOTS:
     void loadFailuresGiveMessageAndStatus()
     {
         const QString damaged = QStringLiteral("Unable to load file. The file may be corrupted.\n");
-        const QString unsupported = QStringLiteral("This file was created either prior to version 5.0 or by a newer "
-                                                   "version. These file formats are not supported.\n");
         // Every command loads through the same path: one failure kind each. No bytes: the file is absent.
         const std::tuple<const char *, QByteArray, int, QString> cases[] = {
             {"dump", QByteArray::fromHex("2702000000"), 1, damaged},
-            {"resave", QByteArray::fromHex("58020000"), 2, unsupported},
+            {"resave", QByteArray::fromHex("58020000"), 2,
+             "This file was created either prior to version 5.0 or by a newer version. These file formats are not "
+             "supported.\n"},
             {"password", QByteArray::fromHex("2702000000"), 1, damaged},
             {"check", {}, 4, QStringLiteral("File '%1' does not exist.\n")},
         };
