@@ -31,9 +31,8 @@ class TestQbxExchange : public QObject {
         Outline::build(document.root(), "a | prog=100\n  b\nc | prog=100\n");
         document.root()->child(0)->setNote(noteType == Document::RichText ? QByteArray("{\\rtf1 {\\b hi}}")
                                                                           : note(u"hi"));
-        const QString file = path(QStringLiteral("doc.qbx"));
-        DocumentFile::save(document, file);
-        return file;
+        DocumentFile::save(document, path(QStringLiteral("doc.qbx")));
+        return path(QStringLiteral("doc.qbx"));
     }
 
     void writeSettings(const std::function<void(Settings &)> &change)

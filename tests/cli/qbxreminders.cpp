@@ -34,8 +34,7 @@ private Q_SLOTS:
         };
         for (const auto &[options, status, out] : cases) {
             const QbxRun run = qbx(QStringList({QStringLiteral("reminders"), path}) + options);
-            QCOMPARE(run.status, status);
-            QCOMPARE(run.out, out);
+            QCOMPARE(std::pair(run.status, run.out), std::pair(status, out));
         }
     }
 };

@@ -90,11 +90,12 @@ private Q_SLOTS:
             {"1. one\n2. two\n   1) sub\n10. ten\n", "Root\n1 one[-]\n1 two[-]\n2 sub[-]\n1 ten[-]\n"},
             {"- \\[ ] first line\n- [ ] open\n- [x] done\n- [X] Done\n- [40%] part\n- [y] not a box\n- \\[x] escaped\n"
              "- [100%]\n- [x]tight\n",
-             "Root\n1 [ ] first line[-]\n1 open\n1 done[x]\n1 Done[x]\n1 part[40%]\n1 [y] not a box[-]\n1 [x] escaped[-]\n"
-             "1 [100%]\n1 [x]tight[-]\n"},
+             "Root\n1 [ ] first line[-]\n1 open\n1 done[x]\n1 Done[x]\n1 part[40%]\n1 [y] not a box[-]\n"
+             "1 [x] escaped[-]\n1 [100%]\n1 [x]tight[-]\n"},
             {"# Project\n\nIntro text.\n\n## Phase 1\n\n- [ ] task\n\n### Detail\n\nSome notes\nover two lines.\n\n"
              "## Phase 2\n",
-             "Project\n1 Intro text.[-]\n1 Phase 1[-]\n2 task\n2 Detail[-]{Some notes\nover two lines.}\n1 Phase 2[-]\n"},
+             "Project\n1 Intro text.[-]\n1 Phase 1[-]\n2 task\n2 Detail[-]{Some notes\nover two lines.}\n"
+             "1 Phase 2[-]\n"},
             // No heading ranks above the others.
             {"# A\n- x\n# B\n- y\n", "Root\n1 A[-]\n2 x[-]\n1 B[-]\n2 y[-]\n"},
             // What follows an item's name is its note.

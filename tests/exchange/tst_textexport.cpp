@@ -48,16 +48,13 @@ private Q_SLOTS:
         };
         for (const auto &[indent, unicode, bytes] : cases) {
             Sample sample;
-            TextExport::Options options;
-            options.indent = indent;
-            options.unicode = unicode;
+            const TextExport::Options options{.unicode = unicode, .indent = indent};
             QCOMPARE(written(TextExport::exportView(out(), sample.document.root(), options)), bytes);
         }
         // A line is one piece: a pair is one "?" padded with a zero; a double-byte code page cuts the line.
         TreeNode root(QStringLiteral("R"));
         Outline::build(&root, "😀x\n日本\nz\n");
-        TextExport::Options options;
-        options.indent = 3;
+        TextExport::Options options{.indent = 3};
         QCOMPARE(written(TextExport::exportView(out(), &root, options)),
                  QByteArray("R\r\n  ?x\r\n") + Zero + "  ??\r\n  z\r\n");
         options.codePage = QStringLiteral("windows-932");
@@ -74,8 +71,7 @@ private Q_SLOTS:
         document.hideCompleted = true;
         document.viewMode = Document::ByCategory;
         document.viewOrder = 0;
-        TextExport::Options options;
-        options.indent = 1;
+        const TextExport::Options options{.indent = 1};
         QCOMPARE(written(TextExport::exportView(out(), document, options)),
                  "R\r\n\t[No Category]\r\n\t\td\r\n\tHome\r\n\t\tb\r\n\tWork\r\n\t\ta\r\n\t\tc\r\n");
         // The default view writes the tree, the item hidden by the filter too.
@@ -92,8 +88,7 @@ private Q_SLOTS:
         QCOMPARE(written(TextExport::exportNotes(out(), sample.document.root(), options)),
                  "R:Alpha\r\nhello\r\nR:Alpha:Beta\r\n\r\nR:Alpha:Beta:Gamma\r\ntwo\r\nlines\r\nR:\xc7\xe9\r\nx?y" +
                      Zero + "\r\n");
-        options.separator = 4;
-        options.unicode = true;
+        options = {.unicode = true, .separator = 4};
         QCOMPARE(written(TextExport::exportNotes(out(), sample.document.root(), options)),
                  "\xff\xfe" + le(u"R|Alpha\r\nhello\r\nR|Alpha|Beta\r\n\r\nR|Alpha|Beta|Gamma\r\ntwo\r\nlines\r\n"
                                  u"R|\u00c7\u00e9\r\nx\xd83d\xde00y\r\n"));
@@ -105,9 +100,7 @@ private Q_SLOTS:
         TreeNode root(QStringLiteral("R"));
         Outline::build(&root, "a\nb\n");
         root.child(0)->setNote("{\\rtf1{\\fonttbl{\\f0 Arial;}}\\b bold\\b0\\par plain}");
-        options = {};
-        options.noteType = 2;
-        options.separator = 2;
+        options = {.separator = 2, .noteType = 2};
         QCOMPARE(written(TextExport::exportNotes(out(), &root, options)), "R/a\r\nbold\r\nplain\r\nR/b\r\n\r\n");
         const QString missing = m_dir.filePath(QStringLiteral("no/such/dir/out.txt"));
         QVERIFY(!TextExport::exportNotes(missing, sample.document.root(), {}));

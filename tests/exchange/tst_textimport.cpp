@@ -52,35 +52,34 @@ private Q_SLOTS:
     void encodings()
     {
         const char *const cafe = "Café(日本)";
-        const std::tuple<QByteArray, bool, const char *> cases[] = {
-            {QByteArray::fromHex("efbbbf") + "Caf\xc3\xa9\n \xe6\x97\xa5\xe6\x9c\xac", false, cafe},
-            {Bom + QByteArray("C\0a\0f\0\xe9\0\n\0 \0\xe5\x65\x2c\x67", 16), false, cafe},
-            {QByteArray("\xfe\xff\0C\0a\0f\0\xe9\0\n\0 \x65\xe5\x67\x2c", 18), false, cafe},
-            {"Caf\xc3\xa9\n \xe6\x97\xa5\xe6\x9c\xac", true, cafe},
-            {QByteArray("\xfe\xff\0R\0\n\0 \0a", 10), true, "R(a)"}, // a mark wins over the choice
-            {"Caf\xc3\xa9\n a", false, "CafÃ©(a)"},                  // ANSI stays the default
+        const auto ansi = TextImport::Encoding::Ansi;
+        const auto utf8 = TextImport::Encoding::Utf8;
+        // No outline: invalid UTF-8 is unreadable.
+        const std::tuple<QByteArray, TextImport::Encoding, const char *> cases[] = {
+            {QByteArray::fromHex("efbbbf") + "Caf\xc3\xa9\n \xe6\x97\xa5\xe6\x9c\xac", ansi, cafe},
+            {Bom + QByteArray("C\0a\0f\0\xe9\0\n\0 \0\xe5\x65\x2c\x67", 16), ansi, cafe},
+            {QByteArray("\xfe\xff\0C\0a\0f\0\xe9\0\n\0 \x65\xe5\x67\x2c", 18), ansi, cafe},
+            {"Caf\xc3\xa9\n \xe6\x97\xa5\xe6\x9c\xac", utf8, cafe},
+            {QByteArray("\xfe\xff\0R\0\n\0 \0a", 10), utf8, "R(a)"}, // a mark wins over the choice
+            {"Caf\xc3\xa9\n a", ansi, "CafÃ©(a)"},                   // ANSI stays the default
+            {"R\n a\xff\xfe", utf8, nullptr},
+            {"\xef\xbb\xbfR\n \xc3", ansi, nullptr},
         };
-        for (const auto &[bytes, utf8, outline] : cases) {
-            TextImport::Options options;
-            options.codePage = QStringLiteral("windows-1252");
-            options.encoding = utf8 ? TextImport::Encoding::Utf8 : TextImport::Encoding::Ansi;
+        for (const auto &[bytes, encoding, outline] : cases) {
             TreeNode root;
-            QCOMPARE(TextImport::import(bytes, &root, options), TextImport::Result::Ok);
-            QCOMPARE(describe(&root), QString::fromUtf8(outline));
+            const TextImport::Options options{.codePage = QStringLiteral("windows-1252"), .encoding = encoding};
+            QCOMPARE(TextImport::import(bytes, &root, options),
+                     outline ? TextImport::Result::Ok : TextImport::Result::Unreadable);
+            if (outline)
+                QCOMPARE(describe(&root), QString::fromUtf8(outline));
         }
-        TreeNode root;
-        TextImport::Options options;
-        options.encoding = TextImport::Encoding::Utf8;
-        QCOMPARE(TextImport::import("R\n a\xff\xfe", &root, options), TextImport::Result::Unreadable);
-        QCOMPARE(TextImport::import("\xef\xbb\xbfR\n \xc3", &root, {}), TextImport::Result::Unreadable);
     }
 
     void namesIconsAndMessages()
     {
         const QByteArray long100 = QByteArray("0123456789").repeated(10);
         TreeNode root;
-        TextImport::Options options;
-        options.icon = TextImport::iconOf(0x0002002a);
+        const TextImport::Options options{.icon = TextImport::iconOf(0x0002002a)};
         QCOMPARE(TextImport::import(long100 + "\r\n\t" + long100 + "\r\n\t\tb", &root, options),
                  TextImport::Result::Ok);
         QCOMPARE(describe(&root), QString::fromLatin1(long100.left(96) + "(" + long100.left(96) + "(b))"));

@@ -96,9 +96,7 @@ private Q_SLOTS:
     {
         TreeNode root(QStringLiteral("R"));
         plain(&root)->setNote("{\\rtf1 {\\b Bold}\\par x\\u233?}");
-        XmlExport::Options options;
-        options.noteType = 2;
-        QCOMPARE(XmlExport::text(&root, options),
+        QCOMPARE(XmlExport::text(&root, {.noteType = 2}),
                  QString::fromLatin1(Prolog + RootR + plainItem("x", "Bold\r\nx\xe9") + "</ROOT>\r\n"));
     }
 
@@ -139,10 +137,7 @@ private Q_SLOTS:
             TreeNode root(rootName);
             for (int i = 0; i < items; ++i)
                 plain(&root);
-            XmlExport::Options options;
-            options.encoding = quint16(encoding);
-            options.codePage = QString::fromLatin1(codePage);
-            QVERIFY(XmlExport::exportXml(path, &root, options));
+            QVERIFY(XmlExport::exportXml(path, &root, {quint16(encoding), QString::fromLatin1(codePage)}));
             QVERIFY(readFile(path) == bytes); // too large to print
             // Written beside the target and renamed over it: nothing else is left.
             QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("out.xml")});
@@ -156,8 +151,7 @@ private Q_SLOTS:
         QVERIFY(!XmlExport::exportXml(dir.filePath(QStringLiteral("no/such/folder/out.xml")), &root, {}));
         QVERIFY(XmlExport::encodingLabel(-1).isEmpty() &&
                 XmlExport::encodingLabel(int(XmlExport::encodingLabels().size())).isEmpty());
-        XmlExport::Options options;
-        options.codePage = QStringLiteral("no-such-page");
+        const XmlExport::Options options{.codePage = QStringLiteral("no-such-page")};
         const QString path = dir.filePath(QStringLiteral("never.xml"));
         QVERIFY(!XmlExport::exportXml(path, &root, options));
         QVERIFY(!QFile::exists(path));
