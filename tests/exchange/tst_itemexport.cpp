@@ -1,61 +1,29 @@
 #include "exchange/itemexport.h"
 #include "support/exchangetest.h"
-#include "model/document.h"
-#include "storage/documentfile.h"
+#include "support/outline.h"
 
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-
 using namespace ExchangeTest;
 
-Item *find(const TreeNode *root, const QString &name)
-{
-    Item *found = nullptr;
-    root->forEachDescendant([&](Item *item) {
-        if (!found && item->name() == name)
-            found = item;
-    });
-    return found;
-}
+namespace {
 
-// R
-//   A
-//     A1 (done)
-//       A1x
-//     A2
-//       A2a (done; links to B and to C)
-//   B (done)
-//     B1 (done)
-//   C
+// R(A(A1(A1x),A2(A2a)),B(B1),C): A1, A2a, B and B1 done; A2a links to B, to C and to the web.
 struct Sample {
     Document document;
     Sample()
     {
         document.noteType = Document::RichText;
-        TreeNode *r = document.root();
-        r->setName(QStringLiteral("R"));
-        auto add = [](TreeNode *parent, const char *name, bool done) {
-            auto *item = new Item(QString::fromLatin1(name));
-            item->storeProgress(done ? 100 : 0);
-            item->setCreated(at(2021, 6, 7, 8, 9, 10));
-            parent->appendChild(item);
-            return item;
-        };
-        Item *a = add(r, "A", false);
-        Item *a1 = add(a, "A1", true);
-        add(a1, "A1x", false);
-        Item *a2 = add(a, "A2", false);
-        Item *a2a = add(a2, "A2a", true);
-        Item *b = add(r, "B", true);
-        add(b, "B1", true);
-        Item *c = add(r, "C", false);
-        a2a->setLinks({b->linkText(), c->linkText(), QStringLiteral("http://x")});
-        a2a->setCategory(QStringLiteral("Work"));
+        document.root()->setName(QStringLiteral("R"));
+        Outline::build(document.root(), "A\n  A1 | prog=100\n    A1x\n  A2\n    A2a | prog=100 cat=Work\n"
+                                        "B | prog=100\n  B1 | prog=100\nC\n");
+        Item *a2a = item("A2a");
+        a2a->setLinks({item("B")->linkText(), item("C")->linkText(), QStringLiteral("http://x")});
         a2a->setNote("{\\rtf1 note}");
+        a2a->setCreated(at(2021, 6, 7, 8, 9, 10));
     }
-    Item *item(const char *name) const { return find(document.root(), QString::fromLatin1(name)); }
+    Item *item(const QString &name) const { return Outline::find(document.root(), name); }
 };
 
 } // namespace
@@ -63,115 +31,78 @@ struct Sample {
 class TestItemExport : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void choices_data();
-    void choices();
-    void copiesKeepTheirFieldsAndLinks();
-    void failureDeletesNothing();
-};
+    void choices()
+    {
+        const std::tuple<int, const char *, QStringList, int, const char *, const char *> cases[] = {
+            {0, "", {}, 4, "R(A1,A2a,B(B1))", "R(A(A1(A1x),A2),C)"},
+            {1, "", {}, 6, "R(A(A1,A2(A2a)),B(B1))", "R(A(A1(A1x),A2),C)"},
+            {2, "A", {}, 5, "A(A1(A1x),A2(A2a))", "R(B(B1),C)"},
+            {2, "", {}, 8, "R(A(A1(A1x),A2(A2a)),B(B1),C)", "R"},
+            {3, "", {"A2a", "C", "A2"}, 3, "R(A2(A2a),C)", "R(A(A1(A1x)),B(B1))"},
+            {3, "", {"A", "A1", "A1x", "A2", "A2a"}, 5, "R(A(A1(A1x),A2(A2a)))", "R(B(B1),C)"},
+            {3, "", {"A1"}, 1, "R(A1)", "R(A(A1(A1x),A2(A2a)),B(B1),C)"},
+        };
+        for (const auto &[choice, current, selection, count, exported, leftAfterDelete] : cases) {
+            for (const bool deleteAfter : {false, true}) {
+                Sample sample;
+                if (*current)
+                    sample.document.setCurrent(sample.item(QString::fromLatin1(current)));
+                std::vector<Item *> picked;
+                for (const QString &name : selection)
+                    picked.push_back(sample.item(name));
+                const QString before = describe(sample.document.root());
+                QTemporaryDir dir;
+                // A failed write deletes nothing.
+                QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), deleteAfter, picked,
+                                                 dir.filePath(QStringLiteral("missing/part.qbx"))),
+                         ItemExport::Failed);
+                QCOMPARE(describe(sample.document.root()), before);
+                const QString path = dir.filePath(QStringLiteral("part.qbx"));
+                QCOMPARE(
+                    ItemExport::exportItems(sample.document, ItemExport::Choice(choice), deleteAfter, picked, path),
+                    count);
+                Document back;
+                QCOMPARE(describeFile(path, &back), QString::fromLatin1(exported));
+                QCOMPARE(back.noteType, quint16(Document::RichText));
+                QCOMPARE(describe(sample.document.root()), deleteAfter ? QString::fromLatin1(leftAfterDelete) : before);
+            }
+        }
+    }
 
-void TestItemExport::choices_data()
-{
-    QTest::addColumn<int>("choice");
-    QTest::addColumn<QString>("current");
-    QTest::addColumn<QStringList>("selection");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QString>("exported");
-    QTest::addColumn<QString>("leftAfterDelete");
-
-    QTest::newRow("completed only") << 0 << "" << QStringList() << 4 << "R(A1,A2a,B(B1))"
-                                    << "R(A(A1(A1x),A2),C)";
-    QTest::newRow("completed with hierarchy") << 1 << "" << QStringList() << 6 << "R(A(A1,A2(A2a)),B(B1))"
-                                              << "R(A(A1(A1x),A2),C)";
-    QTest::newRow("current branch") << 2 << "A" << QStringList() << 5 << "A(A1(A1x),A2(A2a))"
-                                    << "R(B(B1),C)";
-    QTest::newRow("root current") << 2 << "" << QStringList() << 8 << "R(A(A1(A1x),A2(A2a)),B(B1),C)"
-                                  << "R";
-    QTest::newRow("selected items") << 3 << "" << QStringList{"A2a", "C", "A2"} << 3 << "R(A2(A2a),C)"
-                                    << "R(A(A1(A1x)),B(B1))";
-    QTest::newRow("selected whole first branch") << 3 << "" << QStringList{"A", "A1", "A1x", "A2", "A2a"} << 5
-                                                 << "R(A(A1(A1x),A2(A2a)))" << "R(B(B1),C)";
-    QTest::newRow("selected parent without its child") << 3 << "" << QStringList{"A1"} << 1 << "R(A1)"
-                                                       << "R(A(A1(A1x),A2(A2a)),B(B1),C)";
-}
-
-void TestItemExport::choices()
-{
-    QFETCH(int, choice);
-    QFETCH(QString, current);
-    QFETCH(QStringList, selection);
-    QFETCH(int, count);
-    QFETCH(QString, exported);
-    QFETCH(QString, leftAfterDelete);
-
-    for (const bool deleteAfter : {false, true}) {
+    void copiesKeepTheirFieldsAndLinks()
+    {
         Sample sample;
-        if (!current.isEmpty())
-            sample.document.setCurrent(sample.item(current.toLatin1().constData()));
-        std::vector<Item *> picked;
-        for (const QString &name : std::as_const(selection))
-            picked.push_back(sample.item(name.toLatin1().constData()));
-        const QString before = describe(sample.document.root());
-
+        sample.item(QStringLiteral("B"))->setExpanded(true);
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("part.qbx"));
-        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), deleteAfter, picked, path),
-                 count);
+        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::CompletedOnly, false, {}, path), 4);
         Document back;
-        QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
-        QCOMPARE(describe(back.root()), exported);
-        QCOMPARE(back.noteType, quint16(Document::RichText));
-        QCOMPARE(describe(sample.document.root()), deleteAfter ? leftAfterDelete : before);
+        QCOMPARE(describeFile(path, &back), QStringLiteral("R(A1,A2a,B(B1))"));
+        const Item *b = Outline::find(back.root(), QStringLiteral("B"));
+        QVERIFY(b->isExpanded()); // its child came along
+        const Item *a2a = Outline::find(back.root(), QStringLiteral("A2a"));
+        QCOMPARE(a2a->created(), at(2021, 6, 7, 8, 9, 10));
+        // B was written too: its link leads to B's copy. C was not: a dead link.
+        const QStringList links = a2a->links();
+        QCOMPARE(links.size(), 3);
+        QCOMPARE(back.linkTarget(links[0]), b);
+        QCOMPARE(back.linkTarget(links[1]), nullptr);
+        QCOMPARE(links[2], QStringLiteral("http://x"));
     }
-}
 
-void TestItemExport::copiesKeepTheirFieldsAndLinks()
-{
-    Sample sample;
-    sample.item("B")->setExpanded(true);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("part.qbx"));
-    QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::CompletedOnly, false, {}, path), 4);
-    Document back;
-    QCOMPARE(DocumentFile::load(path, &back), DocumentFile::Loaded);
-    QVERIFY(find(back.root(), QStringLiteral("B"))->isExpanded()); // its child came along
-    const Item *a2a = find(back.root(), QStringLiteral("A2a"));
-    QVERIFY(a2a);
-    QCOMPARE(a2a->category(), QStringLiteral("Work"));
-    QCOMPARE(a2a->note(), QByteArray("{\\rtf1 note}"));
-    QCOMPARE(a2a->created(), at(2021, 6, 7, 8, 9, 10));
-    const QStringList links = a2a->links();
-    QCOMPARE(links.size(), 3);
-    // B was written too: its link leads to B's copy. C was not: a dead link.
-    QCOMPARE(back.linkTarget(links[0]), find(back.root(), QStringLiteral("B")));
-    QCOMPARE(back.linkTarget(links[1]), nullptr);
-    QCOMPARE(links[2], QStringLiteral("http://x"));
-}
-
-void TestItemExport::failureDeletesNothing()
-{
-    for (int choice = 0; choice < 4; ++choice) {
-        Sample sample;
-        sample.document.setCurrent(sample.item("B"));
-        const QString before = describe(sample.document.root());
+    void nothingToExport()
+    {
+        Document document;
+        document.root()->appendChild(new Item(QStringLiteral("open task")));
         QTemporaryDir dir;
-        QCOMPARE(ItemExport::exportItems(sample.document, ItemExport::Choice(choice), true, {sample.item("C")},
-                                         dir.filePath(QStringLiteral("missing/part.qbx"))),
-                 ItemExport::Failed);
-        QCOMPARE(describe(sample.document.root()), before);
+        const QString path = dir.filePath(QStringLiteral("part.qbx"));
+        QCOMPARE(ItemExport::exportItems(document, ItemExport::CompletedOnly, true, {}, path), 0);
+        QCOMPARE(document.root()->childCount(), 1);
+        Document empty;
+        QCOMPARE(ItemExport::exportItems(empty, ItemExport::CurrentBranch, true, {}, path), 0);
+        QVERIFY(!QFile::exists(path));
     }
-
-    // Nothing to export: no file, and nothing deleted.
-    Document document;
-    document.root()->appendChild(new Item(QStringLiteral("open task")));
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("part.qbx"));
-    QCOMPARE(ItemExport::exportItems(document, ItemExport::CompletedOnly, true, {}, path), 0);
-    QVERIFY(!QFile::exists(path));
-    QCOMPARE(document.root()->childCount(), 1);
-    Document empty;
-    QCOMPARE(ItemExport::exportItems(empty, ItemExport::CurrentBranch, true, {}, path), 0);
-    QVERIFY(!QFile::exists(path));
-}
+};
 
 QTEST_GUILESS_MAIN(TestItemExport)
 #include "tst_itemexport.moc"

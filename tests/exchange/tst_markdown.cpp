@@ -2,7 +2,6 @@
 #include "exchange/markdownimport.h"
 #include "support/exchangetest.h"
 #include "support/treesummary.h"
-#include "model/document.h"
 #include "tools/documentgenerator.h"
 
 #include <QBuffer>
@@ -13,24 +12,8 @@ namespace {
 
 using namespace ExchangeTest;
 
-QByteArray writeBytes(const TreeNode *root, quint16 noteType)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    if (MarkdownExport::write(buffer, root, {noteType}) != MarkdownExport::Result::Ok)
-        return QByteArray("(failed)");
-    return buffer.data();
-}
-
 // What the Markdown keeps of a tree: the shape, names, status, links and notes.
-TreeSummary::Keep markdownKeeps()
-{
-    TreeSummary::Keep keep;
-    keep.priority = false;
-    keep.category = false;
-    keep.due = false;
-    return keep;
-}
+const TreeSummary::Keep MarkdownKeeps{false, false, false};
 
 Item *item(TreeNode *parent, const QString &name, quint16 status = Item::CheckBox, quint16 progress = 0)
 {
@@ -41,18 +24,7 @@ Item *item(TreeNode *parent, const QString &name, quint16 status = Item::CheckBo
     return made;
 }
 
-void generate(Document *document, int items, bool chain, quint16 noteType, quint32 seed)
-{
-    DocumentGenerator::Options options;
-    options.items = items;
-    options.chain = chain;
-    options.noteType = noteType;
-    options.seed = seed;
-    DocumentGenerator::generate(document, options);
-}
-
-// Names and notes full of what Markdown would read as syntax, nested, with
-// every status.
+// Names and notes full of what Markdown would read as syntax, nested, with every status.
 void trickyDocument(Document *document)
 {
     document->root()->setName(QStringLiteral("Title #"));
@@ -79,136 +51,94 @@ void trickyDocument(Document *document)
 class TestMarkdown : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void exportWritesTheTree();
-    void refusesWhatIsTooDeep();
-    void importsWhatOthersWrite_data();
-    void importsWhatOthersWrite();
-    void roundTrip_data();
-    void roundTrip();
+    void exportWritesTheTree()
+    {
+        TreeNode root(QStringLiteral("Plans # 1"));
+        Item *a = item(&root, QStringLiteral("1. *not* a [list]"), Item::CheckBox, 100);
+        a->setNote(note(u"first line\r\n  indented\r\n\r\nsecond paragraph"));
+        a->setLinks(
+            {QStringLiteral("!3"), QStringLiteral("https://example.org/a b"), QStringLiteral("C:\\docs\\x.doc")});
+        item(a, QStringLiteral("- dash"), Item::NoStatus);
+        Item *c = item(a, QStringLiteral(" padded \t"), Item::ProgressBar, 40);
+        item(c, QStringLiteral("<b>&amp;</b> ~x~ | `c` _u_"));
+        item(&root, QString(), Item::NoStatus)->setNote(note(u"n"));
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        QCOMPARE(MarkdownExport::write(buffer, &root, {0}), MarkdownExport::Result::Ok);
+        QCOMPARE(buffer.data(),
+                 QByteArray("# Plans \\# 1\n\n- [x] 1\\. \\*not\\* a \\[list\\] [https://example.org/a b](<https://"
+                            "example.org/a b>) [C:\\\\docs\\\\x.doc](<C:\\\\docs\\\\x.doc>)\n\n  first line\\\n"
+                            "  &#32;&#32;indented\n\n  second paragraph\n  - \\- dash\n  - [40%] &#32;padded&#32;&#9;\n"
+                            "    - [ ] \\<b\\>\\&amp;\\</b\\> \\~x\\~ \\| \\`c\\` \\_u\\_\n- <span></span>\n\n  n\n"));
+    }
+
+    void refusesWhatIsTooDeep()
+    {
+        Document document;
+        DocumentGenerator::generate(&document, {MarkdownExport::MaxDepth + 1, 1, true});
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("deep.md"));
+        QCOMPARE(MarkdownExport::exportMarkdown(path, document.root(), {}), MarkdownExport::Result::TooDeep);
+        QVERIFY(!QFile::exists(path));
+    }
+
+    void importsWhatOthersWrite()
+    {
+        // The root's name and the items.
+        const std::tuple<QByteArray, const char *> cases[] = {
+            {"* a\n\t* b\n\t\t+ c\n- d\n", "Root\n1 a[-]\n2 b[-]\n3 c[-]\n1 d[-]\n"},
+            {"1. one\n2. two\n   1) sub\n10. ten\n", "Root\n1 one[-]\n1 two[-]\n2 sub[-]\n1 ten[-]\n"},
+            {"- \\[ ] first line\n- [ ] open\n- [x] done\n- [X] Done\n- [40%] part\n- [y] not a box\n- \\[x] escaped\n"
+             "- [100%]\n- [x]tight\n",
+             "Root\n1 [ ] first line[-]\n1 open\n1 done[x]\n1 Done[x]\n1 part[40%]\n1 [y] not a box[-]\n"
+             "1 [x] escaped[-]\n1 [100%]\n1 [x]tight[-]\n"},
+            {"# Project\n\nIntro text.\n\n## Phase 1\n\n- [ ] task\n\n### Detail\n\nSome notes\nover two lines.\n\n"
+             "## Phase 2\n",
+             "Project\n1 Intro text.[-]\n1 Phase 1[-]\n2 task\n2 Detail[-]{Some notes\nover two lines.}\n"
+             "1 Phase 2[-]\n"},
+            // No heading ranks above the others.
+            {"# A\n- x\n# B\n- y\n", "Root\n1 A[-]\n2 x[-]\n1 B[-]\n2 y[-]\n"},
+            // What follows an item's name is its note.
+            {"- item\n\n  first para\n  continues\n\n  > quoted\n\n      code  line\n\n  - child\n",
+             "Root\n1 item[-]{first para\ncontinues\n\nquoted\n\ncode  line}\n2 child[-]\n"},
+            {"- [Docs](https://d.example.org) and <https://x.example.org>\n\n  See [the wiki](wiki.md).\n",
+             "Root\n1 Docs and[-]<https://d.example.org><https://x.example.org><wiki.md>{See the wiki.}\n"},
+            {"- **Bold** _it_ `a*b` <b>&eacute;</b>\n", "Root\n1 Bold it a*b é[-]\n"},
+            {"\xef\xbb\xbfJust a line\nand another\n", "Root\n1 Just a line and another[-]\n"},
+            {"", "Root\n"},
+        };
+        for (const auto &[markdown, expected] : cases) {
+            TreeNode root;
+            QCOMPARE(MarkdownImport::read(markdown, &root, {}), MarkdownImport::Result::Ok);
+            QCOMPARE(root.name() + '\n' + TreeSummary::of(&root, 0), QString::fromUtf8(expected));
+        }
+    }
+
+    void roundTrip()
+    {
+        // No items: names that look like Markdown.
+        const DocumentGenerator::Options cases[] = {
+            {3000}, {800, 9, false, 2}, {MarkdownExport::MaxDepth, 3, true}, {0}};
+        for (const DocumentGenerator::Options &options : cases) {
+            const quint16 noteType = options.noteType;
+            Document original;
+            if (options.items > 0)
+                DocumentGenerator::generate(&original, options);
+            else
+                trickyDocument(&original);
+            QTemporaryDir dir;
+            const QString path = dir.filePath(QStringLiteral("Outline.md"));
+            QCOMPARE(MarkdownExport::exportMarkdown(path, original.root(), {noteType}), MarkdownExport::Result::Ok);
+            Document copy;
+            QCOMPARE(MarkdownImport::importDocument(path, {noteType, 812}, &copy), MarkdownImport::Result::Ok);
+            QCOMPARE(copy.path, dir.filePath(QStringLiteral("Outline.qbx")));
+            QCOMPARE(copy.root()->name(), original.root()->name());
+            const QString expected = TreeSummary::of(original.root(), noteType, MarkdownKeeps);
+            QVERIFY(expected.contains(QLatin1Char('{')));
+            QCOMPARE(TreeSummary::of(copy.root(), noteType, MarkdownKeeps), expected);
+        }
+    }
 };
-
-void TestMarkdown::exportWritesTheTree()
-{
-    TreeNode root(QStringLiteral("Plans # 1"));
-    Item *a = item(&root, QStringLiteral("1. *not* a [list]"), Item::CheckBox, 100);
-    a->setNote(note(u"first line\r\n  indented\r\n\r\nsecond paragraph"));
-    a->setLinks({QStringLiteral("!3"), QStringLiteral("https://example.org/a b"), QStringLiteral("C:\\docs\\x.doc")});
-    item(a, QStringLiteral("- dash"), Item::NoStatus);
-    Item *c = item(a, QStringLiteral(" padded \t"), Item::ProgressBar, 40);
-    item(c, QStringLiteral("<b>&amp;</b> ~x~ | `c` _u_"));
-    item(&root, QString(), Item::NoStatus)->setNote(note(u"n"));
-
-    QCOMPARE(writeBytes(&root, 0),
-             QByteArray("# Plans \\# 1\n"
-                        "\n"
-                        "- [x] 1\\. \\*not\\* a \\[list\\] [https://example.org/a b](<https://example.org/a b>) "
-                        "[C:\\\\docs\\\\x.doc](<C:\\\\docs\\\\x.doc>)\n"
-                        "\n"
-                        "  first line\\\n"
-                        "  &#32;&#32;indented\n"
-                        "\n"
-                        "  second paragraph\n"
-                        "  - \\- dash\n"
-                        "  - [40%] &#32;padded&#32;&#9;\n"
-                        "    - [ ] \\<b\\>\\&amp;\\</b\\> \\~x\\~ \\| \\`c\\` \\_u\\_\n"
-                        "- <span></span>\n"
-                        "\n"
-                        "  n\n"));
-}
-
-void TestMarkdown::refusesWhatIsTooDeep()
-{
-    Document document;
-    generate(&document, MarkdownExport::MaxDepth + 1, true, 0, 1);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("deep.md"));
-    QCOMPARE(MarkdownExport::exportMarkdown(path, document.root(), {}), MarkdownExport::Result::TooDeep);
-    QVERIFY(!QFile::exists(path));
-}
-
-void TestMarkdown::importsWhatOthersWrite_data()
-{
-    QTest::addColumn<QByteArray>("markdown");
-    QTest::addColumn<QString>("rootName");
-    QTest::addColumn<QString>("summary");
-
-    QTest::newRow("every bullet, tab indents")
-        << QByteArray("* a\n\t* b\n\t\t+ c\n- d\n") << "Root" << "1 a[-]\n2 b[-]\n3 c[-]\n1 d[-]\n";
-    QTest::newRow("ordered lists") << QByteArray("1. one\n2. two\n   1) sub\n10. ten\n") << "Root"
-                                   << "1 one[-]\n1 two[-]\n2 sub[-]\n1 ten[-]\n";
-    QTest::newRow("check boxes and progress")
-        << QByteArray("- \\[ ] first line\n- [ ] open\n- [x] done\n- [X] Done\n- [40%] part\n- [y] not a box\n"
-                      "- \\[x] escaped\n- [100%]\n- [x]tight\n")
-        << "Root"
-        << "1 [ ] first line[-]\n1 open\n1 done[x]\n1 Done[x]\n1 part[40%]\n1 [y] not a box[-]\n1 [x] escaped[-]\n"
-           "1 [100%]\n1 [x]tight[-]\n";
-    QTest::newRow("headings are levels")
-        << QByteArray("# Project\n\nIntro text.\n\n## Phase 1\n\n- [ ] task\n\n### Detail\n\nSome notes\nover two "
-                      "lines.\n\n## Phase 2\n")
-        << "Project"
-        << "1 Intro text.[-]\n1 Phase 1[-]\n2 task\n2 Detail[-]{Some notes\nover two lines.}\n1 Phase 2[-]\n";
-    QTest::newRow("no heading ranks above the others")
-        << QByteArray("# A\n- x\n# B\n- y\n") << "Root" << "1 A[-]\n2 x[-]\n1 B[-]\n2 y[-]\n";
-    QTest::newRow("what follows an item's name is its note")
-        << QByteArray("- item\n\n  first para\n  continues\n\n  > quoted\n\n      code  line\n\n  - child\n")
-        << "Root" << "1 item[-]{first para\ncontinues\n\nquoted\n\ncode  line}\n2 child[-]\n";
-    QTest::newRow("links")
-        << QByteArray("- [Docs](https://d.example.org) and <https://x.example.org>\n\n  See [the wiki](wiki.md).\n")
-        << "Root" << "1 Docs and[-]<https://d.example.org><https://x.example.org><wiki.md>{See the wiki.}\n";
-    QTest::newRow("inline markup is text") << QByteArray("- **Bold** _it_ `a*b` <b>&eacute;</b>\n") << "Root"
-                                           << QString::fromUtf8("1 Bold it a*b é[-]\n");
-    QTest::newRow("text outside any item")
-        << QByteArray("\xef\xbb\xbfJust a line\nand another\n") << "Root" << "1 Just a line and another[-]\n";
-    QTest::newRow("empty file") << QByteArray() << "Root" << QString();
-}
-
-void TestMarkdown::importsWhatOthersWrite()
-{
-    QFETCH(QByteArray, markdown);
-    QFETCH(QString, rootName);
-    QFETCH(QString, summary);
-    TreeNode root;
-    QCOMPARE(MarkdownImport::read(markdown, &root, {}), MarkdownImport::Result::Ok);
-    QCOMPARE(root.name(), rootName);
-    QCOMPARE(TreeSummary::of(&root, 0), summary);
-}
-
-void TestMarkdown::roundTrip_data()
-{
-    QTest::addColumn<int>("items");
-    QTest::addColumn<bool>("chain");
-    QTest::addColumn<quint16>("noteType");
-    QTest::addColumn<quint32>("seed");
-
-    QTest::newRow("tree, plain notes") << 3000 << false << quint16(0) << 1u;
-    QTest::newRow("tree, rich text notes") << 800 << false << quint16(2) << 9u;
-    QTest::newRow("chain") << MarkdownExport::MaxDepth << true << quint16(0) << 3u;
-    QTest::newRow("names that look like Markdown") << 0 << false << quint16(0) << 0u;
-}
-
-void TestMarkdown::roundTrip()
-{
-    QFETCH(int, items);
-    QFETCH(bool, chain);
-    QFETCH(quint16, noteType);
-    QFETCH(quint32, seed);
-    Document original;
-    if (items > 0)
-        generate(&original, items, chain, noteType, seed);
-    else
-        trickyDocument(&original);
-
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("Outline.md"));
-    QCOMPARE(MarkdownExport::exportMarkdown(path, original.root(), {noteType}), MarkdownExport::Result::Ok);
-    Document copy;
-    QCOMPARE(MarkdownImport::importDocument(path, {noteType, 812}, &copy), MarkdownImport::Result::Ok);
-    QCOMPARE(copy.path, dir.filePath(QStringLiteral("Outline.qbx")));
-    QCOMPARE(copy.root()->name(), original.root()->name());
-    const QString expected = TreeSummary::of(original.root(), noteType, markdownKeeps());
-    QVERIFY(expected.contains(QLatin1Char('{')));
-    QCOMPARE(TreeSummary::of(copy.root(), noteType, markdownKeeps()), expected);
-}
 
 QTEST_GUILESS_MAIN(TestMarkdown)
 #include "tst_markdown.moc"

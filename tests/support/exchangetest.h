@@ -1,21 +1,19 @@
 #pragma once
 
-#include "model/item.h"
+#include "model/document.h"
+#include "storage/documentfile.h"
 
 #include <QFile>
 
-// Small helpers the exchange suites share: hand-written UTF-16 bytes, a
-// file's bytes, an outline on one line and a fixed time.
+// Helpers of the exchange suites: UTF-16 bytes, files, an outline on one line, a fixed time.
 namespace ExchangeTest {
 
 // UTF-16LE bytes of a text, unit by unit, without a terminator.
 inline QByteArray le(const char16_t *text)
 {
     QByteArray bytes;
-    for (const char16_t *p = text; *p; ++p) {
-        bytes += char(*p & 0xff);
-        bytes += char(*p >> 8);
-    }
+    for (const char16_t *p = text; *p; ++p)
+        bytes += QByteArray(1, char(*p & 0xff)) + char(*p >> 8);
     return bytes;
 }
 
@@ -31,29 +29,32 @@ inline QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
 }
 
+inline bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
 // "R(a(b),c)": the outline as one line, to compare with a hand-written one.
 inline QString describe(const TreeNode *node)
 {
     QString out = node->name();
-    if (node->hasChildren()) {
-        out += QLatin1Char('(');
-        for (int i = 0; i < node->childCount(); ++i)
-            out += (i ? QStringLiteral(",") : QString()) + describe(node->child(i));
-        out += QLatin1Char(')');
-    }
-    return out;
+    for (int i = 0; i < node->childCount(); ++i)
+        out += (i ? QStringLiteral(",") : QStringLiteral("(")) + describe(node->child(i));
+    return node->hasChildren() ? out + QLatin1Char(')') : out;
+}
+
+inline QString describeFile(const QString &path, Document *document = nullptr)
+{
+    Document local;
+    Document *loaded = document ? document : &local;
+    const DocumentFile::LoadResult result = DocumentFile::load(path, loaded);
+    return result == DocumentFile::Loaded ? describe(loaded->root()) : QStringLiteral("(load %1)").arg(int(result));
 }
 
 inline SystemTime at(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
 {
-    SystemTime t;
-    t.year = quint16(year);
-    t.month = quint16(month);
-    t.day = quint16(day);
-    t.hour = quint16(hour);
-    t.minute = quint16(minute);
-    t.second = quint16(second);
-    return t;
+    return SystemTime{quint16(year), quint16(month), 0, quint16(day), quint16(hour), quint16(minute), quint16(second)};
 }
 
 } // namespace ExchangeTest

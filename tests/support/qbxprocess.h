@@ -4,45 +4,49 @@
 #include <QMap>
 #include <QProcess>
 #include <QStringList>
+#include <QTest>
 #include <functional>
 #include <vector>
 
-// Runs the qbx program of this build in a fixed locale, so collation and long
-// dates are known, and with the settings of a store of the test's own when
-// one is named, never the user's.
+// qbx of this build in a fixed locale, with the settings of the test's own store when one is named.
 struct QbxRun {
     int status = -1;
     QByteArray out;
     QByteArray err;
     QString text() const { return QString::fromUtf8(out); }
     QString error() const { return QString::fromUtf8(err); }
+    bool operator==(const QbxRun &other) const = default;
 };
+
+// The runs a test expects: what a command prints, or why it refused.
+inline const auto printed = [](const QByteArray &out, int status = 0) { return QbxRun{status, out, {}}; };
+inline const auto refused = [](int status, const QByteArray &err) { return QbxRun{status, {}, err}; };
+
+inline char *toString(const QbxRun &run)
+{
+    return QTest::toString(
+        QStringLiteral("status %1, out \"%2\", error \"%3\"").arg(run.status).arg(run.text(), run.error()));
+}
 
 struct QbxOptions {
     QByteArray input;
     QString standardOutputFile;
-    QString configHome;
     QMap<QString, QString> environment;
 };
 
-inline QString qbxProgram()
-{
-    return QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
-}
+inline const QString QbxProgram = QStringLiteral(QUILLBOX_BINARY_DIR "/qbx");
 
 inline void startQbx(QProcess &process, const QStringList &arguments, const QbxOptions &options = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
     environment.insert(QStringLiteral("LANG"), QStringLiteral("en_US.UTF-8"));
-    if (!options.configHome.isEmpty())
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), options.configHome);
     for (auto it = options.environment.begin(); it != options.environment.end(); ++it)
         environment.insert(it.key(), it.value());
     process.setProcessEnvironment(environment);
     if (!options.standardOutputFile.isEmpty())
         process.setStandardOutputFile(options.standardOutputFile);
-    process.start(qbxProgram(), arguments);
+    process.start(QbxProgram, arguments);
     if (process.waitForStarted()) {
         process.write(options.input);
         process.closeWriteChannel();
@@ -81,8 +85,7 @@ inline QString writeBytes(const QString &path, const QByteArray &bytes)
     return path;
 }
 
-// The qbx suites are one program: each suite's file registers its class, and
-// the runner runs them in turn.
+// The qbx suites are one program: each suite's file registers its class, and the runner runs them in turn.
 namespace QbxSuites {
 using Make = std::function<QObject *()>;
 inline std::vector<Make> &all()
