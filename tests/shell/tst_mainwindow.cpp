@@ -1,46 +1,31 @@
-#include "model/document.h"
-#include "model/item.h"
 #include "noteeditor/notepane.h"
 #include "notes/notetext.h"
 #include "platform/messages.h"
-#include "shell/app/mainwindow.h"
 #include "shell/app/singleinstance.h"
-#include "shell/document/documentview.h"
 #include "shell/document/quickentrybar.h"
-#include "shell/document/treepane.h"
-#include "storage/documentfile.h"
-#include "support/scriptedprompts.h"
 #include "support/shellfixture.h"
 
-#include <QAction>
 #include <QComboBox>
-#include <QDialog>
-#include <QDir>
-#include <QImage>
-#include <QPalette>
 #include <QFileInfo>
+#include <QImage>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QSettings>
 #include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QThread>
 #include <QTreeWidget>
 
 namespace {
 
-QString writeDocument(const QString &path, const QStringList &names)
+QString write(const QString &path, const QStringList &names)
 {
     Document doc;
     for (const QString &name : names)
-        doc.root()->appendChild(new Item(name));
+        add(doc.root(), name);
     doc.path = path;
-    if (!DocumentFile::save(doc))
-        qFatal("cannot write %s", qPrintable(path));
-    return path;
+    return DocumentFile::save(doc) ? path : QString();
 }
 
 QStringList namesOnDisk(const QString &path, QByteArray *firstNote = nullptr)
@@ -57,219 +42,27 @@ QStringList namesOnDisk(const QString &path, QByteArray *firstNote = nullptr)
     return names;
 }
 
-} // namespace
+// The fixture's folder holds Alpha.qbx (one, two) and Beta.qbx (three).
+struct Fixture : ShellFixture {
+    QString alpha = write(dir.filePath(QStringLiteral("Alpha.qbx")), {"one", "two"});
+    QString beta = write(dir.filePath(QStringLiteral("Beta.qbx")), {"three"});
+    QString settingsFile = dir.filePath(QStringLiteral("settings.ini"));
 
-class TestMainWindow : public QObject {
-    Q_OBJECT
-private Q_SLOTS:
-    void init();
-    void cleanup();
-    void startAndCloseFollowDefFile();
-    void loadFailureShowsItsMessage();
-    void createAndSaveAs();
-    void saveFailureKeepsTheDocumentOpen();
-    void saveOnDeactivation();
-    void handOverFromASecondInstance();
-    void openAndRecentDocuments();
-    void menusFollowTheState();
-    void ctrlASelectsAllInTextAndIsAboutElsewhere();
-    void onlyAChangeIsWritten();
-    void treeKeys();
-    void followsTheFile();
-    void rowsFollowThePalette();
-
-private:
-    MainWindow *makeWindow();
-    QString docPath(const QString &name) const { return m_dir->filePath(name); }
-
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<ScriptedPrompts> m_prompts;
-    std::unique_ptr<MainWindow> m_window;
+    MainWindow *start(const QString &path)
+    {
+        MainWindow *w = restart(path);
+        w->resize(800, 600);
+        w->show();
+        return w;
+    }
+    MainWindow *startActive(const QString &path)
+    {
+        MainWindow *w = start(path);
+        QApplication::setActiveWindow(w);
+        return QTest::qWaitForWindowActive(w) ? w : nullptr;
+    }
 };
 
-void TestMainWindow::init()
-{
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
-    m_prompts = std::make_unique<ScriptedPrompts>();
-    writeDocument(docPath(QStringLiteral("Alpha.qbx")), {QStringLiteral("one"), QStringLiteral("two")});
-    writeDocument(docPath(QStringLiteral("Beta.qbx")), {QStringLiteral("three")});
-}
-
-void TestMainWindow::cleanup()
-{
-    m_window.reset();
-    m_prompts.reset();
-    m_dir.reset();
-}
-
-MainWindow *TestMainWindow::makeWindow()
-{
-    ShellEnvironment env;
-    env.documentsFolder = m_dir->path();
-    env.settingsFile = docPath(QStringLiteral("settings.ini"));
-    env.prompts = m_prompts.get();
-    m_window = std::make_unique<MainWindow>(env);
-    m_window->resize(800, 600);
-    m_window->show();
-    return m_window.get();
-}
-
-void TestMainWindow::startAndCloseFollowDefFile()
-{
-    // First start: no DefFile, the list shows the documents folder's files.
-    MainWindow *w = makeWindow();
-    w->start(QString());
-    QVERIFY(!w->view());
-    QCOMPARE(w->documentList()->topLevelItemCount(), 2);
-    QCOMPARE(w->documentList()->topLevelItem(0)->text(0), QStringLiteral("Alpha"));
-    QCOMPARE(w->windowTitle(), QStringLiteral("Quillbox"));
-
-    // A command-line path opens and becomes DefFile, which exiting keeps.
-    w = makeWindow();
-    w->start(docPath(QStringLiteral("Beta.qbx")));
-    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
-    QCOMPARE(w->windowTitle(), QStringLiteral("Beta - Quillbox"));
-    // A first start hides the quick entry bar; showing it is saved at once (Flags bit 2).
-    QVERIFY(!w->view()->isQuickEntryVisible());
-    run(w, "actionQuickEntryBar");
-    QCOMPARE(QSettings(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat).value("Flags").toUInt(), 7u);
-    QVERIFY(w->close());
-
-    // The next start opens DefFile with the bar; closing back to the list empties DefFile and selects the
-    // closed file.
-    w = makeWindow();
-    w->start(QString());
-    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
-    QVERIFY(w->view()->isQuickEntryVisible());
-    run(w, "actionCloseDocument");
-    QVERIFY(!w->view());
-    QCOMPARE(w->documentList()->currentItem()->text(0), QStringLiteral("Beta"));
-    QSettings store(docPath(QStringLiteral("settings.ini")), QSettings::IniFormat);
-    Settings settings;
-    settings.load(store);
-    QCOMPARE(settings.defFile, QString());
-}
-
-void TestMainWindow::loadFailureShowsItsMessage()
-{
-    // Which message goes with which failure is the file format's (and the qbx suite's) check.
-    const QByteArray bytes("\x27\x02\x00\x00garbage", 11);
-    const QString path = docPath(QStringLiteral("Broken.qbx"));
-    QFile broken(path);
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    broken.write(bytes);
-    broken.close();
-    MainWindow *w = makeWindow();
-    w->start(QString());
-    QVERIFY(!w->openDocument(path));
-    QVERIFY(!w->view());
-    QCOMPARE(m_prompts->shown.size(), 1);
-    QCOMPARE(m_prompts->shown.first().icon, Prompts::Icon::Stop);
-    QCOMPARE(m_prompts->shown.first().text, QString::fromLatin1(Messages::LoadDamaged));
-    // The file on disk is left as it was.
-    QVERIFY(broken.open(QIODevice::ReadOnly));
-    QCOMPARE(broken.readAll(), bytes);
-}
-
-void TestMainWindow::createAndSaveAs()
-{
-    MainWindow *w = makeWindow();
-    w->start(QString());
-    // Cancelling the note type question creates nothing.
-    m_prompts->fileNames.enqueue(docPath(QStringLiteral("Fresh")));
-    QVERIFY(!w->createDocument());
-    QVERIFY(!QFile::exists(docPath(QStringLiteral("Fresh.qbx"))));
-
-    m_prompts->fileNames.enqueue(docPath(QStringLiteral("Fresh")));
-    m_prompts->noteTypes.enqueue(Document::RichText);
-    run(w, "actionNewDocument");
-    QVERIFY(w->view());
-    QCOMPARE(w->view()->document()->noteType, quint16(Document::RichText));
-    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Fresh.qbx")));
-    QVERIFY(QFile::exists(docPath(QStringLiteral("Fresh.qbx"))));
-
-    w->view()->insertNewItem(new Item(QStringLiteral("New Item")), InsertPosition::Top);
-    m_prompts->fileNames.enqueue(docPath(QStringLiteral("Copy.qbx")));
-    run(w, "actionSaveAs");
-    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Copy.qbx")));
-    QVERIFY(w->windowTitle().startsWith(QStringLiteral("Copy - ")));
-    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Copy.qbx"))), QStringList({QStringLiteral("New Item")}));
-}
-
-void TestMainWindow::saveFailureKeepsTheDocumentOpen()
-{
-    MainWindow *w = makeWindow();
-    w->start(docPath(QStringLiteral("Alpha.qbx")));
-    const QString gone = docPath(QStringLiteral("no-such-folder/Alpha.qbx"));
-    w->view()->document()->path = gone;
-    run(w, "actionSave");
-    QCOMPARE(m_prompts->shown.size(), 1);
-    QCOMPARE(m_prompts->shown.first().icon, Prompts::Icon::Stop);
-    QVERIFY(m_prompts->shown.first().text.contains(QDir::toNativeSeparators(gone)));
-
-    // Closing asks: no Save As and no Discard keeps the document open.
-    m_prompts->yesNo.clear();
-    m_prompts->yesNo << false << false;
-    run(w, "actionCloseDocument");
-    QVERIFY(w->view());
-    // Save As writes it elsewhere and closes it.
-    const QString elsewhere = docPath(QStringLiteral("Elsewhere.qbx"));
-    m_prompts->yesNo.clear();
-    m_prompts->yesNo << true;
-    m_prompts->fileNames.clear();
-    m_prompts->fileNames << elsewhere;
-    run(w, "actionCloseDocument");
-    QVERIFY(!w->view());
-    QCOMPARE(namesOnDisk(elsewhere), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
-    QCOMPARE(w->recentDocuments().first(), elsewhere);
-
-    // Discard lets it go without writing: quitting is always possible.
-    QVERIFY(w->openDocument(elsewhere));
-    w->view()->document()->path = gone;
-    m_prompts->yesNo.clear();
-    m_prompts->yesNo << false << true;
-    run(w, "actionCloseDocument");
-    QVERIFY(!w->view());
-    QVERIFY(!QFileInfo::exists(gone));
-}
-
-void TestMainWindow::saveOnDeactivation()
-{
-    MainWindow *w = makeWindow();
-    const QString path = docPath(QStringLiteral("Alpha.qbx"));
-    w->start(path);
-    QApplication::setActiveWindow(w);
-    QVERIFY(QTest::qWaitForWindowActive(w));
-    DocumentView *view = w->view();
-    QLineEdit *entry = view->quickEntryBar()->textBox()->lineEdit();
-    QTest::keyClicks(entry, QStringLiteral("three"));
-    QTest::keyClick(entry, Qt::Key_Return);
-    QTest::keyClicks(view->notePane()->plainEditor(), QStringLiteral("a note"));
-
-    // A dialog of the window takes the activation: nothing is written.
-    QDialog dialog(w);
-    dialog.show();
-    QApplication::setActiveWindow(&dialog);
-    QTRY_VERIFY(!w->isActiveWindow());
-    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
-    dialog.hide();
-    QApplication::setActiveWindow(w);
-    QTRY_VERIFY(w->isActiveWindow());
-
-    // Another application takes it: the selection and the note are committed and saved.
-    QApplication::setActiveWindow(nullptr);
-    QTRY_VERIFY(!w->isActiveWindow());
-    QByteArray note;
-    QCOMPARE(namesOnDisk(path, &note),
-             QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
-    QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("a note"));
-    Document reread;
-    QCOMPARE(DocumentFile::load(path, &reread), DocumentFile::Loaded);
-    QCOMPARE(reread.current()->name(), QStringLiteral("three"));
-}
-
-namespace {
 // The second start, run beside the first instance's event loop.
 class SecondStart : public QThread {
 public:
@@ -283,260 +76,386 @@ private:
     QString m_name;
     QString m_path;
 };
+
 } // namespace
 
-void TestMainWindow::handOverFromASecondInstance()
+// The frame: starting, opening, saving and closing documents without losing data, its keys, and Undo.
+class TestMainWindow : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void startAndCloseFollowDefFile();
+    void createOpenAndSaveAs();
+    void failuresLoseNothing();
+    void saveOnDeactivation();
+    void onlyAChangeIsWritten();
+    void followsTheFile();
+    void handOverFromASecondInstance();
+    void keys();
+    void commandsAreUndoneAsNamedSteps();
+    void rowsFollowThePalette();
+};
+
+void TestMainWindow::startAndCloseFollowDefFile()
 {
-    const QString name = QStringLiteral("quillbox-test-%1").arg(QCoreApplication::applicationPid());
-    SingleInstance first(name);
-    QVERIFY(first.listen());
-    MainWindow *w = makeWindow();
-    connect(&first, &SingleInstance::pathReceived, w, &MainWindow::handOver);
-    QSignalSpy raised(&first, &SingleInstance::raiseRequested);
-    w->start(docPath(QStringLiteral("Alpha.qbx")));
-    w->view()->quickEntryBar()->setText(QStringLiteral("added before"));
-    w->view()->quickEntryBar()->add();
+    // First start: no DefFile, the list shows the documents folder's files.
+    Fixture f;
+    MainWindow *w = f.start(QString());
+    QVERIFY(!w->view() && !enabled(w, "actionSave") && enabled(w, "actionRefresh"));
+    QCOMPARE(w->documentList()->topLevelItem(0)->text(0), QStringLiteral("Alpha"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Quillbox"));
 
-    SecondStart second(name, docPath(QStringLiteral("Beta.qbx")));
-    second.start();
-    QTRY_VERIFY(second.isFinished());
-    QVERIFY(second.handedOver);
-    QTRY_COMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
-    // The first document was saved before it was closed.
-    QCOMPARE(namesOnDisk(docPath(QStringLiteral("Alpha.qbx"))),
-             QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("added before")}));
+    // A command-line path opens and becomes DefFile; a first start hides the quick entry bar, showing it is saved.
+    w = f.start(f.beta);
+    QCOMPARE(w->windowTitle(), QStringLiteral("Beta - Quillbox"));
+    QVERIFY(!w->view()->isQuickEntryVisible() && !enabled(w, "actionRefresh"));
+    QVERIFY(run(w, "actionQuickEntryBar"));
+    QCOMPARE(QSettings(f.settingsFile, QSettings::IniFormat).value("Flags").toUInt(), 7u);
+    QVERIFY(w->close());
 
-    // Without a path the first instance only comes forward.
-    SecondStart bare(name, QString());
-    bare.start();
-    QTRY_VERIFY(bare.isFinished());
-    QVERIFY(bare.handedOver);
-    QTRY_COMPARE(raised.count(), 1);
-    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
-
-    // A path that does not open leaves the open document open.
-    m_prompts->shown.clear();
-    w->handOver(docPath(QStringLiteral("missing.qbx")));
-    QCOMPARE(m_prompts->shown.size(), 1);
-    QCOMPARE(w->view()->document()->path, docPath(QStringLiteral("Beta.qbx")));
-
-    // Nobody listening: the start goes on as the first instance.
-    QVERIFY(!SingleInstance(name + QStringLiteral("-none")).handOver(QStringLiteral("x"), 500));
+    // The next start opens DefFile with the bar; closing back to the list empties DefFile and selects the file.
+    w = f.start(QString());
+    QCOMPARE(w->view()->document()->path, f.beta);
+    QVERIFY(w->view()->isQuickEntryVisible());
+    QVERIFY(run(w, "actionCloseDocument"));
+    QCOMPARE(w->documentList()->currentItem()->text(0), QStringLiteral("Beta"));
+    QCOMPARE(QSettings(f.settingsFile, QSettings::IniFormat).value("DefFile").toString(), QString());
 }
 
-void TestMainWindow::openAndRecentDocuments()
+void TestMainWindow::createOpenAndSaveAs()
 {
-    MainWindow *w = makeWindow();
-    w->start(QString());
-    const QString alpha = docPath(QStringLiteral("Alpha.qbx"));
-    const QString beta = docPath(QStringLiteral("Beta.qbx"));
-    m_prompts->fileNames.clear();
-    m_prompts->fileNames << beta;
+    Fixture f;
+    MainWindow *w = f.start(QString());
+    const QString fresh = f.dir.filePath(QStringLiteral("Fresh.qbx"));
+    // Cancelling the note type question creates nothing.
+    f.prompts.fileNames << f.dir.filePath(QStringLiteral("Fresh")) << f.dir.filePath(QStringLiteral("Fresh"));
+    QVERIFY(!w->createDocument());
+    QVERIFY(!QFile::exists(fresh));
+    f.prompts.noteTypes.enqueue(Document::RichText);
+    QVERIFY(run(w, "actionNewDocument"));
+    QCOMPARE(f.document()->noteType, quint16(Document::RichText));
+    QCOMPARE(f.document()->path, fresh);
+    QVERIFY(QFile::exists(fresh));
+
+    w->view()->insertNewItem(new Item(QStringLiteral("New Item")), InsertPosition::Top);
+    const QString copy = f.dir.filePath(QStringLiteral("Copy.qbx"));
+    f.prompts.fileNames.enqueue(copy);
+    QVERIFY(run(w, "actionSaveAs"));
+    QVERIFY(w->windowTitle().startsWith(QStringLiteral("Copy - ")));
+    QCOMPARE(namesOnDisk(copy), QStringList{"New Item"});
+
+    // Open, and the recent list: newest first, ten at most, numbered 1 to 0.
+    f.prompts.fileNames.enqueue(f.beta);
     QVERIFY(run(w, "actionOpen"));
-    QCOMPARE(w->view()->document()->path, beta);
-    QVERIFY(w->openDocument(alpha));
-    QCOMPARE(w->recentDocuments(), QStringList({alpha, beta}));
+    QCOMPARE(f.document()->path, f.beta);
+    QVERIFY(w->openDocument(f.alpha));
+    QCOMPARE(w->recentDocuments().mid(0, 3), (QStringList{f.alpha, f.beta, copy}));
     auto *recent = w->menuBar()->findChild<QMenu *>(QStringLiteral("menuOpenRecent"));
-    QVERIFY(recent);
     Q_EMIT recent->aboutToShow();
-    QCOMPARE(recent->actions().size(), 2);
     QCOMPARE(recent->actions().at(1)->text(), QStringLiteral("&2 Beta.qbx"));
     recent->actions().at(1)->trigger();
-    QCOMPARE(w->view()->document()->path, beta);
-    QCOMPARE(w->recentDocuments(), QStringList({beta, alpha}));
+    QCOMPARE(f.document()->path, f.beta);
+    QCOMPARE(w->recentDocuments().first(), f.beta);
     for (int i = 0; i < 12; ++i)
-        w->addRecent(docPath(QStringLiteral("n%1.qbx").arg(i)));
+        w->addRecent(f.dir.filePath(QStringLiteral("n%1.qbx").arg(i)));
     QCOMPARE(w->recentDocuments().size(), 10);
-    QCOMPARE(w->recentDocuments().first(), docPath(QStringLiteral("n11.qbx")));
     Q_EMIT recent->aboutToShow();
     QCOMPARE(recent->actions().at(9)->text(), QStringLiteral("&0 n2.qbx"));
 }
 
-void TestMainWindow::menusFollowTheState()
+void TestMainWindow::failuresLoseNothing()
 {
-    MainWindow *w = makeWindow();
-    w->start(QString());
-    // The list: New, Refresh, About; nothing of a document.
-    QVERIFY(enabled(w, "actionRefresh"));
-    QVERIFY(!enabled(w, "actionSave"));
+    Fixture f;
+    MainWindow *w = f.start(QString());
+    // A file that does not load is reported and left as it was.
+    const QByteArray bytes("\x27\x02\x00\x00garbage", 11);
+    QFile broken(f.dir.filePath(QStringLiteral("Broken.qbx")));
+    QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write(bytes) == 11);
+    broken.close();
+    QVERIFY(!w->openDocument(broken.fileName()));
+    QVERIFY(!w->view());
+    QCOMPARE(f.shownTexts(), QStringList{Messages::LoadDamaged});
+    QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Stop);
+    QVERIFY(broken.open(QIODevice::ReadOnly));
+    QCOMPARE(broken.readAll(), bytes);
 
-    QVERIFY(w->openDocument(docPath(QStringLiteral("Alpha.qbx"))));
-    QVERIFY(enabled(w, "actionSave"));
-    QVERIFY(!enabled(w, "actionRefresh"));
-    QVERIFY(command(w, "actionDefaultView")->isChecked());
-    QVERIFY(command(w, "actionNoteWindow")->isChecked());
-    run(w, "actionShowStatistics");
-    QVERIFY(command(w, "actionShowStatistics")->isChecked());
+    // A failed save names the file and keeps the document open.
+    QVERIFY(w->openDocument(f.alpha));
+    const QString gone = f.dir.filePath(QStringLiteral("no-such-folder/Alpha.qbx"));
+    f.document()->path = gone;
+    f.prompts.shown.clear();
+    QVERIFY(run(w, "actionSave"));
+    QCOMPARE(f.prompts.shown.size(), 1);
+    QVERIFY(f.prompts.shown[0].text.contains(QDir::toNativeSeparators(gone)));
+    // Closing asks: no Save As and no Discard keeps it open; Save As writes it elsewhere and closes.
+    f.prompts.yesNo << false << false << true;
+    QVERIFY(run(w, "actionCloseDocument"));
+    QVERIFY(w->view());
+    const QString elsewhere = f.dir.filePath(QStringLiteral("Elsewhere.qbx"));
+    f.prompts.fileNames << elsewhere;
+    QVERIFY(run(w, "actionCloseDocument"));
+    QVERIFY(!w->view());
+    QCOMPARE(namesOnDisk(elsewhere), (QStringList{"one", "two"}));
+    QCOMPARE(w->recentDocuments().first(), elsewhere);
+    // Discard lets it go without writing: quitting is always possible.
+    QVERIFY(w->openDocument(elsewhere));
+    f.document()->path = gone;
+    f.prompts.yesNo << false << true;
+    QVERIFY(run(w, "actionCloseDocument"));
+    QVERIFY(!w->view());
+    QVERIFY(!QFileInfo::exists(gone));
 }
 
-void TestMainWindow::ctrlASelectsAllInTextAndIsAboutElsewhere()
+void TestMainWindow::saveOnDeactivation()
 {
-    MainWindow *w = makeWindow();
-    w->start(docPath(QStringLiteral("Alpha.qbx")));
-    QApplication::setActiveWindow(w);
-    QVERIFY(QTest::qWaitForWindowActive(w));
-    w->view()->treePane()->setCurrentRow(1);
-    QPlainTextEdit *editor = w->view()->notePane()->plainEditor();
-    editor->setFocus();
-    QTest::keyClicks(editor, QStringLiteral("text"));
-    QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(m_prompts->aboutShown, 0);
-    QCOMPARE(editor->textCursor().selectedText(), QStringLiteral("text"));
+    Fixture f;
+    MainWindow *w = f.startActive(f.alpha);
+    QVERIFY(w);
     QLineEdit *entry = w->view()->quickEntryBar()->textBox()->lineEdit();
-    entry->setFocus();
-    QTest::keyClicks(entry, QStringLiteral("abc"));
-    QTest::keyClick(entry, Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(entry->selectedText(), QStringLiteral("abc"));
-    QCOMPARE(m_prompts->aboutShown, 0);
-    w->view()->treePane()->setFocus();
-    QTest::keyClick(w->view()->treePane(), Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(m_prompts->aboutShown, 1);
+    QTest::keyClicks(entry, QStringLiteral("three"));
+    QTest::keyClick(entry, Qt::Key_Return);
+    QTest::keyClicks(w->view()->notePane()->plainEditor(), QStringLiteral("a note"));
+
+    // A dialog of the window takes the activation: nothing is written.
+    QDialog dialog(w);
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    QTRY_VERIFY(!w->isActiveWindow());
+    QCOMPARE(namesOnDisk(f.alpha), (QStringList{"one", "two"}));
+    dialog.hide();
+    QApplication::setActiveWindow(w);
+    QTRY_VERIFY(w->isActiveWindow());
+
+    // Another application takes it: the selection and the note are committed and saved.
+    QApplication::setActiveWindow(nullptr);
+    QTRY_VERIFY(!w->isActiveWindow());
+    QByteArray note;
+    QCOMPARE(namesOnDisk(f.alpha, &note), (QStringList{"one", "two", "three"}));
+    QCOMPARE(NoteText::fromPlainNote(note), QStringLiteral("a note"));
+    Document reread;
+    QCOMPARE(DocumentFile::load(f.alpha, &reread), DocumentFile::Loaded);
+    QCOMPARE(reread.current()->name(), QStringLiteral("three"));
 }
 
 void TestMainWindow::onlyAChangeIsWritten()
 {
-    MainWindow *w = makeWindow();
-    const QString path = docPath(QStringLiteral("Alpha.qbx"));
-    w->start(path);
+    Fixture f;
+    MainWindow *w = f.start(f.alpha);
     w->setAutosaveDelay(50);
     const QDateTime old = QDateTime::currentDateTime().addDays(-3);
-    auto age = [&path, &old] {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.setFileTime(old, QFileDevice::FileModificationTime));
+    auto age = [&] {
+        QFile file(f.alpha);
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(old, QFileDevice::FileModificationTime));
     };
     age();
     // Switching away with nothing changed leaves the file alone.
     w->saveOnDeactivation();
-    QCOMPARE(QFileInfo(path).lastModified(), old);
-    QCOMPARE(w->windowTitle(), QStringLiteral("Alpha - Quillbox"));
-
+    QCOMPARE(QFileInfo(f.alpha).lastModified(), old);
     // A change is marked in the title and written a moment later.
     w->view()->treePane()->setCurrentRow(1);
     QVERIFY(run(w, "actionMoveDown"));
     QCOMPARE(w->windowTitle(), QStringLiteral("*Alpha - Quillbox"));
-    QTRY_COMPARE(namesOnDisk(path), QStringList({QStringLiteral("two"), QStringLiteral("one")}));
+    QTRY_COMPARE(namesOnDisk(f.alpha), (QStringList{"two", "one"}));
     QTRY_COMPARE(w->windowTitle(), QStringLiteral("Alpha - Quillbox"));
-
     // Without the autosave it waits for a save.
     QVERIFY(run(w, "actionAutosave"));
     QVERIFY(!w->isAutosaveOn());
     age();
     QVERIFY(run(w, "actionMoveUp"));
     QTest::qWait(200);
-    QCOMPARE(QFileInfo(path).lastModified(), old);
+    QCOMPARE(QFileInfo(f.alpha).lastModified(), old);
     w->saveOnDeactivation();
-    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    QCOMPARE(namesOnDisk(f.alpha), (QStringList{"one", "two"}));
 }
 
-void TestMainWindow::treeKeys()
+void TestMainWindow::followsTheFile()
 {
-    MainWindow *w = makeWindow();
-    w->start(docPath(QStringLiteral("Alpha.qbx")));
+    Fixture f;
+    MainWindow *w = f.start(f.alpha);
     w->setAutosaveOn(false);
-    QApplication::setActiveWindow(w);
-    QVERIFY(QTest::qWaitForWindowActive(w));
-    TreePane *tree = w->view()->treePane();
-    Document *doc = w->view()->document();
-    tree->setFocus();
-    auto names = [doc] {
+    auto shownNames = [&f] {
         QStringList out;
-        doc->root()->forEachDescendant([&](Item *item) {
-            out.append(QString(item->level() > 1 ? "." : "") + item->name());
-        });
+        f.document()->root()->forEachDescendant([&](Item *item) { out.append(item->name()); });
         return out;
     };
-    TreeNode *two = doc->root()->child(1);
-    w->view()->refresh(two);
-    QTest::keyClick(tree, Qt::Key_Tab);
-    QCOMPARE(names(), QStringList({"one", ".two"}));
-    w->view()->refresh(two);
-    QTest::keyClick(tree, Qt::Key_Backtab, Qt::ShiftModifier);
-    QCOMPARE(names(), QStringList({"one", "two"}));
-    QTest::keyClick(tree, Qt::Key_Up, Qt::ControlModifier);
-    QCOMPARE(names(), QStringList({"two", "one"}));
-    QTest::keyClick(tree, Qt::Key_Down, Qt::ControlModifier);
-    QCOMPARE(names(), QStringList({"one", "two"}));
-    tree->setCurrentRow(1);
-    QTest::keyClick(tree, Qt::Key_End);
-    QCOMPARE(tree->currentNode(), doc->root()->child(1));
-    tree->setCurrentRow(0);
-    QTest::keyClick(tree, Qt::Key_PageDown);
-    QCOMPARE(tree->currentNode(), doc->root()->child(1));
+    // Our own save is no change from outside.
+    w->view()->insertNewItem(new Item(QStringLiteral("three")), InsertPosition::Top);
+    const Document *ours = f.document();
+    QVERIFY(run(w, "actionSave"));
+    QTest::qWait(600);
+    QVERIFY(f.prompts.shown.isEmpty());
+    QCOMPARE(f.document(), ours);
 
-    // Insert adds a child and names it in place; Enter in the editor ends
-    // the rename and adds nothing.
+    // Unchanged here: another program's version is shown.
+    QTest::qWait(20);
+    write(f.alpha, {"theirs"});
+    QTRY_COMPARE(shownNames(), QStringList{"theirs"});
+    QVERIFY(f.prompts.shown.isEmpty());
+
+    // Changed here: keeping ours writes it, theirs stays beside it.
+    w->view()->insertNewItem(new Item(QStringLiteral("mine")), InsertPosition::Top);
+    f.prompts.yesNo << false;
+    QTest::qWait(20);
+    write(f.alpha, {"theirs again"});
+    QTRY_COMPARE(f.prompts.shown.size(), 1);
+    QVERIFY(run(w, "actionSave"));
+    QCOMPARE(namesOnDisk(f.alpha), (QStringList{"theirs", "mine"}));
+    const QStringList conflicts = QDir(f.dir.path()).entryList({QStringLiteral("Alpha (conflict *).qbx")});
+    QCOMPARE(conflicts.size(), 1);
+    QCOMPARE(namesOnDisk(f.dir.filePath(conflicts.first())), QStringList{"theirs again"});
+}
+
+void TestMainWindow::handOverFromASecondInstance()
+{
+    Fixture f;
+    const QString name = QStringLiteral("quillbox-test-%1").arg(QCoreApplication::applicationPid());
+    SingleInstance first(name);
+    QVERIFY(first.listen());
+    MainWindow *w = f.start(f.alpha);
+    connect(&first, &SingleInstance::pathReceived, w, &MainWindow::handOver);
+    QSignalSpy raised(&first, &SingleInstance::raiseRequested);
+    w->view()->quickEntryBar()->setText(QStringLiteral("added before"));
+    w->view()->quickEntryBar()->add();
+
+    // The first document is saved before the handed path replaces it; without a path the window only comes forward.
+    for (const QString &path : {f.beta, QString()}) {
+        SecondStart second(name, path);
+        second.start();
+        QTRY_VERIFY(second.isFinished());
+        QVERIFY(second.handedOver);
+        QTRY_COMPARE(f.document()->path, f.beta);
+    }
+    QCOMPARE(namesOnDisk(f.alpha), (QStringList{"one", "two", "added before"}));
+    QTRY_COMPARE(raised.count(), 1);
+    // A path that does not open leaves the open document open.
+    w->handOver(f.dir.filePath(QStringLiteral("missing.qbx")));
+    QCOMPARE(f.prompts.shown.size(), 1);
+    QCOMPARE(f.document()->path, f.beta);
+    // Nobody listening: the start goes on as the first instance.
+    QVERIFY(!SingleInstance(name + QStringLiteral("-none")).handOver(QStringLiteral("x"), 500));
+}
+
+void TestMainWindow::keys()
+{
+    Fixture f;
+    MainWindow *w = f.startActive(f.alpha);
+    QVERIFY(w);
+    w->setAutosaveOn(false);
+    TreePane *tree = w->view()->treePane();
+    auto names = [&f] {
+        QStringList out;
+        f.document()->root()->forEachDescendant(
+            [&](Item *item) { out.append(QString(item->level() - 1, '.') + item->name()); });
+        return out;
+    };
+    TreeNode *two = f.at({1});
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        QStringList after;
+    } moves[] = {{Qt::Key_Tab, {}, {"one", ".two"}},
+                 {Qt::Key_Backtab, Qt::ShiftModifier, {"one", "two"}},
+                 {Qt::Key_Up, Qt::ControlModifier, {"two", "one"}},
+                 {Qt::Key_Down, Qt::ControlModifier, {"one", "two"}}};
+    tree->setFocus();
+    for (const auto &move : moves) {
+        w->view()->refresh(two);
+        QTest::keyClick(tree, move.key, move.modifiers);
+        QCOMPARE(names(), move.after);
+    }
+    for (Qt::Key key : {Qt::Key_End, Qt::Key_PageDown}) {
+        tree->setCurrentRow(0);
+        QTest::keyClick(tree, key);
+        QCOMPARE(tree->currentNode(), two);
+    }
+    // Insert adds a child and names it in place; Enter in the editor ends the rename, on the tree it adds a sibling.
     QTest::keyClick(tree, Qt::Key_Insert);
-    QWidget *editor = QApplication::focusWidget();
-    QVERIFY(qobject_cast<QLineEdit *>(editor));
-    QTest::keyClicks(editor, QStringLiteral("kid"));
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCOMPARE(names(), QStringList({"one", "two", ".kid"}));
+    QVERIFY(qobject_cast<QLineEdit *>(QApplication::focusWidget()));
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("kid"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     tree->setFocus();
     QTest::keyClick(tree, Qt::Key_Return);
     QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("next"));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-    QCOMPARE(names(), QStringList({"one", "two", ".kid", ".next"}));
-    QVERIFY(w->windowTitle().startsWith(QLatin1Char('*')));
+    QCOMPARE(names(), (QStringList{"one", "two", ".kid", ".next"}));
     // Left folds the open item it is on.
     tree->setFocus();
     w->view()->refresh(two);
     QTest::keyClick(tree, Qt::Key_Left);
     QVERIFY(!two->asItem()->isExpanded());
+
+    // Ctrl+A selects all in a text box and shows About elsewhere.
+    QPlainTextEdit *editor = w->view()->notePane()->plainEditor();
+    QLineEdit *entry = w->view()->quickEntryBar()->textBox()->lineEdit();
+    for (QWidget *box : {static_cast<QWidget *>(editor), static_cast<QWidget *>(entry)}) {
+        box->setFocus();
+        QTest::keyClicks(box, QStringLiteral("abc"));
+        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
+    }
+    QCOMPARE(editor->textCursor().selectedText(), QStringLiteral("abc"));
+    QCOMPARE(entry->selectedText(), QStringLiteral("abc"));
+    QCOMPARE(f.prompts.aboutShown, 0);
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(f.prompts.aboutShown, 1);
 }
 
-void TestMainWindow::followsTheFile()
+void TestMainWindow::commandsAreUndoneAsNamedSteps()
 {
-    MainWindow *w = makeWindow();
-    const QString path = docPath(QStringLiteral("Alpha.qbx"));
-    w->start(path);
-    w->setAutosaveOn(false);
-    auto shownNames = [w] {
-        QStringList out;
-        w->view()->document()->root()->forEachDescendant([&](Item *item) { out.append(item->name()); });
-        return out;
-    };
-    // Our own save is no change from outside.
-    w->view()->insertNewItem(new Item(QStringLiteral("three")), InsertPosition::Top);
-    const Document *ours = w->view()->document();
-    QVERIFY(run(w, "actionSave"));
-    QTest::qWait(600);
-    QVERIFY(m_prompts->shown.isEmpty());
-    QCOMPARE(w->view()->document(), ours); // not read again
+    // What a step restores is the edit step's own suite; here each command becomes one named step.
+    ShellFixture f;
+    auto doc = std::make_unique<Document>();
+    add(add(doc->root(), QStringLiteral("A")), QStringLiteral("A1"));
+    add(doc->root(), QStringLiteral("B"));
+    QVERIFY(f.open(std::move(doc)));
+    QVERIFY(!f.enabled("actionUndo") && !f.enabled("actionRedo"));
+    QCOMPARE(f.command("actionUndo")->shortcut(), QKeySequence(QKeySequence::Undo));
+    QVERIFY(f.command("actionRedo")->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_Y)));
+    f.select(f.at({0}));
+    QVERIFY(f.run("actionDeleteItem"));
+    QCOMPARE(f.command("actionUndo")->text(), QStringLiteral("Undo Delete Item"));
+    QVERIFY(f.run("actionUndo"));
+    QCOMPARE(f.at({0, 0})->name(), QStringLiteral("A1"));
+    QCOMPARE(f.current(), f.at({0}));
+    QCOMPARE(f.command("actionRedo")->text(), QStringLiteral("Redo Delete Item"));
+    QVERIFY(f.run("actionRedo"));
+    QCOMPARE(f.document()->root()->childCount(), 1);
+    QVERIFY(!f.enabled("actionRedo"));
 
-    // Unchanged here: another program's version is shown.
-    QTest::qWait(20);
-    writeDocument(path, {QStringLiteral("theirs")});
-    QTRY_COMPARE(shownNames(), QStringList({QStringLiteral("theirs")}));
-    QVERIFY(m_prompts->shown.isEmpty());
-
-    // Changed here: keeping ours writes it, theirs stays beside it.
-    w->view()->insertNewItem(new Item(QStringLiteral("mine")), InsertPosition::Top);
-    m_prompts->yesNo.clear();
-    m_prompts->yesNo << false;
-    QTest::qWait(20);
-    writeDocument(path, {QStringLiteral("theirs again")});
-    QTRY_COMPARE(m_prompts->shown.size(), 1);
-    QCOMPARE(shownNames(), QStringList({QStringLiteral("theirs"), QStringLiteral("mine")}));
-    QVERIFY(run(w, "actionSave"));
-    QCOMPARE(namesOnDisk(path), QStringList({QStringLiteral("theirs"), QStringLiteral("mine")}));
-    const QStringList conflicts = QDir(m_dir->path()).entryList({QStringLiteral("Alpha (conflict *).qbx")});
-    QCOMPARE(conflicts.size(), 1);
-    QCOMPARE(namesOnDisk(docPath(conflicts.first())), QStringList({QStringLiteral("theirs again")}));
+    // An item menu command, a rename in place and a note session; a save keeps the steps.
+    f.select(f.at({0}));
+    QVERIFY(f.run("actionPriority3"));
+    QCOMPARE(f.command("actionUndo")->text(), QStringLiteral("Undo Set Priority"));
+    Q_EMIT f.view()->treePane()->renameCommitted(f.at({0}), QStringLiteral("Renamed"));
+    QCOMPARE(f.command("actionUndo")->text(), QStringLiteral("Undo Rename"));
+    QPlainTextEdit *editor = f.view()->notePane()->plainEditor();
+    QTest::keyClicks(editor, QStringLiteral("typed"));
+    QTest::keyClicks(editor, QStringLiteral(" more"));
+    f.select(f.document()->root());
+    QVERIFY(!f.at({0})->note().isEmpty());
+    QCOMPARE(f.command("actionUndo")->text(), QStringLiteral("Undo Edit Note"));
+    QVERIFY(f.run("actionSave"));
+    QVERIFY(f.run("actionUndo"));
+    QVERIFY(f.at({0})->note().isEmpty());
+    QCOMPARE(f.current(), f.at({0}));
+    QVERIFY(f.view()->notePane()->plainText().isEmpty());
+    QVERIFY(f.run("actionUndo"));
+    QCOMPARE(f.at({0})->name(), QStringLiteral("B"));
+    QVERIFY(f.run("actionUndo"));
+    QCOMPARE(f.at({0})->priority(), quint16(10));
+    QVERIFY(f.view()->isModified());
 }
 
 void TestMainWindow::rowsFollowThePalette()
 {
+    // The desktop switches to dark colours while the document is open.
     const QColor base(0x2a, 0x2a, 0x2e);
     const QColor text(0xee, 0xee, 0xee);
-    MainWindow *w = makeWindow();
-    w->start(docPath(QStringLiteral("Alpha.qbx")));
-    // The desktop switches to dark colours while the document is open.
+    Fixture f;
+    MainWindow *w = f.start(f.alpha);
     QPalette palette = w->palette();
     for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
-        palette.setColor(group, QPalette::Base, base);
-        palette.setColor(group, QPalette::AlternateBase, base);
-        palette.setColor(group, QPalette::Window, base.darker(110));
+        for (QPalette::ColorRole role : {QPalette::Base, QPalette::AlternateBase, QPalette::Window})
+            palette.setColor(group, role, base);
         palette.setColor(group, QPalette::Text, text);
         palette.setColor(group, QPalette::WindowText, text);
     }
@@ -545,7 +464,6 @@ void TestMainWindow::rowsFollowThePalette()
     tree->setCurrentRow(0);
     QTest::qWait(50);
     const QImage image = tree->viewport()->grab().toImage();
-    screenshot(w, QStringLiteral("window-dark"));
     const qreal dpr = image.devicePixelRatio();
     // An unselected item's row: its text is in the palette's ink on its base.
     const QRect textRect = tree->rowGeometry(2).textRect();
@@ -554,11 +472,7 @@ void TestMainWindow::rowsFollowThePalette()
     for (int y = textRect.top(); y <= textRect.bottom(); ++y) {
         for (int x = textRect.left(); x <= textRect.right(); ++x) {
             const QColor c = image.pixelColor(int(x * dpr), int(y * dpr));
-            auto distance = [&c](const QColor &to) {
-                return std::abs(c.red() - to.red()) + std::abs(c.green() - to.green()) +
-                       std::abs(c.blue() - to.blue());
-            };
-            ink += distance(text) < distance(base);
+            ink += qAbs(c.lightness() - text.lightness()) < qAbs(c.lightness() - base.lightness());
             background += c == base;
         }
     }

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QDialog>
+#include <QDir>
 #include <QMenu>
 
 bool ScriptedPrompts::askYesNo(QWidget *, const QString &text)
@@ -98,6 +99,8 @@ int ScriptedPrompts::runDialog(QDialog *dialog)
     dialog->setResult(QDialog::Rejected);
     dialog->show();
     QCoreApplication::processEvents();
+    if (const QString folder = qEnvironmentVariable("QUILLBOX_SCREENSHOTS"); !folder.isEmpty() && QDir().mkpath(folder))
+        dialog->grab().save(QDir(folder).filePath(dialog->objectName() + QStringLiteral(".png")));
     script(dialog);
     if (dialog->isVisible())
         dialog->reject();

@@ -3,15 +3,14 @@
 #include "shell/widgets/prompts.h"
 
 #include <QHash>
-#include <functional>
 #include <QList>
 #include <QQueue>
 #include <QStringList>
 #include <QUrl>
+#include <functional>
 
-/// Prompts answered from queues filled in advance, for tests and benchmarks.
-/// Every question and message is recorded. An empty queue answers Yes,
-/// cancels dialogs and dismisses menus.
+/// Prompts answered from queues filled in advance, for tests and benchmarks. Every question and message is
+/// recorded. An empty queue answers Yes, cancels dialogs and dismisses menus.
 class ScriptedPrompts : public Prompts {
 public:
     struct Shown {
@@ -31,22 +30,18 @@ public:
     /// The type each note type question offered first.
     QList<int> noteTypesOffered;
     QQueue<QString> passwords;
-    /// Object names of the actions to choose (triggered as a click would);
-    /// an empty name dismisses.
+    /// Object names of the actions to choose (triggered as a click would); an empty name dismisses.
     QQueue<QString> menuChoices;
     QQueue<int> icons;
-    /// Scripts for our dialogs, in the order they open: each gets the shown
-    /// dialog and works its widgets (typing, choosing, clicking OK). A dialog
-    /// still open when its script returns, or with no script left, is
-    /// cancelled.
+    /// Scripts for our dialogs, in the order they open: each gets the shown dialog and works its widgets. A
+    /// dialog still open when its script returns, or with no script left, is cancelled. With
+    /// QUILLBOX_SCREENSHOTS set to a folder, a picture of each is saved there under its object name.
     QQueue<std::function<void(QDialog *)>> dialogs;
-    /// Answers of askText, each offered to its accept check in turn; an
-    /// empty queue cancels.
+    /// Answers of askText, each offered to its accept check in turn; an empty queue cancels.
     QQueue<QString> texts;
     /// Answers of the OK/Cancel questions; an empty queue answers OK.
     QQueue<bool> okCancel;
-    /// The file type index chosen with each saveFileOfType answer (0 when
-    /// the queue is empty).
+    /// The file type index chosen with each saveFileOfType answer (0 when the queue is empty).
     QQueue<int> fileTypes;
 
     QList<Shown> shown;
@@ -59,18 +54,15 @@ public:
     QStringList textPrefills;
     /// Everything handed to openUrl, in order.
     QList<QUrl> opened;
-    /// Called with each URL handed to openUrl: stands for the application
-    /// that the desktop would start (a word processor editing a file).
+    /// Called with each URL handed to openUrl: stands for the application the desktop would start.
     std::function<void(const QUrl &)> whenOpened;
     /// False plays a desktop with no browser: openUrl fails.
     bool urlsOpen = true;
-    /// Every named action of the last popup menu and its submenus; an entry
-    /// of a greyed submenu counts as greyed.
+    /// Every named action of the last popup menu and its submenus; an entry of a greyed submenu is greyed.
     QHash<QString, ActionState> lastMenu;
     /// Called with every menu popped up, before an entry is chosen.
     std::function<void(QMenu *)> onMenu;
-    /// The texts of the last popup menu's top-level entries, in order
-    /// ("-" for separators).
+    /// The texts of the last popup menu's top-level entries, in order ("-" for separators).
     QStringList lastMenuTexts;
 
     bool askYesNo(QWidget *parent, const QString &text) override;
@@ -94,7 +86,6 @@ public:
     /// Cancels: no suite asks for a secret through the prompts.
     bool askSecret(QWidget *, const QString &, QString *) override { return false; }
 
-    /// Records a menu's actions as lastMenu does, for menus the shell shows
-    /// itself (the menu bar's drop-downs).
+    /// Records a menu's actions as lastMenu does.
     static QHash<QString, ActionState> actionStates(QMenu *menu);
 };

@@ -18,8 +18,7 @@
 #include <QTest>
 #include <memory>
 
-/// The window's command of that object name, with every command's state up
-/// to date.
+/// The window's command of that object name, with every command's state up to date.
 inline QAction *command(MainWindow *window, const char *name)
 {
     window->updateActions();
@@ -27,16 +26,6 @@ inline QAction *command(MainWindow *window, const char *name)
     if (!action)
         qWarning("no command named %s", name);
     return action;
-}
-
-/// Triggers a command as a menu or shortcut would; false when it is greyed.
-inline bool run(MainWindow *window, const char *name)
-{
-    QAction *action = command(window, name);
-    if (!action || !action->isEnabled())
-        return false;
-    action->trigger();
-    return true;
 }
 
 inline bool enabled(MainWindow *window, const char *name)
@@ -51,8 +40,16 @@ inline bool checked(MainWindow *window, const char *name)
     return action && action->isChecked();
 }
 
-/// Triggers a command of a window of its own (a branch view); false when it
-/// is greyed.
+/// Triggers a command as a menu or shortcut would; false when it is greyed.
+inline bool run(MainWindow *window, const char *name)
+{
+    if (!enabled(window, name))
+        return false;
+    command(window, name)->trigger();
+    return true;
+}
+
+/// Triggers a command of a window of its own (a branch view); false when it is greyed.
 inline bool runIn(QWidget *scope, const char *name)
 {
     const auto groups = scope->findChildren<CommandGroup *>();
@@ -65,22 +62,25 @@ inline bool runIn(QWidget *scope, const char *name)
     return true;
 }
 
-// A main window on a folder and settings file of the test's own, with every
-// question answered by ScriptedPrompts, and the helpers the dialog tests
-// share.
+/// A main window on a folder and settings file of the test's own, with every question answered by ScriptedPrompts.
 struct ShellFixture {
     QTemporaryDir dir;
     ScriptedPrompts prompts;
     std::unique_ptr<MainWindow> window;
 
-    ShellFixture()
+    ShellFixture() { restart(); }
+
+    /// A new window on the same folder and settings, started as the program starts with that path.
+    MainWindow *restart(const QString &path = QString())
     {
+        window.reset();
         ShellEnvironment environment;
         environment.documentsFolder = dir.path();
         environment.settingsFile = dir.filePath(QStringLiteral("settings.ini"));
         environment.prompts = &prompts;
         window = std::make_unique<MainWindow>(environment);
-        window->start(QString());
+        window->start(path);
+        return window.get();
     }
 
     /// Writes the document to the fixture's folder and opens it.
@@ -107,15 +107,13 @@ struct ShellFixture {
 
     void select(TreeNode *node) const { window->view()->refresh(node); }
     TreeNode *current() const { return window->view()->treePane()->currentNode(); }
-
-    /// Runs a command and the dialog scripts queued for it.
     bool run(const char *name) { return ::run(window.get(), name); }
     bool enabled(const char *name) { return ::enabled(window.get(), name); }
     QAction *command(const char *name) { return ::command(window.get(), name); }
 
-    QList<QString> shownTexts() const
+    QStringList shownTexts() const
     {
-        QList<QString> texts;
+        QStringList texts;
         for (const auto &s : prompts.shown)
             texts.append(s.text);
         return texts;
@@ -143,28 +141,14 @@ inline void press(QDialog *dialog, QDialogButtonBox::StandardButton which = QDia
 {
     const auto boxes = dialog->findChildren<QDialogButtonBox *>();
     for (QDialogButtonBox *box : boxes) {
-        if (QPushButton *button = box->button(which)) {
-            QTest::mouseClick(button, Qt::LeftButton);
-            return;
-        }
+        if (QPushButton *button = box->button(which))
+            return QTest::mouseClick(button, Qt::LeftButton);
     }
     qWarning("no such button");
 }
 
-/// Clicks a check box or radio button on its indicator, where a click
-/// counts whatever the width of the button.
+/// Clicks a check box or radio button on its indicator, where a click counts whatever the button's width.
 inline void clickButton(QAbstractButton *button)
 {
     QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(button->height() / 2, button->height() / 2));
-}
-
-/// With QUILLBOX_SCREENSHOTS set to a folder, saves a picture of the widget
-/// there for a person to look at.
-inline void screenshot(QWidget *widget, const QString &name)
-{
-    const QString folder = qEnvironmentVariable("QUILLBOX_SCREENSHOTS");
-    if (folder.isEmpty())
-        return;
-    QDir().mkpath(folder);
-    widget->grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
 }
