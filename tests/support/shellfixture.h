@@ -105,6 +105,26 @@ struct ShellFixture {
         return item;
     }
 
+    /// The first item of that name, in the order of the outline.
+    Item *find(const QString &name) const
+    {
+        Item *found = nullptr;
+        document()->root()->forEachDescendant([&](Item *item) {
+            if (!found && item->name() == name)
+                found = item;
+        });
+        return found;
+    }
+
+    /// The names of a node's children (of the root when null).
+    QStringList names(const TreeNode *node = nullptr) const
+    {
+        QStringList list;
+        for (const Item *item : (node ? node : document()->root())->children())
+            list.append(item->name());
+        return list;
+    }
+
     void select(TreeNode *node) const { window->view()->refresh(node); }
     TreeNode *current() const { return window->view()->treePane()->currentNode(); }
     bool run(const char *name) { return ::run(window.get(), name); }
