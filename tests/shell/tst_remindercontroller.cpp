@@ -1,8 +1,6 @@
 #include "shell/document/remindercontroller.h"
 
 #include "platform/clock.h"
-#include "reminders/reminderservice.h"
-#include "shell/dialogs/viewremindersdialog.h"
 #include "shell/widgets/desktopnotification.h"
 #include "shell/widgets/reminderbubble.h"
 #include "storage/settings.h"
@@ -13,14 +11,47 @@
 #include <QDialog>
 #include <QFile>
 #include <QLabel>
+#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
 
+#ifdef QUILLBOX_HAVE_DBUS
+#include <QDBusConnection>
+#include <QDBusMessage>
+
 namespace {
 
+/// A notification service that keeps what it was asked.
+class FakeNotifications : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+public:
+    QStringList calls;
+    QList<uint> closed;
+
+public Q_SLOTS:
+    uint Notify(const QString &app, uint replaces, const QString &, const QString &summary, const QString &body,
+                const QStringList &actions, const QVariantMap &, int timeout)
+    {
+        calls.append(QStringList{app, QString::number(replaces), summary, body, actions.join(QLatin1Char(',')),
+                                 QString::number(timeout)}
+                         .join(QLatin1Char('|')));
+        return replaces ? replaces : 7;
+    }
+    void CloseNotification(uint id) { closed.append(id); }
+    QStringList GetCapabilities() { return {QStringLiteral("actions"), QStringLiteral("body-markup")}; }
+};
+
+} // namespace
+#endif
+
+namespace {
+
+// A controller over a document built from an outline, at 2024-03-05 09:00, with no bus for its notification.
 struct Fixture {
     Fixture(const char *outline, const QString &sound)
     {
@@ -30,7 +61,6 @@ struct Fixture {
         auto owned = std::make_unique<FakeAlarm>();
         alarm = owned.get();
 #ifdef QUILLBOX_HAVE_DBUS
-        // No bus here: the desktop notification has its own suite.
         auto notification = std::make_unique<DesktopNotification>(
             QDBusConnection::connectToBus(QStringLiteral("unix:path=/nonexistent"), QStringLiteral("none")));
 #else
@@ -58,81 +88,121 @@ struct Fixture {
 
 } // namespace
 
+// What a due reminder shows and what its commands reach; when a reminder is due is the reminders' own suite.
 class TestReminderController : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase() { qRegisterMetaType<Item *>(); }
-    void dueReminderRingsAndDismissAllEndsIt();
-    void manyRemindersLeadToTheList();
+
+    void dueReminderRingsAndDismissAllEndsIt()
+    {
+        QTemporaryDir dir;
+        const QString bell = dir.filePath(QStringLiteral("bell.wav"));
+        QFile(bell).open(QIODevice::WriteOnly);
+        // b before a in the list: a, already past, is the candidate and shows at once.
+        Fixture f("b | rem=2024-03-06T08:00\na | rem=2024-03-05T08:00 col=5\n", bell);
+        QSignalSpy dismissed(f.controller.get(), &ReminderController::remindersDismissed);
+        QTRY_VERIFY(f.controller->bubble() && f.controller->bubble()->isVisible());
+        ReminderBubble *bubble = f.controller->bubble();
+        QCOMPARE(bubble->findChild<QLabel *>(QStringLiteral("title"))->text(), QStringLiteral("Quillbox Reminder"));
+        // Colour 5 of the item table is pure red.
+        QVERIFY(bubble->html().startsWith(QStringLiteral("<html><body><b><font color=\"#FF0000\">a</font></b><br />")));
+        QCOMPARE(f.controller->lastSound(), bell);
+        QCOMPARE(bubble->lifetime().interval(), 3600 * 1000);
+        QVERIFY(bubble->lifetime().isActive());
+        auto *dismissAll = bubble->findChild<QPushButton *>(QStringLiteral("cmd1990"));
+        QCOMPARE(dismissAll->text(), QStringLiteral("Dismiss All"));
+        dismissAll->click();
+        QVERIFY(!bubble->isVisible());
+        QCOMPARE(dismissed.count(), 1);
+        QCOMPARE(f.item("a")->reminderTime().second, quint16(0));
+        QCOMPARE(f.item("b")->reminderTime().second, quint16(1));
+        QCOMPARE(f.alarm->armedAt, QDateTime(QDate(2024, 3, 6), QTime(8, 0, 1)));
+    }
+
+    void manyRemindersLeadToTheList()
+    {
+        Fixture f("a | rem=2024-03-05T07:00\nb | rem=2024-03-05T08:00 due=2024-03-09\nc | rem=2024-03-05T08:30\n"
+                  "d | rem0=2024-03-05T08:30\n",
+                  QStringLiteral("(None)"));
+        QSignalSpy select(f.controller.get(), &ReminderController::selectItemRequested);
+        QTRY_VERIFY(f.controller->bubble() && f.controller->bubble()->isVisible());
+        QVERIFY(f.controller->lastSound().isEmpty());
+        QVERIFY(!f.controller->bubble()->findChild<QPushButton *>(QStringLiteral("cmd1990")));
+        // The bubble's link opens the list; Go To selects the item, Dismiss ends that reminder alone.
+        QStringList names;
+        f.prompts.dialogs.enqueue([&names](QDialog *dialog) {
+            auto *list = dialog->findChild<QTreeWidget *>(QStringLiteral("reminderList"));
+            for (int i = 0; i < list->topLevelItemCount(); ++i)
+                names.append(list->topLevelItem(i)->text(0));
+            list->setCurrentItem(list->topLevelItem(1));
+            dialog->findChild<QPushButton *>(QStringLiteral("goTo"))->click();
+        });
+        f.prompts.dialogs.enqueue([](QDialog *dialog) {
+            auto *list = dialog->findChild<QTreeWidget *>(QStringLiteral("reminderList"));
+            list->setCurrentItem(list->topLevelItem(2));
+            dialog->findChild<QPushButton *>(QStringLiteral("dismiss"))->click();
+            QCOMPARE(list->topLevelItemCount(), 2);
+        });
+        Q_EMIT f.controller->bubble()->findChild<QLabel *>(QStringLiteral("body"))->linkActivated("cmd:1991");
+        QCOMPARE(names, QStringList({"a", "b", "c"}));
+        QCOMPARE(select.count(), 1);
+        QCOMPARE(select.at(0).at(0).value<Item *>(), f.item("b"));
+        QVERIFY(f.controller->runCommand(1991));
+        QCOMPARE(f.item("c")->reminderTime().second, quint16(0));
+        QCOMPARE(f.item("a")->reminderTime().second, quint16(1));
+        QVERIFY(!f.controller->runCommand(1992));
+    }
+
+    void desktopNotification()
+    {
+#ifndef QUILLBOX_HAVE_DBUS
+        QSKIP("built without D-Bus");
+#else
+        // A bus of the test's own, with a notification service that records what it is asked.
+        const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
+        if (daemon.isEmpty())
+            QSKIP("dbus-daemon is not installed");
+        QTemporaryDir dir;
+        QProcess bus;
+        bus.start(daemon, {"--session", "--nofork", "--print-address", "--address=unix:path=" + dir.filePath("bus")});
+        QVERIFY(bus.waitForStarted());
+        QTRY_VERIFY(bus.canReadLine());
+        const QString address = QString::fromUtf8(bus.readLine()).trimmed();
+        const QString service = QStringLiteral("org.freedesktop.Notifications");
+        const QString path = QStringLiteral("/org/freedesktop/Notifications");
+        QDBusConnection server = QDBusConnection::connectToBus(address, QStringLiteral("server"));
+        FakeNotifications fake;
+        QVERIFY(server.registerObject(path, &fake, QDBusConnection::ExportAllSlots) && server.registerService(service));
+
+        DesktopNotification notification(QDBusConnection::connectToBus(address, QStringLiteral("client")));
+        QSignalSpy commands(&notification, &DesktopNotification::commandRequested);
+        notification.show(QStringLiteral("Quillbox Reminder"), QStringLiteral("<b>a</b> 3/5/24"));
+        QTRY_COMPARE(notification.currentId(), 7u);
+        notification.show(QStringLiteral("Quillbox Reminder"), QStringLiteral("There are 3 reminders."));
+        QTRY_COMPARE(fake.calls.size(), 2);
+        QCOMPARE(fake.calls, (QStringList{"Quillbox|0|Quillbox Reminder|<b>a</b> 3/5/24|cmd:1990,Dismiss All,cmd:1991,"
+                                          "View Reminders|3600000",
+                                          "Quillbox|7|Quillbox Reminder|There are 3 reminders.|cmd:1990,Dismiss All,"
+                                          "cmd:1991,View Reminders|3600000"}));
+        // Another program's notification is none of ours.
+        for (uint id : {8u, 7u}) {
+            QDBusMessage signal = QDBusMessage::createSignal(path, service, QStringLiteral("ActionInvoked"));
+            signal << id << QString::fromLatin1(id == 7 ? "cmd:1991" : "cmd:1990");
+            QVERIFY(server.send(signal));
+        }
+        QTRY_COMPARE(commands.count(), 1);
+        QCOMPARE(commands.at(0).at(0).toInt(), 1991);
+        notification.close();
+        QTRY_COMPARE(fake.closed, QList<uint>({7u}));
+        QCOMPARE(notification.currentId(), 0u);
+        QDBusConnection::disconnectFromBus(QStringLiteral("server"));
+        QDBusConnection::disconnectFromBus(QStringLiteral("client"));
+        bus.terminate();
+        bus.waitForFinished(5000);
+#endif
+    }
 };
-
-void TestReminderController::dueReminderRingsAndDismissAllEndsIt()
-{
-    QTemporaryDir dir;
-    const QString bell = dir.filePath(QStringLiteral("bell.wav"));
-    QFile(bell).open(QIODevice::WriteOnly);
-    // b before a in the list: a, already past, is the candidate and shows at once.
-    Fixture f("b | rem=2024-03-06T08:00\na | rem=2024-03-05T08:00 col=5\n", bell);
-    QSignalSpy dismissed(f.controller.get(), &ReminderController::remindersDismissed);
-    QTRY_VERIFY(f.controller->bubble() && f.controller->bubble()->isVisible());
-    ReminderBubble *bubble = f.controller->bubble();
-    QCOMPARE(bubble->findChild<QLabel *>(QStringLiteral("title"))->text(), QStringLiteral("Quillbox Reminder"));
-    // Colour 5 of the item table is pure red.
-    QVERIFY(bubble->html().startsWith(QStringLiteral("<html><body><b><font color=\"#FF0000\">a</font></b><br />")));
-    QVERIFY(!bubble->findChild<QLabel *>(QStringLiteral("body"))->text().contains(QStringLiteral("<input")));
-    QCOMPARE(f.controller->lastSound(), bell);
-    QVERIFY(bubble->lifetime().isActive());
-    QCOMPARE(bubble->lifetime().interval(), 3600 * 1000);
-
-    auto *dismissAll = bubble->findChild<QPushButton *>(QStringLiteral("cmd1990"));
-    QVERIFY(dismissAll);
-    QCOMPARE(dismissAll->text(), QStringLiteral("Dismiss All"));
-    dismissAll->click();
-    QVERIFY(!bubble->isVisible());
-    QCOMPARE(dismissed.count(), 1);
-    QCOMPARE(f.item("a")->reminderTime().second, quint16(0));
-    QCOMPARE(f.item("b")->reminderTime().second, quint16(1));
-    QCOMPARE(f.alarm->armedAt, QDateTime(QDate(2024, 3, 6), QTime(8, 0, 1)));
-}
-
-void TestReminderController::manyRemindersLeadToTheList()
-{
-    Fixture f("a | rem=2024-03-05T07:00\nb | rem=2024-03-05T08:00 due=2024-03-09\nc | rem=2024-03-05T08:30\n"
-              "d | rem0=2024-03-05T08:30\n",
-              QStringLiteral("(None)"));
-    QSignalSpy select(f.controller.get(), &ReminderController::selectItemRequested);
-    QTRY_VERIFY(f.controller->bubble() && f.controller->bubble()->isVisible());
-    QVERIFY(f.controller->lastSound().isEmpty());
-    QVERIFY(!f.controller->bubble()->findChild<QPushButton *>(QStringLiteral("cmd1990")));
-
-    QStringList names;
-    f.prompts.dialogs.enqueue([&names](QDialog *dialog) {
-        auto *list = dialog->findChild<QTreeWidget *>(QStringLiteral("reminderList"));
-        for (int i = 0; i < list->topLevelItemCount(); ++i)
-            names.append(list->topLevelItem(i)->text(0));
-        list->setCurrentItem(list->topLevelItem(1));
-        dialog->findChild<QPushButton *>(QStringLiteral("goTo"))->click();
-    });
-    auto *body = f.controller->bubble()->findChild<QLabel *>(QStringLiteral("body"));
-    Q_EMIT body->linkActivated(QStringLiteral("cmd:1991"));
-    QCOMPARE(names, QStringList({"a", "b", "c"}));
-    QCOMPARE(select.count(), 1);
-    QCOMPARE(select.at(0).at(0).value<Item *>(), f.item("b"));
-
-    // Dismissing one from the list ends that reminder alone.
-    int left = -1;
-    f.prompts.dialogs.enqueue([&left](QDialog *dialog) {
-        auto *list = dialog->findChild<QTreeWidget *>(QStringLiteral("reminderList"));
-        list->setCurrentItem(list->topLevelItem(2));
-        dialog->findChild<QPushButton *>(QStringLiteral("dismiss"))->click();
-        left = list->topLevelItemCount();
-    });
-    QVERIFY(f.controller->runCommand(1991));
-    QCOMPARE(left, 2);
-    QCOMPARE(f.item("c")->reminderTime().second, quint16(0));
-    QCOMPARE(f.item("a")->reminderTime().second, quint16(1));
-    QVERIFY(!f.controller->runCommand(1992));
-}
 
 QTEST_MAIN(TestReminderController)
 #include "tst_remindercontroller.moc"
