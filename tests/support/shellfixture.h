@@ -18,42 +18,18 @@
 #include <QTest>
 #include <memory>
 
-/// The window's command of that object name, with every command's state up to date.
-inline QAction *command(MainWindow *window, const char *name)
+/// Builds a small tree quickly: add(parent, "name") appends an Item.
+inline Item *add(TreeNode *parent, const QString &name)
 {
-    window->updateActions();
-    QAction *action = window->command(QString::fromLatin1(name));
-    if (!action)
-        qWarning("no command named %s", name);
-    return action;
-}
-
-inline bool enabled(MainWindow *window, const char *name)
-{
-    QAction *action = command(window, name);
-    return action && action->isEnabled();
-}
-
-inline bool checked(MainWindow *window, const char *name)
-{
-    QAction *action = command(window, name);
-    return action && action->isChecked();
-}
-
-/// Triggers a command as a menu or shortcut would; false when it is greyed.
-inline bool run(MainWindow *window, const char *name)
-{
-    if (!enabled(window, name))
-        return false;
-    command(window, name)->trigger();
-    return true;
+    auto *item = new Item(name);
+    parent->appendChild(item);
+    return item;
 }
 
 /// Triggers a command of a window of its own (a branch view); false when it is greyed.
 inline bool runIn(QWidget *scope, const char *name)
 {
-    const auto groups = scope->findChildren<CommandGroup *>();
-    for (CommandGroup *group : groups)
+    for (CommandGroup *group : scope->findChildren<CommandGroup *>())
         group->update();
     QAction *action = scope->findChild<QAction *>(QString::fromLatin1(name));
     if (!action || !action->isEnabled())
@@ -87,32 +63,29 @@ struct ShellFixture {
     DocumentView *open(std::unique_ptr<Document> document, const QString &name = QStringLiteral("test.qbx"))
     {
         document->path = dir.filePath(name);
-        if (!DocumentFile::save(*document) || !window->openDocument(document->path))
-            return nullptr;
-        return window->view();
+        return DocumentFile::save(*document) && window->openDocument(document->path) ? window->view() : nullptr;
     }
 
     DocumentView *view() const { return window->view(); }
     Document *document() const { return window->view()->document(); }
+    void select(TreeNode *node) const { window->view()->refresh(node); }
+    TreeNode *current() const { return window->view()->treePane()->currentNode(); }
 
     /// The item at a path of child indexes below the root.
     Item *at(std::initializer_list<int> path) const
     {
         TreeNode *node = document()->root();
-        Item *item = nullptr;
         for (int index : path)
-            node = item = node->child(index);
-        return item;
+            node = node->child(index);
+        return node->asItem();
     }
 
     /// The first item of that name, in the order of the outline.
     Item *find(const QString &name) const
     {
         Item *found = nullptr;
-        document()->root()->forEachDescendant([&](Item *item) {
-            if (!found && item->name() == name)
-                found = item;
-        });
+        document()->root()->forEachDescendant(
+            [&](Item *item) { found = found || item->name() != name ? found : item; });
         return found;
     }
 
@@ -125,11 +98,18 @@ struct ShellFixture {
         return list;
     }
 
-    void select(TreeNode *node) const { window->view()->refresh(node); }
-    TreeNode *current() const { return window->view()->treePane()->currentNode(); }
-    bool run(const char *name) { return ::run(window.get(), name); }
-    bool enabled(const char *name) { return ::enabled(window.get(), name); }
-    QAction *command(const char *name) { return ::command(window.get(), name); }
+    /// The window's command of that object name, with every command's state up to date.
+    QAction *command(const char *name)
+    {
+        window->updateActions();
+        QAction *action = window->command(QString::fromLatin1(name));
+        if (!action)
+            qWarning("no command named %s", name);
+        return action;
+    }
+    bool enabled(const char *name) { return command(name) && command(name)->isEnabled(); }
+    /// Triggers a command as a menu or shortcut would; false when it is greyed.
+    bool run(const char *name) { return enabled(name) && (command(name)->trigger(), true); }
 
     QStringList shownTexts() const
     {
@@ -139,14 +119,6 @@ struct ShellFixture {
         return texts;
     }
 };
-
-/// Builds a small tree quickly: add(parent, "name") appends an Item.
-inline Item *add(TreeNode *parent, const QString &name)
-{
-    auto *item = new Item(name);
-    parent->appendChild(item);
-    return item;
-}
 
 template <typename T> T *child(QWidget *parent, const char *name)
 {
@@ -159,8 +131,7 @@ template <typename T> T *child(QWidget *parent, const char *name)
 /// Presses OK (or another standard button) of a dialog's button box.
 inline void press(QDialog *dialog, QDialogButtonBox::StandardButton which = QDialogButtonBox::Ok)
 {
-    const auto boxes = dialog->findChildren<QDialogButtonBox *>();
-    for (QDialogButtonBox *box : boxes) {
+    for (QDialogButtonBox *box : dialog->findChildren<QDialogButtonBox *>()) {
         if (QPushButton *button = box->button(which))
             return QTest::mouseClick(button, Qt::LeftButton);
     }
