@@ -7,17 +7,9 @@
 #include "shell/widgets/colourcombo.h"
 #include "storage/password.h"
 
-#include <QCheckBox>
-#include <QComboBox>
 #include <QDateEdit>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QSettings>
-#include <QSpinBox>
-#include <QTabWidget>
-#include <QToolButton>
-#include <QTreeWidget>
 
 namespace {
 

@@ -6,12 +6,8 @@
 #include "support/shellfixture.h"
 #include "views/viewrows.h"
 
-#include <QComboBox>
 #include <QContextMenuEvent>
-#include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QSplitter>
-#include <QToolButton>
 
 // The tree pane, its item menu, the quick entry bar, the note pane and the branch view, worked as a person would,
 // on Root > A (automatic: A1, A2 > A2a), B, C.

@@ -9,16 +9,7 @@
 #include "shell/widgets/nodetree.h"
 #include "storage/password.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QFile>
-#include <QLabel>
-#include <QLineEdit>
 #include <QProcess>
-#include <QRadioButton>
-#include <QTabWidget>
-#include <QTreeWidget>
-#include <QUrl>
 
 namespace {
 

@@ -14,19 +14,8 @@
 #include "shell/widgets/nodetree.h"
 #include "storage/templatefile.h"
 
-#include <QCheckBox>
-#include <QComboBox>
 #include <QDateEdit>
 #include <QDateTimeEdit>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QRadioButton>
-#include <QSpinBox>
-#include <QTabWidget>
-#include <QToolButton>
-#include <QTreeWidget>
-#include <QUrl>
 
 namespace {
 

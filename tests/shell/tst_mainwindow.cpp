@@ -5,14 +5,10 @@
 #include "shell/document/quickentrybar.h"
 #include "support/shellfixture.h"
 
-#include <QComboBox>
 #include <QFileInfo>
-#include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QThread>
-#include <QTreeWidget>
 
 namespace {
 

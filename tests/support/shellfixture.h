@@ -8,14 +8,24 @@
 #include "storage/documentfile.h"
 #include "support/scriptedprompts.h"
 
-#include <QAbstractButton>
 #include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolButton>
+#include <QTreeWidget>
 #include <memory>
 
 /// Builds a small tree quickly: add(parent, "name") appends an Item.
@@ -38,7 +48,8 @@ inline bool runIn(QWidget *scope, const char *name)
     return true;
 }
 
-/// A main window on a folder and settings file of the test's own, with every question answered by ScriptedPrompts.
+/// A main window on a folder and settings file of the test's own, with every question answered by ScriptedPrompts;
+/// with the widgets the dialog tests work.
 struct ShellFixture {
     QTemporaryDir dir;
     ScriptedPrompts prompts;
