@@ -164,7 +164,7 @@ private Q_SLOTS:
         QCOMPARE(reread.current()->name(), QStringLiteral("three"));
     }
 
-    void onlyAChangeIsWritten()
+    void autosaveAndChangesFromOutside()
     {
         Fixture f;
         MainWindow *w = f.start(f.alpha);
@@ -183,33 +183,21 @@ private Q_SLOTS:
         QCOMPARE(w->windowTitle(), QStringLiteral("*Alpha - Quillbox"));
         QTRY_COMPARE(onDisk(f.alpha), (QStringList{"two", "one"}));
         QTRY_COMPARE(w->windowTitle(), QStringLiteral("Alpha - Quillbox"));
-        // Without the autosave it waits for a save.
+        // Without the autosave it waits for a save; our own save is no change from outside.
         QVERIFY(f.run("actionAutosave"));
         age();
         QVERIFY(f.run("actionMoveUp"));
         QTest::qWait(200);
         QCOMPARE(QFileInfo(f.alpha).lastModified(), old);
+        const Document *ours = f.document();
         w->saveOnDeactivation();
         QCOMPARE(onDisk(f.alpha), (QStringList{"one", "two"}));
-    }
-
-    void followsTheFile()
-    {
-        Fixture f;
-        MainWindow *w = f.start(f.alpha);
-        w->setAutosaveOn(false);
-        // Our own save is no change from outside.
-        w->view()->insertNewItem(new Item(QStringLiteral("three")), InsertPosition::Top);
-        const Document *ours = f.document();
-        QVERIFY(f.run("actionSave"));
         QTest::qWait(600);
         QCOMPARE(f.document(), ours);
-        // Unchanged here: another program's version is shown.
-        QTest::qWait(20);
+        // Unchanged here: another program's version is shown. Changed here: keeping ours writes it, theirs stays
+        // beside it.
         write(f.alpha, {"theirs"});
         QTRY_COMPARE(f.names(), QStringList{"theirs"});
-        QVERIFY(f.prompts.shown.isEmpty());
-        // Changed here: keeping ours writes it, theirs stays beside it.
         w->view()->insertNewItem(new Item(QStringLiteral("mine")), InsertPosition::Top);
         f.prompts.yesNo << false;
         QTest::qWait(20);
@@ -244,10 +232,7 @@ private Q_SLOTS:
         }
         QCOMPARE(onDisk(f.alpha), (QStringList{"one", "two", "added before"}));
         QTRY_COMPARE(raised.count(), 1);
-        // A path that does not open leaves the open document open; nobody listening, a start goes on alone.
-        w->handOver(f.dir.filePath(QStringLiteral("missing.qbx")));
-        QCOMPARE(f.prompts.shown.size(), 1);
-        QCOMPARE(f.document()->path, f.beta);
+        // Nobody listening, a start goes on alone.
         QVERIFY(!SingleInstance(name + QStringLiteral("-none")).handOver(QStringLiteral("x"), 500));
     }
 
