@@ -14,16 +14,7 @@
 class TestDocumentView : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void init();
     void cleanup() { m_f.reset(); }
-    void tapsOnTheRowParts();
-    void quickEntryBarAndRename();
-    void commandsReachTheDocument();
-    void menuOpensOnRightClickAndLongPress();
-    void dragAndDrop();
-    void noteStoredOnSelectionChange();
-    void splitterDragIsSaved();
-    void branchView();
 
 private:
     Item *item(const char *name) const { return m_f->find(QString::fromLatin1(name)); }
@@ -52,23 +43,259 @@ private:
     void drag(const char *from, const char *to);
 
     std::unique_ptr<ShellFixture> m_f;
-};
 
-void TestDocumentView::init()
-{
-    m_f = std::make_unique<ShellFixture>();
-    auto doc = std::make_unique<Document>();
-    Item *a = add(doc->root(), QStringLiteral("A"));
-    a->setAutoProgress(true);
-    add(a, QStringLiteral("A1"));
-    add(add(a, QStringLiteral("A2")), QStringLiteral("A2a"));
-    add(doc->root(), QStringLiteral("B"));
-    add(doc->root(), QStringLiteral("C"));
-    QVERIFY(m_f->open(std::move(doc)));
-    m_f->window->resize(500, 760);
-    m_f->window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_f->window.get()));
-}
+private Q_SLOTS:
+    void init()
+    {
+        m_f = std::make_unique<ShellFixture>();
+        QVERIFY(m_f->open("A | auto\n  A1\n  A2\n    A2a\nB\nC\n"));
+        m_f->window->resize(500, 760);
+        m_f->window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_f->window.get()));
+    }
+
+    void tapsOnTheRowParts()
+    {
+        // The glyph opens and closes; a leaf's glyph column does nothing.
+        click("A", RowGeometry::Glyph);
+        QCOMPARE(m_f->view()->rows()->count(), 6);
+        click("A", RowGeometry::Glyph);
+        click("B", RowGeometry::Glyph);
+        QCOMPARE(m_f->view()->rows()->count(), 4);
+        // A tap on the box ticks it and makes the item current; a tap on the text does not tick.
+        click("C", RowGeometry::Status);
+        QCOMPARE(item("C")->progress(), quint16(100));
+        click("B");
+        QCOMPARE(item("B")->progress(), quint16(0));
+        QCOMPARE(m_f->current(), item("B"));
+        // A progress bar offers presets; with completed items hidden, the nearest row becomes current.
+        item("B")->setStatusType(Item::ProgressBar);
+        m_f->document()->hideCompleted = true;
+        m_f->select(item("B"));
+        m_f->prompts.menuChoices << QStringLiteral("preset75") << QStringLiteral("preset100");
+        click("B", RowGeometry::Status);
+        QCOMPARE(item("B")->progress(), quint16(75));
+        click("B", RowGeometry::Status);
+        QCOMPARE(m_f->current(), item("A"));
+    }
+
+    void quickEntryBarAndRename()
+    {
+        // The item goes after the current one, with its priority and the bar's icon, and becomes current.
+        QuickEntryBar *bar = m_f->view()->quickEntryBar();
+        QLineEdit *edit = bar->textBox()->lineEdit();
+        item("B")->setPriority(3);
+        select("B");
+        bar->setIcon(12);
+        QTest::keyClicks(edit, QStringLiteral("After B"));
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(m_f->names(), (QStringList{"A", "B", "After B", "C"}));
+        QCOMPARE(item("After B")->priority(), quint16(3));
+        QCOMPARE(item("After B")->image(), quint16(12));
+        QCOMPARE(m_f->current(), item("After B"));
+        // The toggles put it first among the current item's children, in italics; the box takes 63 characters.
+        select("C");
+        bar->findChild<QToolButton *>(QStringLiteral("quickEntryChild"))->click();
+        bar->findChild<QToolButton *>(QStringLiteral("quickEntryItalic"))->click();
+        QTest::keyClicks(edit, QString(70, QLatin1Char('x')));
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(m_f->names(item("C")), QStringList{QString(63, QLatin1Char('x'))});
+        QVERIFY(item("C")->child(0)->isItalic() && item("C")->isExpanded());
+
+        // Rename and F2 edit the name in place, up to 95 characters; Escape keeps the old name.
+        select("B");
+        QVERIFY(m_f->run("actionRename"));
+        QCOMPARE(tree()->renameEditor()->maxLength(), 95);
+        QTest::keyClicks(tree()->renameEditor(), QStringLiteral("Banana"));
+        QTest::keyClick(tree()->renameEditor(), Qt::Key_Return);
+        QTest::keyClick(tree(), Qt::Key_F2);
+        QTest::keyClicks(tree()->renameEditor(), QStringLiteral("Zzz"));
+        QTest::keyClick(tree()->renameEditor(), Qt::Key_Escape);
+        QCOMPARE(m_f->names(), (QStringList{"A", "Banana", "After B", "C"}));
+    }
+
+    void commandsReachTheDocument()
+    {
+        // The item menu's marks show the item's own attributes and order.
+        item("A")->setPriority(4);
+        item("A")->setSort(TreeNode::SortPriority);
+        openMenuOn("A");
+        QVERIFY(m_f->prompts.lastMenu.value(QStringLiteral("actionPriority4")).checked);
+        QVERIFY(m_f->prompts.lastMenu.value(QStringLiteral("actionOrderByPriority")).checked);
+        QVERIFY(!m_f->prompts.lastMenu.value(QStringLiteral("actionPriority10")).checked);
+
+        // Each command, from the item menu or the window, on the item it names; one effect each.
+        m_f->prompts.icons.enqueue(42);
+        const Document *doc = m_f->document();
+        const struct {
+            const char *on;
+            const char *command;
+            bool fromMenu;
+            std::function<bool()> done;
+        } commands[] = {
+            {"B", "actionPriority6", true, [&] { return item("B")->priority() == 6; }},
+            {"B", "actionColour12", true, [&] { return item("B")->colour() == 12; }},
+            {"B", "actionShowIcon", true, [&] { return !item("B")->showIcon(); }},
+            {"B", "actionItalicStyle", true, [&] { return item("B")->isItalic(); }},
+            {"B", "actionProgressBar", true, [&] { return item("B")->statusType() == Item::ProgressBar; }},
+            {"B", "actionChangeIcon", true, [&] { return item("B")->image() == 42; }},
+            {"C", "actionCreateCopy", true,
+             [&] {
+                 return m_f->names() == QStringList{"A", "B", "C", "C"};
+             }},
+            {"A", "actionExpandAll", false, [&] { return m_f->view()->rows()->count() == 8; }},
+            {"A", "actionCollapseAll", false, [&] { return m_f->view()->rows()->count() == 5; }},
+            {"A", "actionMoveDown", false, [&] { return doc->root()->indexOf(item("A")) == 1; }},
+            {"A", "actionDownALevel", false, [&] { return item("A")->parent() == item("B"); }},
+            {"A", "actionUpALevel", false, [&] { return item("A")->parent() == doc->root(); }},
+            {"A", "actionMarkMove", true, [&] { return !m_f->view()->clip().isEmpty(); }},
+            {"C", "actionPaste", true, [&] { return item("A")->parent() == item("C"); }},
+            {"Root", "actionOrderByName", true, [&] { return doc->root()->sort() == TreeNode::SortName; }},
+            {"Root", "actionDescending", true,
+             [&] {
+                 return m_f->names() == QStringList{"C", "C", "B"};
+             }},
+            {"B", "actionHideCompleted", false, [&] { return doc->hideCompleted; }},
+            {"B", "actionByCategory", false, [&] { return m_f->view()->rows()->isGrouped(); }},
+            {"B", "actionDefaultView", false, [&] { return !m_f->view()->rows()->isGrouped(); }},
+        };
+        for (const auto &c : commands) {
+            select(c.on);
+            if (c.fromMenu)
+                openMenuOn(c.on, c.command);
+            else
+                QVERIFY2(m_f->run(c.command), c.command);
+            QVERIFY2(c.done(), c.command);
+        }
+
+        // Pasting a copy with children asks whether to take them; deleting asks, from the menu and with the Delete key.
+        m_f->prompts.yesNo << false << false << true;
+        openMenuOn("C", "actionMarkCopy");
+        openMenuOn("B", "actionPaste");
+        QVERIFY(!item("B")->child(0)->hasChildren());
+        openMenuOn("B", "actionDeleteItem");
+        QTest::keyClick(tree(), Qt::Key_Delete);
+        QCOMPARE(m_f->names(), (QStringList{"C", "C"}));
+        QCOMPARE(m_f->shownTexts(),
+                 (QStringList{Messages::AskPasteChildren, Messages::AskDelete, Messages::AskDelete}));
+    }
+
+    void menuOpensOnRightClickAndLongPress()
+    {
+        QWidget *viewport = tree()->viewport();
+        QContextMenuEvent rightClick(QContextMenuEvent::Mouse, partOf("B", 0), viewport->mapToGlobal(partOf("B", 0)));
+        QCoreApplication::sendEvent(viewport, &rightClick);
+        QCOMPARE(m_f->prompts.lastMenuTexts.value(0), QStringLiteral("Rename"));
+        QCOMPARE(m_f->current(), item("B"));
+        m_f->prompts.lastMenuTexts.clear();
+        m_f->prompts.menuChoices.enqueue(QStringLiteral("actionPriority4"));
+        QTest::mousePress(viewport, Qt::LeftButton, {}, partOf("C", 0));
+        QTRY_VERIFY(!m_f->prompts.lastMenuTexts.isEmpty());
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, partOf("C", 0));
+        QTRY_COMPARE(item("C")->priority(), quint16(4));
+        // A short tap opens nothing.
+        m_f->prompts.lastMenuTexts.clear();
+        click("B");
+        QTest::qWait(900);
+        QVERIFY(m_f->prompts.lastMenuTexts.isEmpty());
+    }
+
+    void dragAndDrop()
+    {
+        // Which drops are refused is the core's rule; one refusal proves the pane asks it.
+        QVERIFY(m_f->run("actionExpandAll"));
+        drag("A", "A2a");
+        QCOMPARE(m_f->names(), (QStringList{"A", "B", "C"}));
+        // Onto another row: the dragged item becomes its last child, and is selected.
+        drag("C", "A");
+        QCOMPARE(m_f->names(item("A")), (QStringList{"A1", "A2", "C"}));
+        QCOMPARE(m_f->current(), item("C"));
+        // A grouped view ignores drops.
+        QVERIFY(m_f->run("actionByCategory"));
+        QVERIFY(m_f->run("actionExpandAll"));
+        drag("B", "A");
+        QCOMPARE(m_f->names(), (QStringList{"A", "B"}));
+    }
+
+    void noteStoredOnSelectionChange()
+    {
+        select("B");
+        QPlainTextEdit *editor = m_f->view()->notePane()->plainEditor();
+        QTest::keyClicks(editor, QStringLiteral("Buy milk"));
+        QVERIFY(item("B")->note().isEmpty());
+        select("C");
+        QCOMPARE(item("B")->note(), NoteText::toPlainNote(QStringLiteral("Buy milk")));
+        QCOMPARE(editor->toPlainText(), QString());
+        // An untouched note is never rewritten.
+        const QByteArray odd("\x41\x00\x42", 3);
+        item("C")->setNote(odd);
+        select("C");
+        select("B");
+        QCOMPARE(editor->toPlainText(), QStringLiteral("Buy milk"));
+        QCOMPARE(item("C")->note(), odd);
+        // The root has no note: the pane greys.
+        select("Root");
+        QVERIFY(!m_f->view()->notePane()->isEnabled());
+    }
+
+    void splitterDragIsSaved()
+    {
+        // A tall window stacks the panes at the first layout's share, and a drag is kept there; a wide one puts them
+        // side by side at the second layout's share.
+        QSplitter *splitter = m_f->view()->splitter();
+        QCOMPARE(splitter->orientation(), Qt::Vertical);
+        QWidget *handle = splitter->handle(1);
+        const QPoint to = handle->rect().center() - QPoint(0, splitter->height() / 5);
+        QTest::mousePress(handle, Qt::LeftButton, {}, handle->rect().center());
+        QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(handle, &move);
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, to);
+        QCOMPARE(m_f->window->settings().splitPct7, quint16(60));
+        QVERIFY2(qAbs(m_f->window->settings().splitPct - 40) <= 5,
+                 qPrintable(QString::number(m_f->window->settings().splitPct)));
+        m_f->window->resize(1400, 500);
+        QCoreApplication::processEvents();
+        QCOMPARE(splitter->orientation(), Qt::Horizontal);
+        QVERIFY(qAbs(splitter->sizes().value(0) * 100 / (splitter->sizes().value(0) + splitter->sizes().value(1)) -
+                     60) <= 1);
+    }
+
+    void branchView()
+    {
+        select("Root");
+        QVERIFY(!m_f->enabled("actionBranchView")); // the list title has no branch of its own
+        item("A")->setExpanded(true);
+        m_f->select(item("A"));
+        m_f->view()->clip().markCopy(item("A2a")); // marked in the main list
+        m_f->prompts.dialogs.enqueue([this](QDialog *d) {
+            auto *branch = qobject_cast<BranchView *>(d);
+            QCOMPARE(branch->rows()->count(), 3);
+            // An edit made here reaches the document; the branch keeps a mark of its own.
+            branch->treePane()->setCurrentRow(1);
+            QVERIFY(runIn(branch, "actionPriority1"));
+            QVERIFY(runIn(branch, "actionMarkMove"));
+            branch->treePane()->setCurrentRow(2);
+            QVERIFY(runIn(branch, "actionPaste"));
+            QCOMPARE(item("A1")->parent(), item("A2"));
+            QCOMPARE(item("A1")->priority(), quint16(1));
+            branch->treePane()->setCurrentRow(1);
+            QVERIFY(runIn(branch, "actionDeleteItem"));
+            QCOMPARE(branch->rows()->count(), 1);
+            // A tap that hides the whole branch closes it, with a word why.
+            m_f->document()->hideCompleted = true;
+            item("A")->setAutoProgress(false);
+            Q_EMIT branch->treePane()->statusTapped(item("A"), QPoint());
+            QVERIFY(!d->isVisible());
+        });
+        QVERIFY(m_f->run("actionBranchView"));
+        QCOMPARE(m_f->shownTexts(),
+                 (QStringList{Messages::AskDelete, "The whole branch is hidden due to progress value "
+                                                   "and/or status type changes."}));
+        QCOMPARE(m_f->prompts.shown[1].icon, Prompts::Icon::Information);
+        QVERIFY(m_f->view()->clip().isEmpty()); // the marked item was deleted there
+        QCOMPARE(m_f->current(), item("B"));    // the nearest row still shown
+    }
+};
 
 void TestDocumentView::drag(const char *from, const char *to)
 {
@@ -82,250 +309,6 @@ void TestDocumentView::drag(const char *from, const char *to)
     }
     QVERIFY(tree()->isDragging());
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
-}
-
-void TestDocumentView::tapsOnTheRowParts()
-{
-    // The glyph opens and closes; a leaf's glyph column does nothing.
-    click("A", RowGeometry::Glyph);
-    QCOMPARE(m_f->view()->rows()->count(), 6);
-    click("A", RowGeometry::Glyph);
-    click("B", RowGeometry::Glyph);
-    QCOMPARE(m_f->view()->rows()->count(), 4);
-    // A tap on the box ticks it and makes the item current; a tap on the text does not tick.
-    click("C", RowGeometry::Status);
-    QCOMPARE(item("C")->progress(), quint16(100));
-    click("B");
-    QCOMPARE(item("B")->progress(), quint16(0));
-    QCOMPARE(m_f->current(), item("B"));
-    // A progress bar offers presets; with completed items hidden, the nearest row becomes current.
-    item("B")->setStatusType(Item::ProgressBar);
-    m_f->document()->hideCompleted = true;
-    m_f->select(item("B"));
-    m_f->prompts.menuChoices << QStringLiteral("preset75") << QStringLiteral("preset100");
-    click("B", RowGeometry::Status);
-    QCOMPARE(item("B")->progress(), quint16(75));
-    click("B", RowGeometry::Status);
-    QCOMPARE(m_f->current(), item("A"));
-}
-
-void TestDocumentView::quickEntryBarAndRename()
-{
-    // The item goes after the current one, with its priority and the bar's icon, and becomes current.
-    QuickEntryBar *bar = m_f->view()->quickEntryBar();
-    QLineEdit *edit = bar->textBox()->lineEdit();
-    item("B")->setPriority(3);
-    select("B");
-    bar->setIcon(12);
-    QTest::keyClicks(edit, QStringLiteral("After B"));
-    QTest::keyClick(edit, Qt::Key_Return);
-    QCOMPARE(m_f->names(), (QStringList{"A", "B", "After B", "C"}));
-    QCOMPARE(item("After B")->priority(), quint16(3));
-    QCOMPARE(item("After B")->image(), quint16(12));
-    QCOMPARE(m_f->current(), item("After B"));
-    // The toggles put it first among the current item's children, in italics; the box takes 63 characters.
-    select("C");
-    bar->findChild<QToolButton *>(QStringLiteral("quickEntryChild"))->click();
-    bar->findChild<QToolButton *>(QStringLiteral("quickEntryItalic"))->click();
-    QTest::keyClicks(edit, QString(70, QLatin1Char('x')));
-    QTest::keyClick(edit, Qt::Key_Return);
-    QCOMPARE(m_f->names(item("C")), QStringList{QString(63, QLatin1Char('x'))});
-    QVERIFY(item("C")->child(0)->isItalic() && item("C")->isExpanded());
-
-    // Rename and F2 edit the name in place, up to 95 characters; Escape keeps the old name.
-    select("B");
-    QVERIFY(m_f->run("actionRename"));
-    QCOMPARE(tree()->renameEditor()->maxLength(), 95);
-    QTest::keyClicks(tree()->renameEditor(), QStringLiteral("Banana"));
-    QTest::keyClick(tree()->renameEditor(), Qt::Key_Return);
-    QTest::keyClick(tree(), Qt::Key_F2);
-    QTest::keyClicks(tree()->renameEditor(), QStringLiteral("Zzz"));
-    QTest::keyClick(tree()->renameEditor(), Qt::Key_Escape);
-    QCOMPARE(m_f->names(), (QStringList{"A", "Banana", "After B", "C"}));
-}
-
-void TestDocumentView::commandsReachTheDocument()
-{
-    // The item menu's marks show the item's own attributes and order.
-    item("A")->setPriority(4);
-    item("A")->setSort(TreeNode::SortPriority);
-    openMenuOn("A");
-    QVERIFY(m_f->prompts.lastMenu.value(QStringLiteral("actionPriority4")).checked);
-    QVERIFY(m_f->prompts.lastMenu.value(QStringLiteral("actionOrderByPriority")).checked);
-    QVERIFY(!m_f->prompts.lastMenu.value(QStringLiteral("actionPriority10")).checked);
-
-    // Each command, from the item menu or the window, on the item it names; one effect each.
-    m_f->prompts.icons.enqueue(42);
-    const Document *doc = m_f->document();
-    const struct {
-        const char *on;
-        const char *command;
-        bool fromMenu;
-        std::function<bool()> done;
-    } commands[] = {
-        {"B", "actionPriority6", true, [&] { return item("B")->priority() == 6; }},
-        {"B", "actionColour12", true, [&] { return item("B")->colour() == 12; }},
-        {"B", "actionShowIcon", true, [&] { return !item("B")->showIcon(); }},
-        {"B", "actionItalicStyle", true, [&] { return item("B")->isItalic(); }},
-        {"B", "actionProgressBar", true, [&] { return item("B")->statusType() == Item::ProgressBar; }},
-        {"B", "actionChangeIcon", true, [&] { return item("B")->image() == 42; }},
-        {"C", "actionCreateCopy", true,
-         [&] {
-             return m_f->names() == QStringList{"A", "B", "C", "C"};
-         }},
-        {"A", "actionExpandAll", false, [&] { return m_f->view()->rows()->count() == 8; }},
-        {"A", "actionCollapseAll", false, [&] { return m_f->view()->rows()->count() == 5; }},
-        {"A", "actionMoveDown", false, [&] { return doc->root()->indexOf(item("A")) == 1; }},
-        {"A", "actionDownALevel", false, [&] { return item("A")->parent() == item("B"); }},
-        {"A", "actionUpALevel", false, [&] { return item("A")->parent() == doc->root(); }},
-        {"A", "actionMarkMove", true, [&] { return !m_f->view()->clip().isEmpty(); }},
-        {"C", "actionPaste", true, [&] { return item("A")->parent() == item("C"); }},
-        {"Root", "actionOrderByName", true, [&] { return doc->root()->sort() == TreeNode::SortName; }},
-        {"Root", "actionDescending", true,
-         [&] {
-             return m_f->names() == QStringList{"C", "C", "B"};
-         }},
-        {"B", "actionHideCompleted", false, [&] { return doc->hideCompleted; }},
-        {"B", "actionByCategory", false, [&] { return m_f->view()->rows()->isGrouped(); }},
-        {"B", "actionDefaultView", false, [&] { return !m_f->view()->rows()->isGrouped(); }},
-    };
-    for (const auto &c : commands) {
-        select(c.on);
-        if (c.fromMenu)
-            openMenuOn(c.on, c.command);
-        else
-            QVERIFY2(m_f->run(c.command), c.command);
-        QVERIFY2(c.done(), c.command);
-    }
-
-    // Pasting a copy with children asks whether to take them; deleting asks, from the menu and with the Delete key.
-    m_f->prompts.yesNo << false << false << true;
-    openMenuOn("C", "actionMarkCopy");
-    openMenuOn("B", "actionPaste");
-    QVERIFY(!item("B")->child(0)->hasChildren());
-    openMenuOn("B", "actionDeleteItem");
-    QTest::keyClick(tree(), Qt::Key_Delete);
-    QCOMPARE(m_f->names(), (QStringList{"C", "C"}));
-    QCOMPARE(m_f->shownTexts(), (QStringList{Messages::AskPasteChildren, Messages::AskDelete, Messages::AskDelete}));
-}
-
-void TestDocumentView::menuOpensOnRightClickAndLongPress()
-{
-    QWidget *viewport = tree()->viewport();
-    QContextMenuEvent rightClick(QContextMenuEvent::Mouse, partOf("B", 0), viewport->mapToGlobal(partOf("B", 0)));
-    QCoreApplication::sendEvent(viewport, &rightClick);
-    QCOMPARE(m_f->prompts.lastMenuTexts.value(0), QStringLiteral("Rename"));
-    QCOMPARE(m_f->current(), item("B"));
-    m_f->prompts.lastMenuTexts.clear();
-    m_f->prompts.menuChoices.enqueue(QStringLiteral("actionPriority4"));
-    QTest::mousePress(viewport, Qt::LeftButton, {}, partOf("C", 0));
-    QTRY_VERIFY(!m_f->prompts.lastMenuTexts.isEmpty());
-    QTest::mouseRelease(viewport, Qt::LeftButton, {}, partOf("C", 0));
-    QTRY_COMPARE(item("C")->priority(), quint16(4));
-    // A short tap opens nothing.
-    m_f->prompts.lastMenuTexts.clear();
-    click("B");
-    QTest::qWait(900);
-    QVERIFY(m_f->prompts.lastMenuTexts.isEmpty());
-}
-
-void TestDocumentView::dragAndDrop()
-{
-    // Which drops are refused is the core's rule; one refusal proves the pane asks it.
-    QVERIFY(m_f->run("actionExpandAll"));
-    drag("A", "A2a");
-    QCOMPARE(m_f->names(), (QStringList{"A", "B", "C"}));
-    // Onto another row: the dragged item becomes its last child, and is selected.
-    drag("C", "A");
-    QCOMPARE(m_f->names(item("A")), (QStringList{"A1", "A2", "C"}));
-    QCOMPARE(m_f->current(), item("C"));
-    // A grouped view ignores drops.
-    QVERIFY(m_f->run("actionByCategory"));
-    QVERIFY(m_f->run("actionExpandAll"));
-    drag("B", "A");
-    QCOMPARE(m_f->names(), (QStringList{"A", "B"}));
-}
-
-void TestDocumentView::noteStoredOnSelectionChange()
-{
-    select("B");
-    QPlainTextEdit *editor = m_f->view()->notePane()->plainEditor();
-    QTest::keyClicks(editor, QStringLiteral("Buy milk"));
-    QVERIFY(item("B")->note().isEmpty());
-    select("C");
-    QCOMPARE(item("B")->note(), NoteText::toPlainNote(QStringLiteral("Buy milk")));
-    QCOMPARE(editor->toPlainText(), QString());
-    // An untouched note is never rewritten.
-    const QByteArray odd("\x41\x00\x42", 3);
-    item("C")->setNote(odd);
-    select("C");
-    select("B");
-    QCOMPARE(editor->toPlainText(), QStringLiteral("Buy milk"));
-    QCOMPARE(item("C")->note(), odd);
-    // The root has no note: the pane greys.
-    select("Root");
-    QVERIFY(!m_f->view()->notePane()->isEnabled());
-}
-
-void TestDocumentView::splitterDragIsSaved()
-{
-    // A tall window stacks the panes at the first layout's share, and a drag is kept there; a wide one puts them
-    // side by side at the second layout's share.
-    QSplitter *splitter = m_f->view()->splitter();
-    auto share = [splitter] {
-        return splitter->sizes().value(0) * 100 / (splitter->sizes().value(0) + splitter->sizes().value(1));
-    };
-    QCOMPARE(splitter->orientation(), Qt::Vertical);
-    QVERIFY(qAbs(share() - 60) <= 1);
-    QWidget *handle = splitter->handle(1);
-    const QPoint to = handle->rect().center() - QPoint(0, splitter->height() / 5);
-    QTest::mousePress(handle, Qt::LeftButton, {}, handle->rect().center());
-    QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(handle, &move);
-    QTest::mouseRelease(handle, Qt::LeftButton, {}, to);
-    const Settings &settings = m_f->window->settings();
-    QVERIFY2(settings.splitPct >= 35 && settings.splitPct <= 45, qPrintable(QString::number(settings.splitPct)));
-    QCOMPARE(settings.splitPct7, quint16(60));
-    m_f->window->settings().splitPct7 = 70;
-    m_f->window->resize(1400, 500);
-    QCoreApplication::processEvents();
-    QCOMPARE(splitter->orientation(), Qt::Horizontal);
-    QVERIFY(qAbs(share() - 70) <= 1);
-}
-
-void TestDocumentView::branchView()
-{
-    select("Root");
-    QVERIFY(!m_f->enabled("actionBranchView")); // the list title has no branch of its own
-    item("A")->setExpanded(true);
-    m_f->select(item("A"));
-    m_f->view()->clip().markCopy(item("A2a")); // marked in the main list
-    m_f->prompts.dialogs.enqueue([this](QDialog *d) {
-        auto *branch = qobject_cast<BranchView *>(d);
-        QCOMPARE(branch->rows()->count(), 3);
-        // An edit made here reaches the document; the branch keeps a mark of its own.
-        branch->treePane()->setCurrentRow(1);
-        QVERIFY(runIn(branch, "actionPriority1"));
-        QVERIFY(runIn(branch, "actionMarkMove"));
-        branch->treePane()->setCurrentRow(2);
-        QVERIFY(runIn(branch, "actionPaste"));
-        QCOMPARE(item("A1")->parent(), item("A2"));
-        QCOMPARE(item("A1")->priority(), quint16(1));
-        branch->treePane()->setCurrentRow(1);
-        QVERIFY(runIn(branch, "actionDeleteItem"));
-        QCOMPARE(branch->rows()->count(), 1);
-        // A tap that hides the whole branch closes it, with a word why.
-        m_f->document()->hideCompleted = true;
-        item("A")->setAutoProgress(false);
-        Q_EMIT branch->treePane()->statusTapped(item("A"), QPoint());
-        QVERIFY(!d->isVisible());
-    });
-    QVERIFY(m_f->run("actionBranchView"));
-    QCOMPARE(m_f->shownTexts(), (QStringList{Messages::AskDelete, "The whole branch is hidden due to progress value "
-                                                                  "and/or status type changes."}));
-    QCOMPARE(m_f->prompts.shown[1].icon, Prompts::Icon::Information);
-    QVERIFY(m_f->view()->clip().isEmpty()); // the marked item was deleted there
-    QCOMPARE(m_f->current(), item("B")); // the nearest row still shown
 }
 
 QTEST_MAIN(TestDocumentView)

@@ -6,6 +6,7 @@
 #include "shell/document/documentview.h"
 #include "shell/document/treepane.h"
 #include "storage/documentfile.h"
+#include "support/outline.h"
 #include "support/scriptedprompts.h"
 
 #include <QAction>
@@ -75,6 +76,15 @@ struct ShellFixture {
     {
         document->path = dir.filePath(name);
         return DocumentFile::save(*document) && window->openDocument(document->path) ? window->view() : nullptr;
+    }
+
+    /// Writes a document built from an outline (see support/outline.h) to the folder and opens it.
+    DocumentView *open(const char *outline, quint16 noteType = Document::PlainText)
+    {
+        auto document = std::make_unique<Document>();
+        document->noteType = noteType;
+        Outline::build(document->root(), outline);
+        return open(std::move(document));
     }
 
     DocumentView *view() const { return window->view(); }
