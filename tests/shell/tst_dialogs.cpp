@@ -14,17 +14,7 @@
 namespace {
 
 // Root > Xabcx (note "Call the bank", done) > ABC child; abacus; Plain (note "bank holiday")
-std::unique_ptr<Document> sample()
-{
-    auto document = std::make_unique<Document>();
-    Item *x = add(document->root(), QStringLiteral("Xabcx"));
-    x->setNote(NoteText::toPlainNote(QStringLiteral("Call the bank")));
-    x->storeProgress(100);
-    add(x, QStringLiteral("ABC child"));
-    add(document->root(), QStringLiteral("abacus"));
-    add(document->root(), QStringLiteral("Plain"))->setNote(NoteText::toPlainNote(QStringLiteral("bank holiday")));
-    return document;
-}
+const char *const Sample = "Xabcx | note=Call_the_bank prog=100\n  ABC child\nabacus\nPlain | note=bank_holiday\n";
 
 QStringList rows(QDialog *d)
 {
@@ -58,271 +48,247 @@ void type(QDialog *d, const char *box, const QString &text)
 class TestDialogs : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void findWidgetsMapToTheCriteria();
-    void findCommands();
-    void optionsMapToTheSettings();
-    void setPassword_data();
-    void setPassword();
-    void enterPassword();
-};
-
-void TestDialogs::findWidgetsMapToTheCriteria()
-{
-    // Which items match is the finder's rule; the dialog only fills the criteria.
-    FindDialog dialog(FindCriteria(), {QStringLiteral("Work"), QStringLiteral("Home")});
-    QTest::keyClicks(child<QLineEdit>(&dialog, "findName"), QStringLiteral("ab"));
-    child<QComboBox>(&dialog, "findPriority")->setCurrentIndex(3);
-    child<QComboBox>(&dialog, "findCategory")->setEditText(QStringLiteral("work"));
-    child<QCheckBox>(&dialog, "findHasDate")->setChecked(true);
-    child<QDateEdit>(&dialog, "findDate")->setDate(QDate(2024, 5, 11));
-    child<QComboBox>(&dialog, "findDateOperator")->setCurrentIndex(FindCriteria::GreaterThan);
-    QTest::keyClicks(child<QLineEdit>(&dialog, "findNotePhrase"), QStringLiteral("bank"));
-    child<QCheckBox>(&dialog, "findCompleted")->setCheckState(Qt::Checked);
-    child<ColourCombo>(&dialog, "findColour")->setColour(4);
-    child<QCheckBox>(&dialog, "findItalic")->setCheckState(Qt::Checked);
-    child<QCheckBox>(&dialog, "findShowIcon")->setCheckState(Qt::Unchecked);
-    child<QCheckBox>(&dialog, "findCaseInsensitive")->setChecked(true);
-    // A dialog preset with criteria shows them again.
-    FindDialog again(dialog.criteria(), {});
-    const FindCriteria c = again.criteria();
-    QCOMPARE(c.flags, 0x1FFu);
-    QCOMPARE(c.name, QStringLiteral("ab"));
-    QCOMPARE(c.priority, quint16(3));
-    QCOMPARE(c.category, QStringLiteral("work"));
-    QCOMPARE(c.date, (SystemTime{2024, 5, 6, 11, 0, 0, 0, 0}));
-    QCOMPARE(c.dateOperator, FindCriteria::GreaterThan);
-    QCOMPARE(c.notePhrase, QStringLiteral("bank"));
-    QCOMPARE(c.progress, quint16(100)); // a checked "Completed" looks for 100%, an unchecked one for 0%
-    QCOMPARE(c.colour, quint16(4));
-    QVERIFY(c.italic && !c.showIcon && c.caseInsensitive);
-    // The boxes' third state is "any"; Clear empties every field but keeps the case option.
-    child<QCheckBox>(&again, "findCompleted")->setCheckState(Qt::Unchecked);
-    QCOMPARE(again.criteria().progress, quint16(0));
-    child<QCheckBox>(&again, "findItalic")->setCheckState(Qt::PartiallyChecked);
-    QVERIFY(!again.criteria().has(FindCriteria::Italic));
-    QTest::mouseClick(child<QPushButton>(&again, "findClear"), Qt::LeftButton);
-    QCOMPARE(again.criteria().flags, 0u);
-    QVERIFY(again.criteria().caseInsensitive);
-}
-
-void TestDialogs::findCommands()
-{
-    ShellFixture f;
-    auto document = sample();
-    document->hideCompleted = true;
-    QVERIFY(f.open(std::move(document)));
-    QVERIFY(!f.enabled("actionFindResult"));
-    // The case option starts from the settings (on); hidden items are left out of the results.
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        QVERIFY(child<QCheckBox>(d, "findCaseInsensitive")->isChecked());
-        QTest::keyClicks(child<QLineEdit>(d, "findName"), QStringLiteral("a"));
-        check(d, "findCaseInsensitive", false);
-        press(d);
-    });
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        QCOMPARE(rows(d), (QStringList{"abacus", "Plain"}));
-        QCOMPARE(child<QTreeWidget>(d, "resultList")->headerItem()->text(0), QStringLiteral("Search Results"));
-        press(d, QDialogButtonBox::Cancel);
-    });
-    QVERIFY(f.run("actionFindItem"));
-    QVERIFY(!f.window->settings().testFlag(Settings::CaseInsensitiveFind));
-
-    // The criteria preset the next search; the chosen result of a collapsed branch is revealed and made current.
-    f.document()->hideCompleted = false;
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        QCOMPARE(child<QLineEdit>(d, "findName")->text(), QStringLiteral("a"));
-        type(d, "findName", QStringLiteral("c"));
-        press(d);
-    });
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        auto *list = child<QTreeWidget>(d, "resultList");
-        QCOMPARE(list->topLevelItem(1)->text(1), QStringLiteral("Xabcx")); // where each result lies
-        list->setFocus();
-        QTest::keyClick(list, Qt::Key_Down);
-        QTest::keyClick(list, Qt::Key_Return);
-    });
-    QVERIFY(f.run("actionFindItem"));
-    QCOMPARE(f.current(), f.at({0, 0}));
-    // The kept result is offered again, without a match deleted since.
-    f.select(f.document()->root());
-    Editing::deleteItem(*f.document(), f.at({0}), &f.view()->clip());
-    f.select(f.document()->root());
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        QCOMPARE(rows(d), QStringList{"abacus"});
-        press(d);
-    });
-    QVERIFY(f.run("actionFindResult"));
-    QCOMPARE(f.current(), f.at({0}));
-    // A search that finds nothing says so and keeps no result.
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        type(d, "findName", QStringLiteral("nowhere"));
-        press(d);
-    });
-    QVERIFY(f.run("actionFindItem"));
-    QCOMPARE(f.shownTexts(), QStringList{"No item matched the search criteria."});
-    QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
-    QVERIFY(!f.enabled("actionFindResult"));
-}
-
-void TestDialogs::optionsMapToTheSettings()
-{
-    ShellFixture f;
-    QVERIFY(f.open(std::make_unique<Document>()));
-    f.window->settings().favIcons = {800, 2};
-    f.prompts.icons.enqueue(9);
-    // Cancel keeps every setting.
-    const Settings before = f.window->settings();
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        check(d, "bold", true);
-        press(d, QDialogButtonBox::Cancel);
-    });
-    QVERIFY(f.run("actionOptions"));
-    QCOMPARE(f.window->settings().flags, before.flags);
-
-    f.prompts.dialogs.enqueue([](QDialog *d) {
-        auto *size = child<QComboBox>(d, "fontSize");
-        QCOMPARE(size->currentText(), QStringLiteral("8 pt"));
-        size->setCurrentIndex(size->findData(100));
-        for (const char *box : {"bold", "normalFontCompleted", "greyCompleted", "calendarCategories", "longTapEdit",
-                                "externalEditor", "deleteAfterExport"}) // the last shows the stored bit inverted
-            check(d, box, true);
-        check(d, "caseInsensitive", false);
-        choose(d, "listStyle", 1);
-        child<ColourCombo>(d, "progressColour")->setColour(5);
-        auto *zoom = child<QComboBox>(d, "noteZoom");
-        zoom->setCurrentIndex(zoom->findData(150));
-        child<QSpinBox>(d, "undoLimit")->setValue(40);
-        auto *sound = child<QComboBox>(d, "sound");
-        QCOMPARE(sound->currentText(), QStringLiteral("Alarm1"));
-        sound->setCurrentIndex(sound->findText(QStringLiteral("(None)")));
-        child<QLineEdit>(d, "templateFile")->setText(QStringLiteral("/srv/templates.qbt"));
-        choose(d, "branchTab", 3);
-        child<QListWidget>(d, "favouriteIcons")->item(3)->setCheckState(Qt::Checked);
-        choose(d, "xmlEncoding", 2);
-        choose(d, "indent", 1);
-        choose(d, "separator", 4);
-        QTest::mouseClick(child<QToolButton>(d, "importIcon"), Qt::LeftButton);
-        choose(d, "importNoteType", 2);
-        // An unknown code page is refused, on its page.
-        child<QComboBox>(d, "codePage")->setEditText(QStringLiteral("no-such-page"));
-        press(d);
-        QCOMPARE(child<QTabWidget>(d, "pages")->currentIndex(), 4);
-        child<QComboBox>(d, "codePage")->setEditText(QStringLiteral("windows-1250"));
-        // A calendar folder needs no account, a server does.
-        auto *user = child<QLineEdit>(d, "calendarUser");
-        QVERIFY(!user->isEnabled());
-        child<QLineEdit>(d, "calendarStore")->setText(QStringLiteral(" https://dav.example.org/cal/tasks/ "));
-        user->setText(QStringLiteral("anna"));
-        press(d);
-    });
-    QVERIFY(f.run("actionOptions"));
-    QCOMPARE(f.shownTexts(),
-             QStringList{"The code page 'no-such-page' is not known. Please choose one from the list."});
-    QSettings store(f.dir.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
-    Settings stored;
-    stored.load(store);
-    for (const Settings &s : {f.window->settings(), stored}) {
-        QCOMPARE(s.fontSize, quint16(100));
-        QCOMPARE(s.prgColour, quint16(5));
-        QCOMPARE(s.noteZoom, quint16(150));
-        QCOMPARE(s.undoLimit, quint16(40));
-        QCOMPARE(s.sound, QStringLiteral("(None)"));
-        QCOMPARE(s.templateFile, QStringLiteral("/srv/templates.qbt"));
-        QCOMPARE(s.branchTab, quint16(3));
-        // A favourite beyond the chooser's pictures is kept.
-        QCOMPARE(s.favIcons, (QList<quint16>{800, 2, 3}));
-        QCOMPARE(s.xmlEncode, quint16(2));
-        QCOMPARE(s.expViewSep, quint16(1));
-        QCOMPARE(s.expOtherSep, quint16(4));
-        QCOMPARE(s.ansiCodePage, QStringLiteral("windows-1250"));
-        QCOMPARE(s.textImport, 0x00020009u);
-        QCOMPARE(s.calendarStore, QStringLiteral("https://dav.example.org/cal/tasks/"));
-        QCOMPARE(s.calendarUser, QStringLiteral("anna"));
-        // Bits 3 (long tap) to 9 (word processor) set; 0 (case) and 1 (delete after export) cleared.
-        QCOMPARE(s.flags, 0x3F8u);
+    void findWidgetsMapToTheCriteria()
+    {
+        // Which items match is the finder's rule; the dialog only fills the criteria.
+        FindDialog dialog(FindCriteria(), {QStringLiteral("Work"), QStringLiteral("Home")});
+        QTest::keyClicks(child<QLineEdit>(&dialog, "findName"), QStringLiteral("ab"));
+        child<QComboBox>(&dialog, "findPriority")->setCurrentIndex(3);
+        child<QComboBox>(&dialog, "findCategory")->setEditText(QStringLiteral("work"));
+        child<QCheckBox>(&dialog, "findHasDate")->setChecked(true);
+        child<QDateEdit>(&dialog, "findDate")->setDate(QDate(2024, 5, 11));
+        child<QComboBox>(&dialog, "findDateOperator")->setCurrentIndex(FindCriteria::GreaterThan);
+        QTest::keyClicks(child<QLineEdit>(&dialog, "findNotePhrase"), QStringLiteral("bank"));
+        child<QCheckBox>(&dialog, "findCompleted")->setCheckState(Qt::Checked);
+        child<ColourCombo>(&dialog, "findColour")->setColour(4);
+        child<QCheckBox>(&dialog, "findItalic")->setCheckState(Qt::Checked);
+        child<QCheckBox>(&dialog, "findShowIcon")->setCheckState(Qt::Unchecked);
+        child<QCheckBox>(&dialog, "findCaseInsensitive")->setChecked(true);
+        // A dialog preset with criteria shows them again.
+        FindDialog again(dialog.criteria(), {});
+        const FindCriteria c = again.criteria();
+        QCOMPARE(c.flags, 0x1FFu);
+        QCOMPARE(c.name, QStringLiteral("ab"));
+        QCOMPARE(c.priority, quint16(3));
+        QCOMPARE(c.category, QStringLiteral("work"));
+        QCOMPARE(c.date, (SystemTime{2024, 5, 6, 11, 0, 0, 0, 0}));
+        QCOMPARE(c.dateOperator, FindCriteria::GreaterThan);
+        QCOMPARE(c.notePhrase, QStringLiteral("bank"));
+        QCOMPARE(c.progress, quint16(100)); // a checked "Completed" looks for 100%, an unchecked one for 0%
+        QCOMPARE(c.colour, quint16(4));
+        QVERIFY(c.italic && !c.showIcon && c.caseInsensitive);
+        // The boxes' third state is "any"; Clear empties every field but keeps the case option.
+        child<QCheckBox>(&again, "findCompleted")->setCheckState(Qt::Unchecked);
+        QCOMPARE(again.criteria().progress, quint16(0));
+        child<QCheckBox>(&again, "findItalic")->setCheckState(Qt::PartiallyChecked);
+        QVERIFY(!again.criteria().has(FindCriteria::Italic));
+        QTest::mouseClick(child<QPushButton>(&again, "findClear"), Qt::LeftButton);
+        QCOMPARE(again.criteria().flags, 0u);
+        QVERIFY(again.criteria().caseInsensitive);
     }
-}
 
-void TestDialogs::setPassword_data()
-{
-    QTest::addColumn<QString>("stored");    // empty: not protected
-    QTest::addColumn<QStringList>("tries"); // current, new, confirmation; repeated per OK
-    QTest::addColumn<QStringList>("messages");
-    QTest::addColumn<QString>("result"); // the password afterwards; empty: none
-    QTest::addColumn<bool>("accepted");
-
-    const QString wrong = QStringLiteral("The password is not correct. Please enter the password and try again.");
-    const QString mismatch = QStringLiteral("The new password and confirmation do not match. Please try again.");
-    QTest::newRow("set, 15 characters at most") << QString() << QStringList{"", "0123456789abcdef", "0123456789abcdef"}
-                                                << QStringList() << QStringLiteral("0123456789abcde") << true;
-    QTest::newRow("mismatch, then agreed") << QString() << QStringList{"", "abc", "abd", "", "abc", "abc"}
-                                           << QStringList{mismatch} << QStringLiteral("abc") << true;
-    QTest::newRow("wrong current password") << QStringLiteral("abc") << QStringList{"ABC", "x", "x"}
-                                            << QStringList{wrong} << QStringLiteral("abc") << false;
-    QTest::newRow("both new boxes empty remove the protection")
-        << QStringLiteral("abc") << QStringList{"abc", "", ""} << QStringList() << QString() << true;
-}
-
-void TestDialogs::setPassword()
-{
-    QFETCH(QString, stored);
-    QFETCH(QStringList, tries);
-    QFETCH(QStringList, messages);
-    QFETCH(QString, result);
-    QFETCH(bool, accepted);
-    ShellFixture f;
-    auto document = std::make_unique<Document>();
-    add(document->root(), QStringLiteral("Secret"));
-    if (!stored.isEmpty())
-        document->passwordHash = Password::digest(stored);
-    f.prompts.passwords.enqueue(stored);
-    QVERIFY(f.open(std::move(document)));
-    bool closedWithOk = false;
-    f.prompts.dialogs.enqueue([&](QDialog *d) {
-        QCOMPARE(child<QLabel>(d, "passwordMessage")->text(),
-                 QStringLiteral("Enter a new password to protect this file. If this file already has a password, "
-                                "please enter it to change."));
-        QCOMPARE(child<QLineEdit>(d, "currentPassword")->isEnabled(), !stored.isEmpty());
-        for (qsizetype i = 0; i + 2 < tries.size(); i += 3) {
-            if (!stored.isEmpty())
-                type(d, "currentPassword", tries[i]);
-            type(d, "newPassword", tries[i + 1]);
-            type(d, "confirmPassword", tries[i + 2]);
+    void findCommands()
+    {
+        ShellFixture f;
+        QVERIFY(f.open(Sample));
+        f.document()->hideCompleted = true;
+        QVERIFY(!f.enabled("actionFindResult"));
+        // The case option starts from the settings (on); hidden items are left out of the results.
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            QVERIFY(child<QCheckBox>(d, "findCaseInsensitive")->isChecked());
+            QTest::keyClicks(child<QLineEdit>(d, "findName"), QStringLiteral("a"));
+            check(d, "findCaseInsensitive", false);
             press(d);
-        }
-        closedWithOk = !d->isVisible() && d->result() == QDialog::Accepted;
-    });
-    QVERIFY(f.run("actionSetPassword"));
-    QCOMPARE(f.shownTexts(), messages);
-    for (const auto &shown : std::as_const(f.prompts.shown))
-        QCOMPARE(shown.icon, Prompts::Icon::Stop);
-    QCOMPARE(closedWithOk, accepted);
-    QCOMPARE(f.document()->passwordHash, result.isEmpty() ? QByteArray() : Password::digest(result));
-    // A protected document opens only with its password.
-    f.window->closeDocument();
-    f.prompts.passwords.clear();
-    f.prompts.passwords << QStringLiteral("wrong") << result;
-    QVERIFY(f.window->openDocument(f.dir.filePath(QStringLiteral("test.qbx"))));
-    QCOMPARE(f.prompts.passwordAttempts, int(!stored.isEmpty()) + (result.isEmpty() ? 0 : 2));
-}
+        });
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            QCOMPARE(rows(d), (QStringList{"abacus", "Plain"}));
+            QCOMPARE(child<QTreeWidget>(d, "resultList")->headerItem()->text(0), QStringLiteral("Search Results"));
+            press(d, QDialogButtonBox::Cancel);
+        });
+        QVERIFY(f.run("actionFindItem"));
+        QVERIFY(!f.window->settings().testFlag(Settings::CaseInsensitiveFind));
 
-void TestDialogs::enterPassword()
-{
-    ScriptedPrompts prompts;
-    PasswordDialog dialog([](const QString &text) { return text == QLatin1String("abc"); }, &prompts);
-    dialog.show();
-    QCOMPARE(child<QLabel>(&dialog, "passwordMessage")->text(),
-             QStringLiteral("This Quillbox file is protected with a password. Please enter a valid password."));
-    QVERIFY(dialog.currentEdit()->isEnabled() && !dialog.newEdit()->isEnabled() && !dialog.confirmEdit()->isEnabled());
-    // Wrong passwords may be tried again without limit.
-    for (const char *attempt : {"ABC", "", "abc"}) {
-        QVERIFY(dialog.isVisible());
-        type(&dialog, "currentPassword", QString::fromLatin1(attempt));
-        press(&dialog);
+        // The criteria preset the next search; the chosen result of a collapsed branch is revealed and made current.
+        f.document()->hideCompleted = false;
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            QCOMPARE(child<QLineEdit>(d, "findName")->text(), QStringLiteral("a"));
+            type(d, "findName", QStringLiteral("c"));
+            press(d);
+        });
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            auto *list = child<QTreeWidget>(d, "resultList");
+            QCOMPARE(list->topLevelItem(1)->text(1), QStringLiteral("Xabcx")); // where each result lies
+            list->setFocus();
+            QTest::keyClick(list, Qt::Key_Down);
+            QTest::keyClick(list, Qt::Key_Return);
+        });
+        QVERIFY(f.run("actionFindItem"));
+        QCOMPARE(f.current(), f.at({0, 0}));
+        // The kept result is offered again, without a match deleted since.
+        f.select(f.document()->root());
+        Editing::deleteItem(*f.document(), f.at({0}), &f.view()->clip());
+        f.select(f.document()->root());
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            QCOMPARE(rows(d), QStringList{"abacus"});
+            press(d);
+        });
+        QVERIFY(f.run("actionFindResult"));
+        QCOMPARE(f.current(), f.at({0}));
+        // A search that finds nothing says so and keeps no result.
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            type(d, "findName", QStringLiteral("nowhere"));
+            press(d);
+        });
+        QVERIFY(f.run("actionFindItem"));
+        QCOMPARE(f.shownTexts(), QStringList{"No item matched the search criteria."});
+        QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Information);
+        QVERIFY(!f.enabled("actionFindResult"));
     }
-    QCOMPARE(prompts.shown.size(), 2);
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-}
+
+    void optionsMapToTheSettings()
+    {
+        ShellFixture f;
+        QVERIFY(f.open(std::make_unique<Document>()));
+        f.window->settings().favIcons = {800, 2};
+        f.prompts.icons.enqueue(9);
+        // Cancel keeps every setting.
+        const Settings before = f.window->settings();
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            check(d, "bold", true);
+            press(d, QDialogButtonBox::Cancel);
+        });
+        QVERIFY(f.run("actionOptions"));
+        QCOMPARE(f.window->settings().flags, before.flags);
+
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            auto *size = child<QComboBox>(d, "fontSize");
+            QCOMPARE(size->currentText(), QStringLiteral("8 pt"));
+            size->setCurrentIndex(size->findData(100));
+            for (const char *box : {"bold", "normalFontCompleted", "greyCompleted", "calendarCategories", "longTapEdit",
+                                    "externalEditor", "deleteAfterExport"}) // the last shows the stored bit inverted
+                check(d, box, true);
+            check(d, "caseInsensitive", false);
+            choose(d, "listStyle", 1);
+            child<ColourCombo>(d, "progressColour")->setColour(5);
+            auto *zoom = child<QComboBox>(d, "noteZoom");
+            zoom->setCurrentIndex(zoom->findData(150));
+            child<QSpinBox>(d, "undoLimit")->setValue(40);
+            auto *sound = child<QComboBox>(d, "sound");
+            QCOMPARE(sound->currentText(), QStringLiteral("Alarm1"));
+            sound->setCurrentIndex(sound->findText(QStringLiteral("(None)")));
+            child<QLineEdit>(d, "templateFile")->setText(QStringLiteral("/srv/templates.qbt"));
+            choose(d, "branchTab", 3);
+            child<QListWidget>(d, "favouriteIcons")->item(3)->setCheckState(Qt::Checked);
+            choose(d, "xmlEncoding", 2);
+            choose(d, "indent", 1);
+            choose(d, "separator", 4);
+            QTest::mouseClick(child<QToolButton>(d, "importIcon"), Qt::LeftButton);
+            choose(d, "importNoteType", 2);
+            // An unknown code page is refused, on its page.
+            child<QComboBox>(d, "codePage")->setEditText(QStringLiteral("no-such-page"));
+            press(d);
+            QCOMPARE(child<QTabWidget>(d, "pages")->currentIndex(), 4);
+            child<QComboBox>(d, "codePage")->setEditText(QStringLiteral("windows-1250"));
+            // A calendar folder needs no account, a server does.
+            auto *user = child<QLineEdit>(d, "calendarUser");
+            QVERIFY(!user->isEnabled());
+            child<QLineEdit>(d, "calendarStore")->setText(QStringLiteral(" https://dav.example.org/cal/tasks/ "));
+            user->setText(QStringLiteral("anna"));
+            press(d);
+        });
+        QVERIFY(f.run("actionOptions"));
+        QCOMPARE(f.shownTexts(),
+                 QStringList{"The code page 'no-such-page' is not known. Please choose one from the list."});
+        QSettings store(f.dir.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+        Settings stored;
+        stored.load(store);
+        for (const Settings &s : {f.window->settings(), stored}) {
+            QCOMPARE(s.fontSize, quint16(100));
+            QCOMPARE(s.prgColour, quint16(5));
+            QCOMPARE(s.noteZoom, quint16(150));
+            QCOMPARE(s.undoLimit, quint16(40));
+            QCOMPARE(s.sound, QStringLiteral("(None)"));
+            QCOMPARE(s.templateFile, QStringLiteral("/srv/templates.qbt"));
+            QCOMPARE(s.branchTab, quint16(3));
+            // A favourite beyond the chooser's pictures is kept.
+            QCOMPARE(s.favIcons, (QList<quint16>{800, 2, 3}));
+            QCOMPARE(s.xmlEncode, quint16(2));
+            QCOMPARE(s.expViewSep, quint16(1));
+            QCOMPARE(s.expOtherSep, quint16(4));
+            QCOMPARE(s.ansiCodePage, QStringLiteral("windows-1250"));
+            QCOMPARE(s.textImport, 0x00020009u);
+            QCOMPARE(s.calendarStore, QStringLiteral("https://dav.example.org/cal/tasks/"));
+            QCOMPARE(s.calendarUser, QStringLiteral("anna"));
+            // Bits 3 (long tap) to 9 (word processor) set; 0 (case) and 1 (delete after export) cleared.
+            QCOMPARE(s.flags, 0x3F8u);
+        }
+    }
+
+    void setPassword()
+    {
+        const QString wrong = QStringLiteral("The password is not correct. Please enter the password and try again.");
+        const QString mismatch = QStringLiteral("The new password and confirmation do not match. Please try again.");
+        const struct {
+            QString stored;    // empty: not protected
+            QStringList tries; // current, new, confirmation; repeated per OK
+            QStringList messages;
+            QString result; // the password afterwards; empty: none
+        } rows[] = {
+            {"", {"", "0123456789abcdef", "0123456789abcdef"}, {}, "0123456789abcde"}, // 15 characters at most
+            {"", {"", "abc", "abd", "", "abc", "abc"}, {mismatch}, "abc"},
+            {"abc", {"ABC", "x", "x"}, {wrong}, "abc"}, // refused before the new one is looked at
+            {"abc", {"abc", "", ""}, {}, ""},           // both new boxes empty remove the protection
+        };
+        for (const auto &row : rows) {
+            ShellFixture f;
+            auto document = std::make_unique<Document>();
+            if (!row.stored.isEmpty())
+                document->passwordHash = Password::digest(row.stored);
+            f.prompts.passwords << row.stored;
+            QVERIFY(f.open(std::move(document)));
+            f.prompts.dialogs.enqueue([&](QDialog *d) {
+                QCOMPARE(child<QLabel>(d, "passwordMessage")->text(),
+                         QStringLiteral("Enter a new password to protect this file. If this file already has a "
+                                        "password, please enter it to change."));
+                QCOMPARE(child<QLineEdit>(d, "currentPassword")->isEnabled(), !row.stored.isEmpty());
+                for (qsizetype i = 0; i + 2 < row.tries.size(); i += 3) {
+                    type(d, "currentPassword", row.tries[i]);
+                    type(d, "newPassword", row.tries[i + 1]);
+                    type(d, "confirmPassword", row.tries[i + 2]);
+                    press(d);
+                }
+            });
+            QVERIFY(f.run("actionSetPassword"));
+            QCOMPARE(f.shownTexts(), row.messages);
+            QCOMPARE(f.document()->passwordHash, row.result.isEmpty() ? QByteArray() : Password::digest(row.result));
+            // A protected document opens only with its password.
+            f.window->closeDocument();
+            f.prompts.passwords.clear();
+            f.prompts.passwords << QStringLiteral("wrong") << row.result;
+            QVERIFY(f.window->openDocument(f.dir.filePath(QStringLiteral("test.qbx"))));
+            QCOMPARE(f.prompts.passwordAttempts, int(!row.stored.isEmpty()) + (row.result.isEmpty() ? 0 : 2));
+        }
+    }
+
+    void enterPassword()
+    {
+        ScriptedPrompts prompts;
+        PasswordDialog dialog([](const QString &text) { return text == QLatin1String("abc"); }, &prompts);
+        dialog.show();
+        QCOMPARE(child<QLabel>(&dialog, "passwordMessage")->text(),
+                 QStringLiteral("This Quillbox file is protected with a password. Please enter a valid password."));
+        QVERIFY(dialog.currentEdit()->isEnabled() && !dialog.newEdit()->isEnabled() &&
+                !dialog.confirmEdit()->isEnabled());
+        // Wrong passwords may be tried again without limit.
+        for (const char *attempt : {"ABC", "", "abc"}) {
+            QVERIFY(dialog.isVisible());
+            type(&dialog, "currentPassword", QString::fromLatin1(attempt));
+            press(&dialog);
+        }
+        QCOMPARE(prompts.shown.size(), 2);
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    }
+};
 
 QTEST_MAIN(TestDialogs)
 #include "tst_dialogs.moc"
