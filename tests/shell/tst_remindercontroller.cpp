@@ -11,42 +11,14 @@
 #include <QDialog>
 #include <QFile>
 #include <QLabel>
-#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
 
 #ifdef QUILLBOX_HAVE_DBUS
 #include <QDBusConnection>
-#include <QDBusMessage>
-
-namespace {
-
-/// A notification service that keeps what it was asked.
-class FakeNotifications : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-public:
-    QStringList calls;
-    QList<uint> closed;
-
-public Q_SLOTS:
-    uint Notify(const QString &app, uint replaces, const QString &, const QString &summary, const QString &body,
-                const QStringList &actions, const QVariantMap &, int timeout)
-    {
-        calls.append(QStringList{app, QString::number(replaces), summary, body, actions.join(QLatin1Char(',')),
-                                 QString::number(timeout)}
-                         .join(QLatin1Char('|')));
-        return replaces ? replaces : 7;
-    }
-    void CloseNotification(uint id) { closed.append(id); }
-    QStringList GetCapabilities() { return {QStringLiteral("actions"), QStringLiteral("body-markup")}; }
-};
-
-} // namespace
 #endif
 
 namespace {
@@ -152,55 +124,6 @@ private Q_SLOTS:
         QCOMPARE(f.item("c")->reminderTime().second, quint16(0));
         QCOMPARE(f.item("a")->reminderTime().second, quint16(1));
         QVERIFY(!f.controller->runCommand(1992));
-    }
-
-    void desktopNotification()
-    {
-#ifndef QUILLBOX_HAVE_DBUS
-        QSKIP("built without D-Bus");
-#else
-        // A bus of the test's own, with a notification service that records what it is asked.
-        const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
-        if (daemon.isEmpty())
-            QSKIP("dbus-daemon is not installed");
-        QTemporaryDir dir;
-        QProcess bus;
-        bus.start(daemon, {"--session", "--nofork", "--print-address", "--address=unix:path=" + dir.filePath("bus")});
-        QVERIFY(bus.waitForStarted());
-        QTRY_VERIFY(bus.canReadLine());
-        const QString address = QString::fromUtf8(bus.readLine()).trimmed();
-        const QString service = QStringLiteral("org.freedesktop.Notifications");
-        const QString path = QStringLiteral("/org/freedesktop/Notifications");
-        QDBusConnection server = QDBusConnection::connectToBus(address, QStringLiteral("server"));
-        FakeNotifications fake;
-        QVERIFY(server.registerObject(path, &fake, QDBusConnection::ExportAllSlots) && server.registerService(service));
-
-        DesktopNotification notification(QDBusConnection::connectToBus(address, QStringLiteral("client")));
-        QSignalSpy commands(&notification, &DesktopNotification::commandRequested);
-        notification.show(QStringLiteral("Quillbox Reminder"), QStringLiteral("<b>a</b> 3/5/24"));
-        QTRY_COMPARE(notification.currentId(), 7u);
-        notification.show(QStringLiteral("Quillbox Reminder"), QStringLiteral("There are 3 reminders."));
-        QTRY_COMPARE(fake.calls.size(), 2);
-        QCOMPARE(fake.calls, (QStringList{"Quillbox|0|Quillbox Reminder|<b>a</b> 3/5/24|cmd:1990,Dismiss All,cmd:1991,"
-                                          "View Reminders|3600000",
-                                          "Quillbox|7|Quillbox Reminder|There are 3 reminders.|cmd:1990,Dismiss All,"
-                                          "cmd:1991,View Reminders|3600000"}));
-        // Another program's notification is none of ours.
-        for (uint id : {8u, 7u}) {
-            QDBusMessage signal = QDBusMessage::createSignal(path, service, QStringLiteral("ActionInvoked"));
-            signal << id << QString::fromLatin1(id == 7 ? "cmd:1991" : "cmd:1990");
-            QVERIFY(server.send(signal));
-        }
-        QTRY_COMPARE(commands.count(), 1);
-        QCOMPARE(commands.at(0).at(0).toInt(), 1991);
-        notification.close();
-        QTRY_COMPARE(fake.closed, QList<uint>({7u}));
-        QCOMPARE(notification.currentId(), 0u);
-        QDBusConnection::disconnectFromBus(QStringLiteral("server"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("client"));
-        bus.terminate();
-        bus.waitForFinished(5000);
-#endif
     }
 };
 
