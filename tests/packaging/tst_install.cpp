@@ -90,25 +90,18 @@ private Q_SLOTS:
         qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("nothing")).toLocal8Bit());
         qputenv("XDG_DATA_DIRS", (m_prefix + QStringLiteral("/share")).toLocal8Bit());
         const QByteArray rest("\x00\x00\x05\x00\x00\x00\x00\x00\x00\x00\x00\x00", 12);
-        const struct {
-            const char *name;
-            QByteArray head;
-            bool known;
-        } rows[] = {{"551", QByteArray("\x27\x02\x00\x00", 4), true},
-                    {"550", QByteArray("\x26\x02\x00\x00", 4), true},
-                    {"501", QByteArray("\xF5\x01\x00\x00", 4), true},
-                    {"500", QByteArray("\xF4\x01\x00\x00", 4), true},
-                    {"410", QByteArray("\x9A\x01\x00\x00", 4), true},
-                    {"552", QByteArray("\x28\x02\x00\x00", 4), false},
-                    {"551 big-endian", QByteArray("\x00\x00\x02\x27", 4), false},
-                    {"551 one byte on", QByteArray("\x00\x27\x02\x00\x00", 5), false},
-                    {"Plan.qbx", QByteArray(4, '\0'), true}};
-        for (const auto &row : rows) {
-            QFile file(m_dir.filePath(QString::fromLatin1(row.name)));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(row.head + rest) > 0);
+        const std::pair<const char *, QByteArray> rows[] = {// the names with a space are not our type
+                                                            {"551", QByteArray("\x27\x02\x00\x00", 4)},
+                                                            {"410", QByteArray("\x9A\x01\x00\x00", 4)},
+                                                            {"552 is no version", QByteArray("\x28\x02\x00\x00", 4)},
+                                                            {"551 big-endian", QByteArray("\x00\x00\x02\x27", 4)},
+                                                            {"Plan.qbx", QByteArray(4, '\0')}};
+        for (const auto &[name, head] : rows) {
+            QFile file(m_dir.filePath(QString::fromLatin1(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(head + rest) > 0);
             file.close();
             const QString type = QMimeDatabase().mimeTypeForFile(file.fileName()).name();
-            QVERIFY2((type == QLatin1String("application/x-quillbox")) == row.known, row.name);
+            QVERIFY2((type == QLatin1String("application/x-quillbox")) == !QByteArray(name).contains(' '), name);
         }
     }
 
