@@ -7,7 +7,6 @@
 #include "views/viewrows.h"
 
 #include <QContextMenuEvent>
-#include <QSplitter>
 
 // The tree pane, its item menu, the quick entry bar, the note pane and the branch view, worked as a person would,
 // on Root > A (automatic: A1, A2 > A2a), B, C.
@@ -236,28 +235,6 @@ private Q_SLOTS:
         // The root has no note: the pane greys.
         select("Root");
         QVERIFY(!m_f->view()->notePane()->isEnabled());
-    }
-
-    void splitterDragIsSaved()
-    {
-        // A tall window stacks the panes at the first layout's share, and a drag is kept there; a wide one puts them
-        // side by side at the second layout's share.
-        QSplitter *splitter = m_f->view()->splitter();
-        QCOMPARE(splitter->orientation(), Qt::Vertical);
-        QWidget *handle = splitter->handle(1);
-        const QPoint to = handle->rect().center() - QPoint(0, splitter->height() / 5);
-        QTest::mousePress(handle, Qt::LeftButton, {}, handle->rect().center());
-        QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(handle, &move);
-        QTest::mouseRelease(handle, Qt::LeftButton, {}, to);
-        QCOMPARE(m_f->window->settings().splitPct7, quint16(60));
-        QVERIFY2(qAbs(m_f->window->settings().splitPct - 40) <= 5,
-                 qPrintable(QString::number(m_f->window->settings().splitPct)));
-        m_f->window->resize(1400, 500);
-        QCoreApplication::processEvents();
-        QCOMPARE(splitter->orientation(), Qt::Horizontal);
-        QVERIFY(qAbs(splitter->sizes().value(0) * 100 / (splitter->sizes().value(0) + splitter->sizes().value(1)) -
-                     60) <= 1);
     }
 
     void branchView()
