@@ -1,14 +1,11 @@
 #include "noteeditor/notepane.h"
 #include "notes/notetext.h"
 #include "platform/messages.h"
-#include "shell/app/singleinstance.h"
 #include "shell/document/quickentrybar.h"
 #include "support/shellfixture.h"
 
 #include <QFileInfo>
 #include <QSettings>
-#include <QSignalSpy>
-#include <QThread>
 
 namespace {
 
@@ -144,16 +141,7 @@ private Q_SLOTS:
         QTest::keyClicks(entry, QStringLiteral("three"));
         QTest::keyClick(entry, Qt::Key_Return);
         QTest::keyClicks(w->view()->notePane()->plainEditor(), QStringLiteral("a note"));
-        // A dialog of the window takes the activation: nothing is written.
-        QDialog dialog(w);
-        dialog.show();
-        QApplication::setActiveWindow(&dialog);
-        QTRY_VERIFY(!w->isActiveWindow());
-        QCOMPARE(onDisk(f.alpha), (QStringList{"one", "two"}));
-        dialog.hide();
-        QApplication::setActiveWindow(w);
-        QTRY_VERIFY(w->isActiveWindow());
-        // Another application takes it: the selection and the note are committed and saved.
+        // Another application takes the activation: the selection and the note are committed and saved.
         QApplication::setActiveWindow(nullptr);
         QTRY_VERIFY(!w->isActiveWindow());
         QByteArray note;
@@ -207,33 +195,6 @@ private Q_SLOTS:
         QCOMPARE(onDisk(f.alpha), (QStringList{"theirs", "mine"}));
         const QStringList conflicts = QDir(f.dir.path()).entryList({QStringLiteral("Alpha (conflict *).qbx")});
         QCOMPARE(onDisk(f.dir.filePath(conflicts.value(0))), QStringList{"theirs again"});
-    }
-
-    void handOverFromASecondInstance()
-    {
-        Fixture f;
-        const QString name = QStringLiteral("quillbox-test-%1").arg(QCoreApplication::applicationPid());
-        SingleInstance first(name);
-        QVERIFY(first.listen());
-        MainWindow *w = f.start(f.alpha);
-        connect(&first, &SingleInstance::pathReceived, w, &MainWindow::handOver);
-        QSignalSpy raised(&first, &SingleInstance::raiseRequested);
-        w->view()->quickEntryBar()->setText(QStringLiteral("added before"));
-        w->view()->quickEntryBar()->add();
-        // The first document is saved before the handed path replaces it; without a path the window comes forward.
-        for (const QString &path : {f.beta, QString()}) {
-            bool handedOver = false;
-            std::unique_ptr<QThread> second(
-                QThread::create([&] { handedOver = SingleInstance(name).handOver(path, 5000); }));
-            second->start();
-            QTRY_VERIFY(second->isFinished());
-            QVERIFY(handedOver);
-            QTRY_COMPARE(f.document()->path, f.beta);
-        }
-        QCOMPARE(onDisk(f.alpha), (QStringList{"one", "two", "added before"}));
-        QTRY_COMPARE(raised.count(), 1);
-        // Nobody listening, a start goes on alone.
-        QVERIFY(!SingleInstance(name + QStringLiteral("-none")).handOver(QStringLiteral("x"), 500));
     }
 
     void keys()
