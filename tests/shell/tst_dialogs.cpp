@@ -102,7 +102,6 @@ private Q_SLOTS:
         });
         f.prompts.dialogs.enqueue([](QDialog *d) {
             QCOMPARE(rows(d), (QStringList{"abacus", "Plain"}));
-            QCOMPARE(child<QTreeWidget>(d, "resultList")->headerItem()->text(0), QStringLiteral("Search Results"));
             press(d, QDialogButtonBox::Cancel);
         });
         QVERIFY(f.run("actionFindItem"));
@@ -199,29 +198,28 @@ private Q_SLOTS:
         QVERIFY(f.run("actionOptions"));
         QCOMPARE(f.shownTexts(),
                  QStringList{"The code page 'no-such-page' is not known. Please choose one from the list."});
+        // Every field once, the window's settings and the stored ones; a favourite beyond the chooser's pictures is
+        // kept; the text import is icon 9 and note type 2 (0x20009); the flags 0x3F8 are bits 3 (long tap) to 9 (word
+        // processor), with 0 (case) and 1 (delete after export) cleared.
+        auto summary = [](const Settings &s) {
+            QStringList values{s.sound, s.templateFile, s.ansiCodePage, s.calendarStore, s.calendarUser};
+            for (quint32 n :
+                 {quint32(s.fontSize), quint32(s.prgColour), quint32(s.noteZoom), quint32(s.undoLimit),
+                  quint32(s.branchTab), quint32(s.xmlEncode), quint32(s.expViewSep), quint32(s.expOtherSep)})
+                values << QString::number(n);
+            for (quint16 icon : s.favIcons)
+                values << QString::number(icon);
+            return values.join(QLatin1Char('|')) +
+                   QStringLiteral("|%1|%2").arg(s.textImport, 0, 16).arg(s.flags, 0, 16);
+        };
         QSettings store(f.dir.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
         Settings stored;
         stored.load(store);
-        for (const Settings &s : {f.window->settings(), stored}) {
-            QCOMPARE(s.fontSize, quint16(100));
-            QCOMPARE(s.prgColour, quint16(5));
-            QCOMPARE(s.noteZoom, quint16(150));
-            QCOMPARE(s.undoLimit, quint16(40));
-            QCOMPARE(s.sound, QStringLiteral("(None)"));
-            QCOMPARE(s.templateFile, QStringLiteral("/srv/templates.qbt"));
-            QCOMPARE(s.branchTab, quint16(3));
-            // A favourite beyond the chooser's pictures is kept.
-            QCOMPARE(s.favIcons, (QList<quint16>{800, 2, 3}));
-            QCOMPARE(s.xmlEncode, quint16(2));
-            QCOMPARE(s.expViewSep, quint16(1));
-            QCOMPARE(s.expOtherSep, quint16(4));
-            QCOMPARE(s.ansiCodePage, QStringLiteral("windows-1250"));
-            QCOMPARE(s.textImport, 0x00020009u);
-            QCOMPARE(s.calendarStore, QStringLiteral("https://dav.example.org/cal/tasks/"));
-            QCOMPARE(s.calendarUser, QStringLiteral("anna"));
-            // Bits 3 (long tap) to 9 (word processor) set; 0 (case) and 1 (delete after export) cleared.
-            QCOMPARE(s.flags, 0x3F8u);
-        }
+        const QString expected =
+            QStringLiteral("(None)|/srv/templates.qbt|windows-1250|https://dav.example.org/cal/tasks/|"
+                           "anna|100|5|150|40|3|2|1|4|800|2|3|20009|3f8");
+        QCOMPARE(summary(f.window->settings()), expected);
+        QCOMPARE(summary(stored), expected);
     }
 
     void setPassword()
