@@ -79,12 +79,11 @@ struct ShellFixture {
     }
 
     /// Writes a document built from an outline (see support/outline.h) to the folder and opens it.
-    DocumentView *open(const char *outline, quint16 noteType = Document::PlainText)
+    DocumentView *open(const char *outline, const QString &name = QStringLiteral("test.qbx"))
     {
         auto document = std::make_unique<Document>();
-        document->noteType = noteType;
         Outline::build(document->root(), outline);
-        return open(std::move(document));
+        return open(std::move(document), name);
     }
 
     DocumentView *view() const { return window->view(); }
