@@ -28,8 +28,7 @@ QByteArray readAll(const QString &path)
 
 } // namespace
 
-/// `cmake --install` of this build into a staging folder and the Debian package made from it, looked at the way a
-/// desktop looks at an installed program.
+/// `cmake --install` of this build into a staging folder, looked at the way a desktop looks at an installed program.
 class TestInstall : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -102,42 +101,6 @@ private Q_SLOTS:
             file.close();
             const QString type = QMimeDatabase().mimeTypeForFile(file.fileName()).name();
             QVERIFY2((type == QLatin1String("application/x-quillbox")) == !QByteArray(name).contains(' '), name);
-        }
-    }
-
-    void debianPackage()
-    {
-        // Packed here rather than in the build folder, from what the build holds; dpkg-deb and dpkg-shlibdeps come
-        // with scripts/setup.
-        const QString out = m_dir.filePath(QStringLiteral("deb"));
-        const auto pack =
-            run(QStringLiteral(QUILLBOX_CPACK_COMMAND),
-                {"-G", "DEB", "--config", QStringLiteral(QUILLBOX_BINARY_DIR "/CPackConfig.cmake"), "-B", out});
-        QVERIFY2(pack.first == 0, pack.second.constData());
-        const QStringList packages = QDir(out).entryList({QStringLiteral("*.deb")}, QDir::Files);
-        QCOMPARE(packages.size(), 1);
-        const QString package = out + QLatin1Char('/') + packages.first();
-        const QString root = m_dir.filePath(QStringLiteral("root"));
-        QCOMPARE(run(QStringLiteral("dpkg-deb"), {"-x", package, root}).first, 0);
-        // dpkg-shlibdeps found the libraries the programs link.
-        const auto fields = run(QStringLiteral("dpkg-deb"), {"--field", package, "Package", "Version", "Depends"});
-        QVERIFY2(fields.second.startsWith("Package: quillbox\nVersion: " QUILLBOX_VERSION "\n"),
-                 fields.second.constData());
-        QVERIFY(fields.second.contains(" libqt6core6 ("));
-        QCOMPARE(fields.second.contains(" libqt6widgets6 ("), bool(QUILLBOX_WITH_GUI));
-        QStringList programs{"qbx"};
-        if (QUILLBOX_WITH_GUI) {
-            programs << "quillbox";
-            QVERIFY(QFileInfo(root + QStringLiteral("/usr/share/applications/org.quillbox.Quillbox.desktop")).isFile());
-            QVERIFY(QFileInfo(root + QStringLiteral("/usr/share/mime/packages/org.quillbox.Quillbox.xml")).isFile());
-        }
-        for (const QString &program : programs) {
-            const QString path = root + QStringLiteral("/usr/bin/") + program;
-            QCOMPARE(run(path, {"--version"}),
-                     std::make_pair(0, QByteArray(program.toLatin1() + " " QUILLBOX_VERSION "\n")));
-            // Installed stripped: the debugging information stays in the build.
-            const QByteArray sections = run(QStringLiteral("readelf"), {"-S", path}).second;
-            QVERIFY(sections.contains(".text") && !sections.contains(".debug_info"));
         }
     }
 
