@@ -1,5 +1,4 @@
 #include "model/item.h"
-#include "rows/colourtable.h"
 #include "rows/rowgeometry.h"
 #include "rows/rowpainter.h"
 
@@ -160,28 +159,6 @@ private Q_SLOTS:
             item.setAutoProgress(true);
             QVERIFY(render(painter(), &item).image.pixelColor(left - 1, 4) != Base);
         }
-    }
-
-    void colours()
-    {
-        const QColor c1(0, 128, 255);
-        const QColor c2(255, 251, 240);
-        QCOMPARE(RowPainter::bandColour(0, c1, c2), c1);
-        QCOMPARE(RowPainter::bandColour(32, c1, c2), QColor(127, 189, 247));
-        QCOMPARE(RowPainter::bandColour(63, c1, c2), QColor(251, 249, 240));
-        // PrgColour 0 takes the text colour; the item colour table holds 1 to 35.
-        RowStyle style;
-        style.prgColour = 0;
-        QCOMPARE(RowPainter(style, palette()).progressColour(), Ink);
-        style.prgColour = 15;
-        QCOMPARE(RowPainter(style, palette()).progressColour(), QColor(0, 128, 0));
-        QVERIFY(!ColourTable::colour(0).isValid() && !ColourTable::colour(36).isValid() &&
-                ColourTable::colour(35).isValid());
-        // White or black text on a coloured selection, whichever reads better.
-        const std::pair<quint32, bool> contrast[] = {{0x646464u, true},  {0x00FF00u, false}, {0x00EFFFu, true},
-                                                     {0xC0C0C0u, false}, {0xC10000u, true},  {0xB4338Eu, true}};
-        for (const auto &[colorRef, white] : contrast)
-            QCOMPARE(ColourTable::contrastText(colorRef), white ? QColor(Qt::white) : QColor(Qt::black));
     }
 
     void textColours()

@@ -3,7 +3,6 @@
 #include "model/editing.h"
 #include "notes/notetext.h"
 #include "shell/dialogs/finddialog.h"
-#include "shell/dialogs/passworddialog.h"
 #include "shell/widgets/colourcombo.h"
 #include "storage/password.h"
 
@@ -266,25 +265,6 @@ private Q_SLOTS:
             QVERIFY(f.window->openDocument(f.dir.filePath(QStringLiteral("test.qbx"))));
             QCOMPARE(f.prompts.passwordAttempts, int(!row.stored.isEmpty()) + (row.result.isEmpty() ? 0 : 2));
         }
-    }
-
-    void enterPassword()
-    {
-        ScriptedPrompts prompts;
-        PasswordDialog dialog([](const QString &text) { return text == QLatin1String("abc"); }, &prompts);
-        dialog.show();
-        QCOMPARE(child<QLabel>(&dialog, "passwordMessage")->text(),
-                 QStringLiteral("This Quillbox file is protected with a password. Please enter a valid password."));
-        QVERIFY(dialog.currentEdit()->isEnabled() && !dialog.newEdit()->isEnabled() &&
-                !dialog.confirmEdit()->isEnabled());
-        // Wrong passwords may be tried again without limit.
-        for (const char *attempt : {"ABC", "", "abc"}) {
-            QVERIFY(dialog.isVisible());
-            type(&dialog, "currentPassword", QString::fromLatin1(attempt));
-            press(&dialog);
-        }
-        QCOMPARE(prompts.shown.size(), 2);
-        QCOMPARE(dialog.result(), int(QDialog::Accepted));
     }
 };
 

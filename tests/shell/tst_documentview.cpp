@@ -6,8 +6,6 @@
 #include "support/shellfixture.h"
 #include "views/viewrows.h"
 
-#include <QContextMenuEvent>
-
 // The tree pane, its item menu, the quick entry bar, the note pane and the branch view, worked as a person would,
 // on Root > A (automatic: A1, A2 > A2a), B, C.
 class TestDocumentView : public QObject {
@@ -177,26 +175,6 @@ private Q_SLOTS:
         QCOMPARE(m_f->names(), (QStringList{"C", "C"}));
         QCOMPARE(m_f->shownTexts(),
                  (QStringList{Messages::AskPasteChildren, Messages::AskDelete, Messages::AskDelete}));
-    }
-
-    void menuOpensOnRightClickAndLongPress()
-    {
-        QWidget *viewport = tree()->viewport();
-        QContextMenuEvent rightClick(QContextMenuEvent::Mouse, partOf("B", 0), viewport->mapToGlobal(partOf("B", 0)));
-        QCoreApplication::sendEvent(viewport, &rightClick);
-        QCOMPARE(m_f->prompts.lastMenuTexts.value(0), QStringLiteral("Rename"));
-        QCOMPARE(m_f->current(), item("B"));
-        m_f->prompts.lastMenuTexts.clear();
-        m_f->prompts.menuChoices.enqueue(QStringLiteral("actionPriority4"));
-        QTest::mousePress(viewport, Qt::LeftButton, {}, partOf("C", 0));
-        QTRY_VERIFY(!m_f->prompts.lastMenuTexts.isEmpty());
-        QTest::mouseRelease(viewport, Qt::LeftButton, {}, partOf("C", 0));
-        QTRY_COMPARE(item("C")->priority(), quint16(4));
-        // A short tap opens nothing.
-        m_f->prompts.lastMenuTexts.clear();
-        click("B");
-        QTest::qWait(900);
-        QVERIFY(m_f->prompts.lastMenuTexts.isEmpty());
     }
 
     void dragAndDrop()

@@ -101,26 +101,6 @@ private Q_SLOTS:
         QCOMPARE(home->reminderTime(), (SystemTime{2024, 3, 1, 4, 8, 15, 1, 0}));
     }
 
-    void newItemGoesWhereAsked()
-    {
-        const std::pair<const char *, QList<int>> rows[] = {
-            {"insertSame", {1}}, {"insertChild", {0, 0}}, {"insertTop", {2}}, {nullptr, {}}};
-        for (const auto &[button, path] : rows) {
-            auto f = sample();
-            f->select(f->at({0}));
-            f->prompts.dialogs.enqueue([button = button](QDialog *d) {
-                QTest::keyClicks(child<QLineEdit>(d, "name"), QStringLiteral("Fresh"));
-                if (button)
-                    clickButton(child<QRadioButton>(d, button));
-                press(d, button ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
-            });
-            QVERIFY(f->run("actionNew"));
-            Item *fresh = f->find(QStringLiteral("Fresh"));
-            QCOMPARE(fresh && fresh == f->current(), button != nullptr);
-            QVERIFY(!fresh || (path.size() == 1 ? f->at({path[0]}) : f->at({path[0], path[1]})) == fresh);
-        }
-    }
-
     void wordProcessor()
     {
         // From the note page, OK or cancelled when done; or straight from Modify Note, by the option.
