@@ -28,12 +28,8 @@ QAction *ScriptedPrompts::popupMenu(QMenu *menu, const QPoint &)
                 enabled = false;
         }
         if (!action->objectName().isEmpty())
-            lastMenu.insert(action->objectName(),
-                            {enabled, action->isCheckable(), action->isChecked(), action->text()});
+            lastMenu.insert(action->objectName(), {enabled, action->isChecked()});
     }
-    lastMenuTexts.clear();
-    for (QAction *action : menu->actions())
-        lastMenuTexts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
     const QString name = menuChoices.isEmpty() ? QString() : menuChoices.dequeue();
     QAction *action = name.isEmpty() ? nullptr : menu->findChild<QAction *>(name);
     if (!action || !lastMenu.value(name).enabled)

@@ -19,9 +19,7 @@ public:
     };
     struct ActionState {
         bool enabled = false;
-        bool checkable = false;
         bool checked = false;
-        QString text;
     };
 
     QQueue<bool> yesNo;
@@ -49,11 +47,8 @@ public:
     QList<QUrl> opened;       ///< everything handed to openUrl, in order
     /// Called with each URL handed to openUrl: stands for the application the desktop would start.
     std::function<void(const QUrl &)> whenOpened;
-    bool urlsOpen = true; ///< false plays a desktop with no browser
     /// Every named action of the last popup menu and its submenus; an entry of a greyed submenu is greyed.
     QHash<QString, ActionState> lastMenu;
-    /// The texts of the last popup menu's top-level entries, in order ("-" for separators).
-    QStringList lastMenuTexts;
 
     bool askYesNo(QWidget *, const QString &text) override { return ask(Icon::Question, text, yesNo); }
     bool askWarningYesNo(QWidget *, const QString &text) override { return ask(Icon::Exclamation, text, yesNo); }
@@ -90,7 +85,6 @@ public:
         opened.append(url);
         if (whenOpened)
             whenOpened(url);
-        return urlsOpen;
     }
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
