@@ -59,7 +59,6 @@ private Q_SLOTS:
             QStringList received;
         } rows[] = {
             {{"--version"}, 0, "quillbox " QUILLBOX_VERSION "\n", "", {}},
-            {{"--help"}, 0, usage, "", {}},
             {{"-h", "Plan.qbx"}, 0, usage, "", {}},
             {{"--frobnicate"}, 2, "", "quillbox: unknown option '--frobnicate'\n", {}},
             // A plain start hands the path, made absolute, to the running instance.

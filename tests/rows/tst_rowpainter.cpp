@@ -27,8 +27,7 @@ QPalette palette(const QColor &base = Base, const QColor &text = Ink)
 }
 
 // Compact rows: w = 16, rows of 17 pixels, the progress bar from y 4 to 12; solid text pixels.
-RowPainter painter(quint32 flags = 0, const QPalette &colours = palette(), bool statistics = false,
-                   bool dueDate = false)
+RowPainter painter(quint32 flags = 0, const QPalette &colours = palette(), bool statistics = false)
 {
     RowStyle style;
     style.flags = RowStyle::CompactMode | flags;
@@ -189,14 +188,6 @@ private Q_SLOTS:
             for (const QColor &other : {Ink, GreyText, Blue, Base})
                 QVERIFY(other == row.text || other == row.background || r.count(text, other) == 0);
         }
-        // A dark base lightens a dark item colour.
-        const QColor dark(0x20, 0x20, 0x24);
-        Item item(QStringLiteral("HHHHHHHH"));
-        item.setColour(1);
-        const Rendered r = render(painter(0, palette(dark, Base)), &item);
-        QCOMPARE(r.image.pixelColor(r.geometry.textRect().right() - 2, 1), dark);
-        QCOMPARE(r.count(r.geometry.textRect(), Blue), 0);
-        QVERIFY(r.count(r.geometry.textRect(), QColor(QColor::fromHslF(Blue.hslHueF(), 1.0, 0.7).rgb())) > 20);
     }
 
     void fontsAndText()

@@ -1,6 +1,5 @@
 #include "support/shellfixture.h"
 
-#include "model/editing.h"
 #include "notes/notetext.h"
 #include "shell/dialogs/finddialog.h"
 #include "shell/widgets/colourcombo.h"
@@ -122,16 +121,6 @@ private Q_SLOTS:
         });
         QVERIFY(f.run("actionFindItem"));
         QCOMPARE(f.current(), f.at({0, 0}));
-        // The kept result is offered again, without a match deleted since.
-        f.select(f.document()->root());
-        Editing::deleteItem(*f.document(), f.at({0}), &f.view()->clip());
-        f.select(f.document()->root());
-        f.prompts.dialogs.enqueue([](QDialog *d) {
-            QCOMPARE(rows(d), QStringList{"abacus"});
-            press(d);
-        });
-        QVERIFY(f.run("actionFindResult"));
-        QCOMPARE(f.current(), f.at({0}));
         // A search that finds nothing says so and keeps no result.
         f.prompts.dialogs.enqueue([](QDialog *d) {
             type(d, "findName", QStringLiteral("nowhere"));

@@ -90,15 +90,6 @@ private Q_SLOTS:
         QCOMPARE(item("After B")->priority(), quint16(3));
         QCOMPARE(item("After B")->image(), quint16(12));
         QCOMPARE(m_f->current(), item("After B"));
-        // The toggles put it first among the current item's children, in italics; the box takes 63 characters.
-        select("C");
-        bar->findChild<QToolButton *>(QStringLiteral("quickEntryChild"))->click();
-        bar->findChild<QToolButton *>(QStringLiteral("quickEntryItalic"))->click();
-        QTest::keyClicks(edit, QString(70, QLatin1Char('x')));
-        QTest::keyClick(edit, Qt::Key_Return);
-        QCOMPARE(m_f->names(item("C")), QStringList{QString(63, QLatin1Char('x'))});
-        QVERIFY(item("C")->child(0)->isItalic() && item("C")->isExpanded());
-
         // Rename and F2 edit the name in place, up to 95 characters; Escape keeps the old name.
         select("B");
         QVERIFY(m_f->run("actionRename"));

@@ -85,6 +85,7 @@ public:
         opened.append(url);
         if (whenOpened)
             whenOpened(url);
+        return true;
     }
     bool askPassword(QWidget *parent, const std::function<bool(const QString &)> &check) override;
     QAction *popupMenu(QMenu *menu, const QPoint &globalPos) override;
