@@ -138,15 +138,6 @@ private Q_SLOTS:
         QVERIFY(f.open(std::make_unique<Document>()));
         f.window->settings().favIcons = {800, 2};
         f.prompts.icons.enqueue(9);
-        // Cancel keeps every setting.
-        const Settings before = f.window->settings();
-        f.prompts.dialogs.enqueue([](QDialog *d) {
-            check(d, "bold", true);
-            press(d, QDialogButtonBox::Cancel);
-        });
-        QVERIFY(f.run("actionOptions"));
-        QCOMPARE(f.window->settings().flags, before.flags);
-
         f.prompts.dialogs.enqueue([](QDialog *d) {
             auto *size = child<QComboBox>(d, "fontSize");
             QCOMPARE(size->currentText(), QStringLiteral("8 pt"));

@@ -43,10 +43,7 @@ inline bool runIn(QWidget *scope, const char *name)
     for (CommandGroup *group : scope->findChildren<CommandGroup *>())
         group->update();
     QAction *action = scope->findChild<QAction *>(QString::fromLatin1(name));
-    if (!action || !action->isEnabled())
-        return false;
-    action->trigger();
-    return true;
+    return action && action->isEnabled() && (action->trigger(), true);
 }
 
 /// A main window on a folder and settings file of the test's own, with every question answered by ScriptedPrompts;
@@ -101,13 +98,7 @@ struct ShellFixture {
     }
 
     /// The first item of that name, in the order of the outline.
-    Item *find(const QString &name) const
-    {
-        Item *found = nullptr;
-        document()->root()->forEachDescendant(
-            [&](Item *item) { found = found || item->name() != name ? found : item; });
-        return found;
-    }
+    Item *find(const QString &name) const { return Outline::find(document()->root(), name); }
 
     /// The names of a node's children (of the root when null).
     QStringList names(const TreeNode *node = nullptr) const
@@ -122,10 +113,7 @@ struct ShellFixture {
     QAction *command(const char *name)
     {
         window->updateActions();
-        QAction *action = window->command(QString::fromLatin1(name));
-        if (!action)
-            qWarning("no command named %s", name);
-        return action;
+        return window->command(QString::fromLatin1(name));
     }
     bool enabled(const char *name) { return command(name) && command(name)->isEnabled(); }
     /// Triggers a command as a menu or shortcut would; false when it is greyed.
