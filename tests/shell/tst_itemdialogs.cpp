@@ -136,10 +136,7 @@ private Q_SLOTS:
         Item *home = f->at({1});
         const QString shed = f->dir.filePath(QStringLiteral("plans/shed.txt"));
         f->prompts.fileNames << shed;
-        f->prompts.texts << ""
-                         << "http://example.org/seeds"
-                         << "555 0100"
-                         << "555 0199";
+        f->prompts.texts.append({QString(), "http://example.org/seeds", "555 0100", "555 0199"});
         f->prompts.yesNo << false << true;
         f->prompts.dialogs.enqueue([](QDialog *d) {
             for (const char *action : {"actionAddUrl", "actionAddPhone", "actionAddFileLink"})
