@@ -51,7 +51,6 @@ private Q_SLOTS:
         QStringList received;
         connect(&running, &SingleInstance::pathReceived, this, [&](const QString &path) { received << path; });
         connect(&running, &SingleInstance::raiseRequested, this, [&] { received << QStringLiteral("(raise)"); });
-        const QByteArray usage("Usage: quillbox [OPTION] [FILE]...\n");
         const struct {
             QStringList arguments;
             int exitCode;
@@ -59,7 +58,7 @@ private Q_SLOTS:
             QStringList received;
         } rows[] = {
             {{"--version"}, 0, "quillbox " QUILLBOX_VERSION "\n", "", {}},
-            {{"-h", "Plan.qbx"}, 0, usage, "", {}},
+            {{"-h", "Plan.qbx"}, 0, "Usage: quillbox [OPTION] [FILE]...\n", "", {}},
             {{"--frobnicate"}, 2, "", "quillbox: unknown option '--frobnicate'\n", {}},
             // A plain start hands the path, made absolute, to the running instance.
             {{"Plan.qbx"}, 0, "", "", {m_home->filePath(QStringLiteral("Plan.qbx"))}},

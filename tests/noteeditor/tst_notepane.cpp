@@ -72,8 +72,6 @@ private Q_SLOTS:
         QVERIFY(pane.isRecordingToolbarVisible());
         pane.setNoteType(2);
         QVERIFY(!pane.isRecordingToolbarVisible());
-        pane.setRecordingToolbarVisible(true);
-        QVERIFY(!pane.isRecordingToolbarVisible());
     }
 
     void formatKeys()

@@ -112,21 +112,6 @@ private Q_SLOTS:
         }
     }
 
-    void fileProperties()
-    {
-        ShellFixture f;
-        QVERIFY(f.open(sample(Document::RichInk), QStringLiteral("house.qbx")));
-        f.at({1})->setProgress(100);
-        f.prompts.dialogs.enqueue([&](QDialog *d) {
-            QStringList shown;
-            for (const char *name : {"fileName", "noteType", "location", "protection", "items", "notes", "links"})
-                shown.append(child<QLabel>(d, name)->text());
-            QCOMPARE(shown.join(QLatin1Char('|')), QStringLiteral("house|Rich Ink|%1|Not protected|3 (1 completed)|1|2")
-                                                       .arg(QDir::toNativeSeparators(f.dir.path())));
-        });
-        QVERIFY(f.run("actionFileProperties"));
-    }
-
     void importTextMakesANewDocument()
     {
         // The file's suffix chooses the reader; each reader's rules are its own suite's.
