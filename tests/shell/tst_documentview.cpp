@@ -175,11 +175,6 @@ private Q_SLOTS:
         drag("C", "A");
         QCOMPARE(m_f->names(item("A")), (QStringList{"A1", "A2", "C"}));
         QCOMPARE(m_f->current(), item("C"));
-        // A grouped view ignores drops.
-        QVERIFY(m_f->run("actionByCategory"));
-        QVERIFY(m_f->run("actionExpandAll"));
-        drag("B", "A");
-        QCOMPARE(m_f->names(), (QStringList{"A", "B"}));
     }
 
     void noteStoredOnSelectionChange()

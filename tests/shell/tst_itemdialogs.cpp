@@ -81,7 +81,6 @@ private Q_SLOTS:
             press(d);
         });
         QVERIFY(f->run("actionModifyItem"));
-        QCOMPARE(f->prompts.dialogsRun, QStringList{"itemProperties"});
         QCOMPARE(home->name(), QStringLiteral("Home two"));
         QCOMPARE(home->priority(), quint16(3)); // the list shows priority - 1
         QCOMPARE(home->category(), QStringLiteral("Errands"));
