@@ -68,7 +68,6 @@ private Q_SLOTS:
             received.clear();
             m_process->start(QStringLiteral(QUILLBOX_BINARY_DIR "/quillbox"), row.arguments);
             QVERIFY(m_process->waitForStarted());
-            // The event loop runs meanwhile, so the running instance can answer.
             QTRY_VERIFY_WITH_TIMEOUT(m_process->state() == QProcess::NotRunning, 30000);
             QCOMPARE(m_process->exitCode(), row.exitCode);
             QVERIFY(m_process->readAllStandardOutput().startsWith(row.out));

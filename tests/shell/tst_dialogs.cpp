@@ -1,6 +1,5 @@
 #include "support/shellfixture.h"
 
-#include "notes/notetext.h"
 #include "shell/dialogs/finddialog.h"
 #include "shell/widgets/colourcombo.h"
 #include "storage/password.h"

@@ -10,7 +10,6 @@
 #include "shell/dialogs/linkspage.h"
 #include "shell/widgets/colourcombo.h"
 
-#include <QDateEdit>
 #include <QDateTimeEdit>
 
 namespace {
@@ -84,7 +83,6 @@ private Q_SLOTS:
         QCOMPARE(home->name(), QStringLiteral("Home two"));
         QCOMPARE(home->priority(), quint16(3)); // the list shows priority - 1
         QCOMPARE(home->category(), QStringLiteral("Errands"));
-        QCOMPARE(f->document()->categories, QStringList{"Errands"});
         QCOMPARE(home->image(), quint16(42));
         QCOMPARE(home->colour(), quint16(18));
         QCOMPARE(home->statusType(), quint16(Item::ProgressBar));

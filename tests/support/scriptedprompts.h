@@ -28,10 +28,8 @@ public:
     QQueue<int> noteTypes;
     QQueue<QString> passwords;
     QQueue<int> icons;
-    /// Answers of askText, each offered to its accept check in turn.
-    QQueue<QString> texts;
-    /// Object names of the actions to choose (triggered as a click would); an empty name dismisses.
-    QQueue<QString> menuChoices;
+    QQueue<QString> texts;       ///< answers of askText, each offered to its accept check in turn
+    QQueue<QString> menuChoices; ///< object names of the actions to choose; an empty name dismisses
     /// Scripts for our dialogs, in the order they open: each gets the shown dialog and works its widgets. A
     /// dialog still open when its script returns, or with no script left, is cancelled. With
     /// QUILLBOX_SCREENSHOTS set to a folder, a picture of each is saved there under its object name.
@@ -41,14 +39,12 @@ public:
     QList<int> noteTypesOffered; ///< the type each note type question offered first
     int passwordAttempts = 0;
     int aboutShown = 0;
-    QStringList dialogsRun;   ///< object names of the dialogs run, in order
-    QStringList textPrompts;  ///< the prompts of askText, in order
-    QStringList textPrefills; ///< the text each box of askText opened with
-    QList<QUrl> opened;       ///< everything handed to openUrl, in order
-    /// Called with each URL handed to openUrl: stands for the application the desktop would start.
-    std::function<void(const QUrl &)> whenOpened;
-    /// Every named action of the last popup menu and its submenus; an entry of a greyed submenu is greyed.
-    QHash<QString, ActionState> lastMenu;
+    QStringList dialogsRun;                       ///< object names of the dialogs run, in order
+    QStringList textPrompts;                      ///< the prompts of askText, in order
+    QStringList textPrefills;                     ///< the text each box of askText opened with
+    QList<QUrl> opened;                           ///< everything handed to openUrl, in order
+    std::function<void(const QUrl &)> whenOpened; ///< stands for the program the desktop would start
+    QHash<QString, ActionState> lastMenu;         ///< the named actions of the last popup menu and its submenus
 
     bool askYesNo(QWidget *, const QString &text) override { return ask(Icon::Question, text, yesNo); }
     bool askWarningYesNo(QWidget *, const QString &text) override { return ask(Icon::Exclamation, text, yesNo); }
