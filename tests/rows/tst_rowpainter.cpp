@@ -135,7 +135,7 @@ private Q_SLOTS:
         // The fill is progress × (16 − 2) / 100 pixels wide; -1: nothing filled, columns from the inner left.
         const QColor bottom(39, 39, 252); // band 10 of blue towards (255,251,240)
         const QColor top(251, 247, 240);  // band 63
-        const std::pair<int, int> rows[] = {{0, -1}, {7, -1}, {8, 0}, {50, 6}, {100, 13}};
+        const std::pair<int, int> rows[] = {{0, -1}, {7, -1}, {8, 0}, {50, 6}, {60, 7}, {100, 13}};
         for (const auto &[progress, lastFilled] : rows) {
             Item item(QStringLiteral("Bar"));
             item.setStatusType(Item::ProgressBar);
