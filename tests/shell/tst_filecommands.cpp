@@ -8,6 +8,8 @@
 #include "shell/widgets/nodetree.h"
 #include "storage/password.h"
 
+#include <QProcess>
+
 namespace {
 
 // Trip > Pack (note "paint", Boots), Book (links to the web and to Boots).
@@ -45,6 +47,18 @@ QString outline(const TreeNode *top)
     return names.join(QLatin1Char(' '));
 }
 
+// Runs qbx on the fixture's folder, away from the settings of the person running the tests.
+int runQbx(const ShellFixture &f, const QStringList &arguments)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), f.dir.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("HOME"), f.dir.path());
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), arguments);
+    return process.waitForFinished(30000) ? process.exitCode() : -1;
+}
+
 } // namespace
 
 // The File menu's commands on documents and files: import, export, note conversion, properties, the calendar.
@@ -77,6 +91,37 @@ private Q_SLOTS:
                      message.isEmpty() ? QString() : message + "\n\n" + QDir::toNativeSeparators(other.path));
             QCOMPARE(outline(f.at({1})), message.isEmpty() ? QStringLiteral("Tools Tools/Saw") : QString());
         }
+    }
+
+    void importAndXmlExportEqualQbx()
+    {
+        // The desktop and qbx share the import and the XML export: the same files give the same bytes. The imported
+        // notes are rich text; the target rolls its progress up and orders its children by name.
+        ShellFixture f;
+        Document other;
+        other.noteType = Document::RichText;
+        Item *apple = add(other.root(), QStringLiteral("Apple"));
+        apple->setProgress(100);
+        apple->setNote(QByteArray("{\\rtf1 ripe}"));
+        other.path = f.dir.filePath(QStringLiteral("other.qbx"));
+        QVERIFY(DocumentFile::save(other));
+        auto document = sample();
+        document->root()->child(0)->setAutoProgress(true);
+        document->root()->child(0)->setSort(TreeNode::SortName);
+        QVERIFY(f.open(std::move(document)));
+        const QString copy = f.dir.filePath(QStringLiteral("copy.qbx")), xml = f.dir.filePath(QStringLiteral("x.xml"));
+        f.select(f.at({0}));
+        f.run("actionSave"); // qbx reads the document as saved, with the top level the view keeps open
+        QVERIFY(QFile::copy(f.document()->path, copy));
+        f.window->settings().xmlEncode = 1;
+        f.prompts.fileNames << other.path << xml;
+        QVERIFY(f.run("actionImportFile") && f.run("actionSave") && f.run("actionExportXml"));
+        QCOMPARE(f.at({0})->progress(), quint16(50));
+        QCOMPARE(runQbx(f, {"import", "doc", copy, other.path, "--into", "1"}), 0);
+        QCOMPARE(runQbx(f, {"export", "xml", "--encoding", "1", copy, f.dir.filePath(QStringLiteral("qbx.xml"))}), 0);
+        QCOMPARE(readFile(copy), readFile(f.document()->path));
+        QCOMPARE(readFile(f.dir.filePath(QStringLiteral("qbx.xml"))), readFile(xml));
+        QVERIFY(readFile(xml).contains("Apple"));
     }
 
     void convertNotes()
