@@ -94,7 +94,19 @@ private Q_SLOTS:
     void failuresLoseNothing()
     {
         Fixture f;
-        MainWindow *w = f.start(f.alpha);
+        MainWindow *w = f.start(QString());
+        // A file that does not load is reported as damaged and left as it was.
+        const QByteArray bytes("\x27\x02\x00\x00garbage", 11);
+        QFile broken(f.dir.filePath(QStringLiteral("Broken.qbx")));
+        QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write(bytes) == 11);
+        broken.close();
+        QVERIFY(!w->openDocument(broken.fileName()) && !w->view());
+        QCOMPARE(f.shownTexts(), QStringList{"Unable to load file. The file may be corrupted."});
+        QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Stop);
+        QVERIFY(broken.open(QIODevice::ReadOnly));
+        QCOMPARE(broken.readAll(), bytes);
+        f.prompts.shown.clear();
+        QVERIFY(w->openDocument(f.alpha));
         // A failed save names the file and keeps the document open.
         const QString gone = f.dir.filePath(QStringLiteral("no-such-folder/Alpha.qbx"));
         f.document()->path = gone;
