@@ -28,7 +28,8 @@ QByteArray readAll(const QString &path)
 
 } // namespace
 
-/// `cmake --install` of this build into a staging folder, looked at the way a desktop looks at an installed program.
+/// `cmake --install` of this build into a staging folder, looked at the way a desktop looks at an installed program,
+/// and the Debian package made from this build, unpacked and run.
 class TestInstall : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -88,6 +89,41 @@ private Q_SLOTS:
             file.close();
             const QString type = QMimeDatabase().mimeTypeForFile(file.fileName()).name();
             QVERIFY2((type == QLatin1String("application/x-quillbox")) == !QByteArray(name).contains(' '), name);
+        }
+    }
+
+    void debianPackage()
+    {
+        // Packed from what the build holds: nothing is compiled again (dpkg-shlibdeps comes with scripts/setup).
+        const QString out = m_dir.filePath(QStringLiteral("deb")), root = m_dir.filePath(QStringLiteral("root"));
+        const auto pack = run(QStringLiteral(QUILLBOX_CPACK_COMMAND),
+                              {"-G", "DEB", "--config", QUILLBOX_BINARY_DIR "/CPackConfig.cmake", "-B", out});
+        QVERIFY2(pack.first == 0, pack.second.constData());
+        const QStringList packages = QDir(out).entryList({QStringLiteral("*.deb")}, QDir::Files);
+        QCOMPARE(packages.size(), 1);
+        const QString package = out + QLatin1Char('/') + packages.first();
+        QCOMPARE(run(QStringLiteral("dpkg-deb"), {"-x", package, root}).first, 0);
+        // The libraries the programs link are found and named.
+        const auto fields = run(QStringLiteral("dpkg-deb"), {"--field", package, "Package", "Version", "Depends"});
+        QVERIFY2(fields.second.startsWith("Package: quillbox\nVersion: " QUILLBOX_VERSION "\n"),
+                 fields.second.constData());
+        QVERIFY(fields.second.contains(" libqt6core6 ("));
+        QCOMPARE(fields.second.contains(" libqt6widgets6 ("), bool(QUILLBOX_WITH_GUI));
+        QStringList files{"usr/share/man/man1/qbx.1"}, programs{"qbx"};
+        if (QUILLBOX_WITH_GUI) {
+            files << "usr/share/applications/org.quillbox.Quillbox.desktop"
+                  << "usr/share/mime/packages/org.quillbox.Quillbox.xml"
+                  << "usr/share/doc/quillbox/Quillbox.htm";
+            programs << "quillbox";
+        }
+        for (const QString &path : files)
+            QVERIFY2(QFileInfo(root + QLatin1Char('/') + path).isFile(), qPrintable(path));
+        for (const QString &program : programs) {
+            const QString path = root + QStringLiteral("/usr/bin/") + program;
+            QCOMPARE(run(path, {"--version"}), std::make_pair(0, program.toLatin1() + " " QUILLBOX_VERSION "\n"));
+            // Installed stripped: the debugging information stays in the build.
+            const QByteArray sections = run(QStringLiteral("readelf"), {"-S", path}).second;
+            QVERIFY(sections.contains(".text") && !sections.contains(".debug_info"));
         }
     }
 
