@@ -1,14 +1,17 @@
 #include "support/shellfixture.h"
 
+#include "model/editing.h"
 #include "noteeditor/notepane.h"
 #include "notes/notetext.h"
 #include "notes/rtfreader.h"
 #include "notes/rtfwriter.h"
 #include "platform/messages.h"
 #include "shell/dialogs/applyattributesdialog.h"
+#include "shell/dialogs/itempickerdialog.h"
 #include "shell/dialogs/itempropertiesdialog.h"
 #include "shell/dialogs/linkspage.h"
 #include "shell/widgets/colourcombo.h"
+#include "shell/widgets/nodetree.h"
 
 #include <QDateTimeEdit>
 
@@ -156,6 +159,39 @@ private Q_SLOTS:
                  (QStringList{"Please enter some text.", Messages::AskDeleteLink, Messages::AskDeleteLink}));
         QCOMPARE(f->prompts.opened, (QList<QUrl>{QUrl("tel:555 0199"), QUrl::fromLocalFile(shed)}));
         QCOMPARE(home->links(), (QStringList{"ph:555 0199", "plans/shed.txt"}));
+    }
+
+    void itemLinks()
+    {
+        // Which links are dead is the core's rule: the page reports the count and OK stores the rest.
+        auto f = sample();
+        Item *home = f->at({1});
+        home->setLinks({f->at({0, 0})->linkText(), f->at({0, 2})->linkText()});
+        Editing::deleteItem(*f->document(), f->at({0, 2}), &f->view()->clip());
+        f->prompts.dialogs.enqueue([](QDialog *d) {
+            trigger(d, "actionAddItemLink");
+            selectRow(d, 0);
+            trigger(d, "actionModifyLink");
+            page(d)->follow(1);
+        });
+        // The picker refuses the list title; modifying opens it at the present target.
+        f->prompts.dialogs.enqueue([&](QDialog *d) {
+            press(d);
+            QVERIFY(qobject_cast<ItemPickerDialog *>(d)->selectNode(f->at({0, 1})));
+            press(d);
+        });
+        f->prompts.dialogs.enqueue([&](QDialog *d) {
+            QCOMPARE(qobject_cast<ItemPickerDialog *>(d)->tree()->currentItem()->text(0), QStringLiteral("Alpha"));
+            qobject_cast<ItemPickerDialog *>(d)->selectNode(f->at({0, 0, 0}));
+            press(d);
+        });
+        QVERIFY(f->run("actionLinks"));
+        QCOMPARE(f->shownTexts(), (QStringList{"1 item link(s) are no longer valid because they have been deleted.  "
+                                               "These links will be removed.",
+                                               "List title cannot be linked. Please choose an item."}));
+        // Following an item link selects its target and closes the dialog as OK would.
+        QCOMPARE(f->current(), f->at({0, 1}));
+        QCOMPARE(home->links(), (QStringList{f->at({0, 0, 0})->linkText(), f->at({0, 1})->linkText()}));
     }
 
     void applyAttributes()
