@@ -1,10 +1,14 @@
 #include "noteeditor/notepane.h"
 #include "notes/notetext.h"
+#include "shell/app/singleinstance.h"
 #include "shell/document/quickentrybar.h"
 #include "support/shellfixture.h"
 
 #include <QFileInfo>
+#include <QMenuBar>
 #include <QSettings>
+#include <QSignalSpy>
+#include <QThread>
 
 namespace {
 
@@ -128,6 +132,43 @@ private Q_SLOTS:
         f.prompts.yesNo << false << true;
         QVERIFY(f.run("actionCloseDocument"));
         QVERIFY(!w->view() && !QFileInfo::exists(gone));
+    }
+
+    void handOverAndRecentDocuments()
+    {
+        // A second start hands its path over: ours is saved before that one replaces it; no path brings us forward.
+        Fixture f;
+        const QString name = QStringLiteral("quillbox-test-%1").arg(QCoreApplication::applicationPid());
+        SingleInstance first(name);
+        QVERIFY(first.listen());
+        MainWindow *w = f.start(f.alpha);
+        connect(&first, &SingleInstance::pathReceived, w, &MainWindow::handOver);
+        QSignalSpy raised(&first, &SingleInstance::raiseRequested);
+        w->view()->quickEntryBar()->setText(QStringLiteral("added before"));
+        w->view()->quickEntryBar()->add();
+        for (const QString &path : {f.beta, QString()}) {
+            bool handedOver = false;
+            std::unique_ptr<QThread> second(
+                QThread::create([&] { handedOver = SingleInstance(name).handOver(path, 5000); }));
+            second->start();
+            QTRY_VERIFY(second->isFinished() && handedOver);
+            QTRY_COMPARE(f.document()->path, f.beta);
+        }
+        QCOMPARE(onDisk(f.alpha), (QStringList{"one", "two", "added before"}));
+        QTRY_COMPARE(raised.count(), 1);
+        // The recent list: newest first, ten at most, numbered 1 to 0.
+        QCOMPARE(w->recentDocuments(), (QStringList{f.beta, f.alpha}));
+        auto *recent = w->menuBar()->findChild<QMenu *>(QStringLiteral("menuOpenRecent"));
+        Q_EMIT recent->aboutToShow();
+        QCOMPARE(recent->actions().at(1)->text(), QStringLiteral("&2 Alpha.qbx"));
+        recent->actions().at(1)->trigger();
+        QCOMPARE(f.document()->path, f.alpha);
+        QCOMPARE(w->recentDocuments().first(), f.alpha);
+        for (int i = 0; i < 12; ++i)
+            w->addRecent(f.dir.filePath(QStringLiteral("n%1.qbx").arg(i)));
+        QCOMPARE(w->recentDocuments().size(), 10);
+        Q_EMIT recent->aboutToShow();
+        QCOMPARE(recent->actions().at(9)->text(), QStringLiteral("&0 n2.qbx"));
     }
 
     void savedWhenAnotherProgramIsActivated()
