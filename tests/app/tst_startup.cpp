@@ -1,123 +1,138 @@
+#include "model/document.h"
+#include "model/item.h"
 #include "shell/app/singleinstance.h"
+#include "storage/documentfile.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
-#include <QProcessEnvironment>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 
-/// How the quillbox program starts: what it answers by itself and what it
-/// hands to a Quillbox that is already running. A running instance is played
-/// by a SingleInstance listening under the name a start looks for.
+#include <csignal>
+
+/// The quillbox program in a home of its own: what it answers by itself, what it hands to a Quillbox already
+/// running, and how a desktop ends it without losing the open document.
 class TestStartup : public QObject {
     Q_OBJECT
-
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void answeredAlone_data();
-    void answeredAlone();
-    void pathHandedOver();
+    void init()
+    {
+        m_home = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_home->isValid() && QDir(m_home->path()).mkpath(QStringLiteral("Documents")));
+        m_path = m_home->filePath(QStringLiteral("Documents/Plan.qbx"));
+        Document doc;
+        doc.root()->appendChild(new Item(QStringLiteral("keep me")));
+        doc.path = m_path;
+        QVERIFY(DocumentFile::save(doc));
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        for (const char *name : {"HOME", "XDG_RUNTIME_DIR"})
+            env.insert(QString::fromLatin1(name), m_home->path());
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home->filePath(QStringLiteral(".config")));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        m_process = std::make_unique<QProcess>();
+        m_process->setProcessEnvironment(env);
+        m_process->setWorkingDirectory(m_home->path());
+    }
+
+    void cleanup()
+    {
+        m_process->kill();
+        m_process->waitForFinished();
+    }
+
+    void answeredWithoutAWindow()
+    {
+        // A running instance is played by a SingleInstance listening under the name a start looks for.
+        SingleInstance running(SingleInstance::nameForHome(m_home->path()));
+        QVERIFY(running.listen());
+        QStringList received;
+        connect(&running, &SingleInstance::pathReceived, this, [&](const QString &path) { received << path; });
+        connect(&running, &SingleInstance::raiseRequested, this, [&] { received << QStringLiteral("(raise)"); });
+        const struct {
+            QStringList arguments;
+            int exitCode;
+            QByteArray out, err;
+            QStringList received;
+        } rows[] = {
+            {{"--version"}, 0, "quillbox " QUILLBOX_VERSION "\n", "", {}},
+            {{"-h", "Plan.qbx"}, 0, "Usage: quillbox [OPTION] [FILE]...\n", "", {}},
+            {{"--frobnicate"}, 2, "", "quillbox: unknown option '--frobnicate'\n", {}},
+            // A plain start hands the path, made absolute, to the running instance.
+            {{"Plan.qbx"}, 0, "", "", {m_home->filePath(QStringLiteral("Plan.qbx"))}},
+            {{"--", "-dash.qbx"}, 0, "", "", {m_home->filePath(QStringLiteral("-dash.qbx"))}},
+        };
+        for (const auto &row : rows) {
+            received.clear();
+            m_process->start(QStringLiteral(QUILLBOX_BINARY_DIR "/quillbox"), row.arguments);
+            QVERIFY(m_process->waitForStarted());
+            QTRY_VERIFY_WITH_TIMEOUT(m_process->state() == QProcess::NotRunning, 30000);
+            QCOMPARE(m_process->exitCode(), row.exitCode);
+            QVERIFY(m_process->readAllStandardOutput().startsWith(row.out));
+            QVERIFY(m_process->readAllStandardError().contains(row.err));
+            QCOMPARE(received, row.received);
+        }
+    }
+
+    void quitSignalsSave()
+    {
+        for (int signalNumber : {SIGTERM, SIGINT, SIGHUP}) {
+            QVERIFY(startAndDelete());
+            // Sooner than the autosave: only the signal's save can write it.
+            QTest::qWait(600);
+            QVERIFY(!QFileInfo::exists(m_path));
+            ::kill(pid_t(m_process->processId()), signalNumber);
+            QVERIFY(m_process->waitForFinished(20000));
+            QVERIFY(m_process->exitStatus() == QProcess::NormalExit && m_process->exitCode() == 0);
+            QCOMPARE(savedName(), QStringLiteral("keep me"));
+            // A normal close: the next start reopens the document.
+            QSettings store(m_home->filePath(QStringLiteral(".config/Quillbox/Quillbox.conf")), QSettings::IniFormat);
+            QCOMPARE(store.value(QStringLiteral("DefFile")).toString(), m_path);
+        }
+    }
+
+    void killAfterTheAutosaveLosesNothing()
+    {
+        QVERIFY(startAndDelete());
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(m_path), 10000);
+        QTest::qWait(300);
+        m_process->kill();
+        QVERIFY(m_process->waitForFinished(10000));
+        QCOMPARE(savedName(), QStringLiteral("keep me"));
+    }
 
 private:
-    /// Runs quillbox with the temporary home, serving the running instance
-    /// meanwhile; returns the exit code (-1 when it did not end).
-    int start(const QStringList &arguments);
-
-    QTemporaryDir *m_home = nullptr;
-    SingleInstance *m_running = nullptr;
-    QStringList m_received;
-    QByteArray m_out;
-    QByteArray m_err;
-};
-
-void TestStartup::init()
-{
-    m_home = new QTemporaryDir;
-    QVERIFY(m_home->isValid());
-    m_running = new SingleInstance(SingleInstance::nameForHome(m_home->path()));
-    QVERIFY(m_running->listen());
-    m_received.clear();
-    connect(m_running, &SingleInstance::pathReceived, this, [this](const QString &path) { m_received << path; });
-    connect(m_running, &SingleInstance::raiseRequested, this, [this] { m_received << QStringLiteral("(raise)"); });
-}
-
-void TestStartup::cleanup()
-{
-    delete m_running;
-    m_running = nullptr;
-    delete m_home;
-    m_home = nullptr;
-}
-
-int TestStartup::start(const QStringList &arguments)
-{
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("HOME"), m_home->path());
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    process.setProcessEnvironment(env);
-    process.setWorkingDirectory(m_home->path());
-    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/quillbox"), arguments);
-    if (!process.waitForStarted())
-        return -1;
-    // The event loop runs meanwhile, so the running instance can answer.
-    QDeadlineTimer deadline(30000);
-    while (process.state() != QProcess::NotRunning && !deadline.hasExpired())
-        QTest::qWait(10);
-    if (process.state() != QProcess::NotRunning) {
-        process.kill();
-        process.waitForFinished();
-        return -1;
+    /// Starts quillbox on the document, waits until it is up, then deletes the file so that the open document is
+    /// a change still to be written.
+    bool startAndDelete()
+    {
+        m_process->start(QStringLiteral(QUILLBOX_BINARY_DIR "/quillbox"), {m_path});
+        if (!m_process->waitForStarted())
+            return false;
+        // Up once it answers a second start (a bare raise).
+        SingleInstance probe(SingleInstance::nameForHome(m_home->path()));
+        QDeadlineTimer deadline(20000);
+        while (!probe.handOver(QString(), 200)) {
+            if (deadline.hasExpired() || m_process->state() == QProcess::NotRunning)
+                return false;
+            QTest::qWait(100);
+        }
+        QTest::qWait(500);
+        return QFile::remove(m_path);
     }
-    m_out = process.readAllStandardOutput();
-    m_err = process.readAllStandardError();
-    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-}
 
-void TestStartup::answeredAlone_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QByteArray>("out");
-    QTest::addColumn<QByteArray>("err");
+    QString savedName() const
+    {
+        Document doc;
+        return DocumentFile::load(m_path, &doc) == DocumentFile::Loaded ? doc.root()->child(0)->name() : QString();
+    }
 
-    QTest::newRow("--version") << QStringList{QStringLiteral("--version")} << 0
-                               << QByteArray("quillbox " QUILLBOX_VERSION "\n") << QByteArray();
-    QTest::newRow("--help") << QStringList{QStringLiteral("--help")} << 0
-                            << QByteArray("Usage: quillbox [OPTION] [FILE]...\n") << QByteArray();
-    QTest::newRow("-h, before a file") << QStringList{QStringLiteral("-h"), QStringLiteral("Plan.qbx")} << 0
-                                       << QByteArray("Usage: quillbox [OPTION] [FILE]...\n") << QByteArray();
-    QTest::newRow("unknown option") << QStringList{QStringLiteral("--frobnicate")} << 2 << QByteArray()
-                                    << QByteArray("quillbox: unknown option '--frobnicate'\n");
-}
-
-void TestStartup::answeredAlone()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(int, exitCode);
-    QFETCH(QByteArray, out);
-    QFETCH(QByteArray, err);
-
-    QCOMPARE(start(arguments), exitCode);
-    QVERIFY2(m_out.startsWith(out), m_out.constData());
-    QVERIFY2(m_err.contains(err), m_err.constData());
-    // Whatever the instance might receive arrives while the start runs.
-    QCOMPARE(m_received, QStringList());
-}
-
-void TestStartup::pathHandedOver()
-{
-    // The harness itself: a plain start does reach the running instance,
-    // with the path made absolute.
-    QCOMPARE(start({QStringLiteral("Plan.qbx")}), 0);
-    QCOMPARE(m_received, QStringList{QDir(m_home->path()).filePath(QStringLiteral("Plan.qbx"))});
-
-    m_received.clear();
-    QCOMPARE(start({QStringLiteral("--"), QStringLiteral("-dash.qbx")}), 0);
-    QCOMPARE(m_received, QStringList{QDir(m_home->path()).filePath(QStringLiteral("-dash.qbx"))});
-}
+    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<QProcess> m_process;
+    QString m_path;
+};
 
 QTEST_MAIN(TestStartup)
 #include "tst_startup.moc"

@@ -1,339 +1,287 @@
+#include "support/icalobject.h"
 #include "support/shellfixture.h"
 
 #include "model/treewalker.h"
 #include "notes/notetext.h"
-#include "notes/rtfreader.h"
-#include "notes/rtfwriter.h"
-#include "shell/dialogs/convertnotesdialog.h"
+#include "platform/messages.h"
+#include "shell/dialogs/itemexportdialog.h"
+#include "shell/widgets/nodetree.h"
 #include "storage/password.h"
 
-#include <QAction>
-#include <QFile>
-#include <QLabel>
-#include <QRadioButton>
-#include <QTreeWidget>
-#include <QUrl>
+#include <QProcess>
 
+namespace {
+
+// Trip > Pack (note "paint", Boots), Book (links to the web and to Boots).
+std::unique_ptr<Document> sample(quint16 noteType = Document::PlainText)
+{
+    auto document = std::make_unique<Document>();
+    document->noteType = noteType;
+    document->root()->setName(QStringLiteral("Trip"));
+    Item *pack = add(document->root(), QStringLiteral("Pack"));
+    pack->setNote(NoteText::fromText(QStringLiteral("paint"), noteType));
+    Item *boots = add(pack, QStringLiteral("Boots"));
+    add(document->root(), QStringLiteral("Book"))->setLinks({QStringLiteral("http://x.example"), boots->linkText()});
+    return document;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// Every item below the top, as "name" or "parent/name".
+QString outline(const TreeNode *top)
+{
+    QStringList names;
+    TreeWalker walker(top);
+    while (const Item *item = walker.next())
+        names.append(walker.depth() > 1 ? item->parent()->name() + QLatin1Char('/') + item->name() : item->name());
+    return names.join(QLatin1Char(' '));
+}
+
+// Runs qbx on the fixture's folder, away from the settings of the person running the tests.
+int runQbx(const ShellFixture &f, const QStringList &arguments)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), f.dir.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("HOME"), f.dir.path());
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(QUILLBOX_BINARY_DIR "/qbx"), arguments);
+    return process.waitForFinished(30000) ? process.exitCode() : -1;
+}
+
+} // namespace
+
+// The File menu's commands on documents and files: import, export, note conversion, properties, the calendar.
 class TestFileCommands : public QObject {
     Q_OBJECT
-
-private:
-    // Home > Kitchen (note "paint"), Garden
-    static std::unique_ptr<Document> sample(quint16 noteType = Document::PlainText)
-    {
-        auto document = std::make_unique<Document>();
-        document->noteType = noteType;
-        document->root()->setName(QStringLiteral("Home"));
-        Item *kitchen = add(document->root(), QStringLiteral("Kitchen"));
-        kitchen->setNote(NoteText::fromText(QStringLiteral("paint"), noteType));
-        add(document->root(), QStringLiteral("Garden"));
-        return document;
-    }
-
-    // Writes a document of two items to import: Tools > Saw (note "sharp"), Drill.
-    static QString writeImport(const QString &path, const QString &password)
-    {
-        Document document;
-        const quint16 noteType = Document::PlainText;
-        Item *tools = add(document.root(), QStringLiteral("Tools"));
-        add(tools, QStringLiteral("Saw"))->setNote(NoteText::fromText(QStringLiteral("sharp"), noteType));
-        add(document.root(), QStringLiteral("Drill"));
-        if (!password.isEmpty())
-            document.passwordHash = Password::digest(password);
-        document.path = path;
-        return DocumentFile::save(document) ? path : QString();
-    }
-
-    static QStringList names(const TreeNode *node)
-    {
-        QStringList list;
-        for (const Item *item : node->children())
-            list.append(item->name());
-        return list;
-    }
-
 private Q_SLOTS:
-    void importFile_data();
-    void importFile();
-    void convertNotes_data();
-    void convertNotes();
-    void fileProperties();
-    void helpOpensTheContents();
-    void importTextMakesANewDocument_data();
-    void importTextMakesANewDocument();
-};
-
-void TestFileCommands::importFile_data()
-{
-    // Which files load is the file format's rule; the messages of the refusals are checked only here.
-    QTest::addColumn<QString>("file"); // "protected", "old version" or "damaged"
-    QTest::addColumn<QStringList>("passwords");
-    QTest::addColumn<QStringList>("gardenChildren");
-    QTest::addColumn<QStringList>("messages");
-
-    const QStringList imported = {QStringLiteral("Tools"), QStringLiteral("Drill")};
-    QTest::newRow("protected, right password")
-        << QStringLiteral("protected") << QStringList{QStringLiteral("nope"), QStringLiteral("key")} << imported
-        << QStringList();
-    QTest::newRow("older version")
-        << QStringLiteral("old version") << QStringList() << QStringList()
-        << QStringList{QStringLiteral("Only Quillbox files from the current version can be imported. Please open the "
-                                      "file and save it and then try import again.")};
-    QTest::newRow("damaged") << QStringLiteral("damaged") << QStringList() << QStringList()
-                             << QStringList{QStringLiteral("Unable to load file. The file may be corrupted.")};
-}
-
-void TestFileCommands::importFile()
-{
-    QFETCH(QString, file);
-    QFETCH(QStringList, passwords);
-    QFETCH(QStringList, gardenChildren);
-    QFETCH(QStringList, messages);
-    ShellFixture f;
-    QVERIFY(f.open(sample()));
-    const QString path = f.dir.filePath(QStringLiteral("import.qbx"));
-    QVERIFY(!writeImport(path, file == QLatin1String("protected") ? QStringLiteral("key") : QString()).isEmpty());
-    if (file != QLatin1String("protected")) {
-        QFile patch(path);
-        QVERIFY(patch.open(QIODevice::ReadWrite));
-        if (file == QLatin1String("old version"))
-            patch.write(QByteArray("\x26\x02\x00\x00", 4)); // 550
-        else
-            patch.resize(patch.size() - 3);
-    }
-    Item *garden = f.at({1});
-    f.select(garden);
-    f.prompts.passwords.append(passwords);
-    f.prompts.fileNames.enqueue(path);
-    f.run("actionImportFile");
-    for (QString &m : messages)
-        m += QStringLiteral("\n\n") + QDir::toNativeSeparators(path); // the box names the file
-    QCOMPARE(f.shownTexts(), messages);
-    for (const auto &shown : std::as_const(f.prompts.shown))
-        QCOMPARE(shown.icon, Prompts::Icon::Stop);
-    QCOMPARE(names(garden), gardenChildren);
-    QCOMPARE(names(f.document()->root()), (QStringList{QStringLiteral("Kitchen"), QStringLiteral("Garden")}));
-    if (!gardenChildren.isEmpty()) {
-        QCOMPARE(f.prompts.passwordAttempts, int(passwords.size()));
-        const Item *saw = garden->child(0)->child(0);
-        QCOMPARE(saw->name(), QStringLiteral("Saw"));
-        QCOMPARE(NoteText::plainText(saw->note(), Document::PlainText), QStringLiteral("sharp"));
-        QVERIFY(garden->isExpanded());
-    }
-}
-
-void TestFileCommands::convertNotes_data()
-{
-    QTest::addColumn<quint16>("from");
-    QTest::addColumn<quint16>("to");
-    QTest::addColumn<bool>("ok");
-    QTest::addColumn<bool>("yes");
-    QTest::addColumn<bool>("converted");
-    QTest::addColumn<QStringList>("messages");
-
-    const QString done = QStringLiteral("Note conversion completed.");
-    const QString ask = QStringLiteral("Converting notes to a different format may cause data loss. Are you sure?");
-    QTest::newRow("from plain text, no question")
-        << quint16(0) << quint16(2) << true << true << true << QStringList{done};
-    QTest::newRow("from rich text, yes") << quint16(2) << quint16(0) << true << true << true << QStringList{ask, done};
-    QTest::newRow("from rich ink, no") << quint16(1) << quint16(2) << true << false << false << QStringList{ask};
-    QTest::newRow("cancelled") << quint16(0) << quint16(1) << false << true << false << QStringList();
-}
-
-void TestFileCommands::convertNotes()
-{
-    QFETCH(quint16, from);
-    QFETCH(quint16, to);
-    QFETCH(bool, ok);
-    QFETCH(bool, yes);
-    QFETCH(bool, converted);
-    QFETCH(QStringList, messages);
-    ShellFixture f;
-    QVERIFY(f.open(sample(from)));
-    const QString path = f.document()->path;
-    f.prompts.yesNo.enqueue(yes);
-    f.prompts.dialogs.enqueue([&](QDialog *d) {
-        QCOMPARE(child<QLabel>(d, "convertFile")->text(), QDir::toNativeSeparators(path));
-        if (from == 0)
-            screenshot(d, QStringLiteral("convert-notes"));
-        clickButton(child<QRadioButton>(d, QStringLiteral("target%1").arg(to).toLatin1().constData()));
-        press(d, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
-    });
-    f.run("actionConvertNotes");
-    QCOMPARE(f.shownTexts(), messages);
-    if (messages.size() == 2)
-        QCOMPARE(f.prompts.shown[0].icon, Prompts::Icon::Exclamation); // No is the safe default
-    if (!converted) {
-        QCOMPARE(f.document()->noteType, from);
-        return;
-    }
-    // A conversion saves the document and closes it back to the list.
-    QVERIFY(!f.view());
-    QCOMPARE(f.prompts.shown.last().icon, Prompts::Icon::Information);
-    Document reloaded;
-    QCOMPARE(DocumentFile::load(path, &reloaded), DocumentFile::Loaded);
-    QCOMPARE(reloaded.noteType, to);
-    const QByteArray note = reloaded.root()->child(0)->note();
-    QCOMPARE(NoteText::plainText(note, to), QStringLiteral("paint"));
-    if (to == Document::RichText)
-        QVERIFY(RtfReader::looksLikeRtf(note));
-}
-
-void TestFileCommands::fileProperties()
-{
-    ShellFixture f;
-    QVERIFY(f.open(sample(Document::RichInk), QStringLiteral("house.qbx")));
-    f.at({1})->setProgress(100);
-    f.at({0})->setLinks({QStringLiteral("http://a.example")});
-    f.prompts.dialogs.enqueue([&](QDialog *d) {
-        screenshot(d, QStringLiteral("file-properties"));
-        QCOMPARE(child<QLabel>(d, "fileName")->text(), QStringLiteral("house"));
-        QCOMPARE(child<QLabel>(d, "noteType")->text(), QStringLiteral("Rich Ink"));
-        QCOMPARE(child<QLabel>(d, "location")->text(), QDir::toNativeSeparators(f.dir.path()));
-        QVERIFY(!child<QLabel>(d, "modified")->text().isEmpty());
-        QCOMPARE(child<QLabel>(d, "protection")->text(), QStringLiteral("Not protected"));
-        QCOMPARE(child<QLabel>(d, "items")->text(), QStringLiteral("2 (1 completed)"));
-        QCOMPARE(child<QLabel>(d, "notes")->text(), QStringLiteral("1"));
-        QCOMPARE(child<QLabel>(d, "links")->text(), QStringLiteral("1"));
-        press(d);
-    });
-    f.run("actionFileProperties");
-    QCOMPARE(f.prompts.dialogsRun, QStringList{QStringLiteral("fileProperties")});
-}
-
-void TestFileCommands::helpOpensTheContents()
-{
-    ShellFixture f;
-    QAction *help = f.window->findChild<QAction *>(QStringLiteral("actionHelp"));
-    QVERIFY(help);
-    QCOMPARE(help->shortcut(), QKeySequence(Qt::Key_F1));
-    // Without a browser the person is told where the page is.
-    f.prompts.urlsOpen = false;
-    help->trigger();
-    QCOMPARE(f.shownTexts().size(), 1);
-    QVERIFY(f.shownTexts().first().contains(QStringLiteral("Quillbox.htm")));
-    f.prompts.urlsOpen = true;
-    f.prompts.opened.clear();
-    help->trigger();
-    QCOMPARE(f.shownTexts().size(), 1);
-    QCOMPARE(f.prompts.opened.size(), 1);
-    const QUrl url = f.prompts.opened[0];
-    QCOMPARE(url.fragment(), QStringLiteral("Main_Contents"));
-    QCOMPARE(QFileInfo(url.toLocalFile()).fileName(), QStringLiteral("Quillbox.htm"));
-    QFile page(url.toLocalFile());
-    QVERIFY(page.open(QIODevice::ReadOnly));
-    const QByteArray html = page.readAll();
-    QVERIFY(html.contains("id=\"Main_Contents\""));
-    // Every place the page links to within itself exists.
-    qsizetype at = 0;
-    int links = 0;
-    while ((at = html.indexOf("href=\"#", at)) >= 0) {
-        at += 7;
-        const QByteArray anchor = html.mid(at, html.indexOf('"', at) - at);
-        QVERIFY2(html.contains("id=\"" + anchor + "\""), anchor.constData());
-        ++links;
-    }
-    QVERIFY(links > 10);
-}
-
-void TestFileCommands::importTextMakesANewDocument_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("existing");
-    QTest::addColumn<QList<bool>>("answers");
-    QTest::addColumn<QString>("outline"); // empty: no document opened
-    QTest::addColumn<QStringList>("messages");
-    QTest::addColumn<QString>("source"); // the file's name; the new document's is its base name
-
-    const QString txt = QStringLiteral("shopping.list.txt");
-    const QString replace = QStringLiteral("'%1' already exists. Do you want to replace it?");
-    QTest::newRow("outline") << QByteArray("Groceries\r\n Fruit\r\n  Apples\r\n Bread\r\n") << false << QList<bool>()
-                             << QStringLiteral("Groceries: Fruit Apples Bread") << QStringList() << txt;
-    QTest::newRow("replacing a document, yes") << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{true}
-                                               << QStringLiteral("Groceries: Bread") << QStringList{replace} << txt;
-    QTest::newRow("replacing a document, no") << QByteArray("Groceries\r\n\tBread\r\n") << true << QList<bool>{false}
-                                              << QString() << QStringList{replace} << txt;
-    QTest::newRow("format error")
-        << QByteArray("Groceries\r\nFruit\r\n") << false << QList<bool>() << QString()
-        << QStringList{QStringLiteral("The format of the import text file is invalid. Please correct the file and try "
-                                      "again. (line 2)\n\n%2")}
-        << txt;
-    QTest::newRow("unreadable") << QByteArray("\xff\xfe\x00\x00", 4) << false << QList<bool>() << QString()
-                                << QStringList{QStringLiteral("Unable to load file. Please try again with a smaller "
-                                                              "file.\n\n%2")}
-                                << txt;
-    // The file's suffix chooses the reader; each reader's rules are its own suite's.
-    QTest::newRow("OPML") << QByteArray("<opml version=\"2.0\"><head><title>Groceries</title></head><body>"
-                                        "<outline text=\"Bread\"/></body></opml>")
-                          << false << QList<bool>() << QStringLiteral("Groceries: Bread") << QStringList()
-                          << QStringLiteral("shopping.opml");
-    QTest::newRow("OPML, not an outline")
-        << QByteArray("<html/>") << false << QList<bool>() << QString()
-        << QStringList{QStringLiteral("The file is not an outline this program can read. Please correct the file and "
-                                      "try again.\nthe file is not an OPML outline\n\n%2")}
-        << QStringLiteral("shopping.opml");
-    QTest::newRow("Markdown") << QByteArray("# Groceries\n\n- Bread\n") << false << QList<bool>()
-                              << QStringLiteral("Groceries: Bread") << QStringList() << QStringLiteral("shopping.md");
-}
-
-void TestFileCommands::importTextMakesANewDocument()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(bool, existing);
-    QFETCH(QList<bool>, answers);
-    QFETCH(QString, outline);
-    QFETCH(QStringList, messages);
-    QFETCH(QString, source);
-    ShellFixture f;
-    f.window->settings().textImport = 0x00020007; // rich text notes, icon 7
-    source = f.dir.filePath(source);
-    const QString target = f.dir.filePath(QFileInfo(source).completeBaseName() + QStringLiteral(".qbx"));
-    QFile file(source);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(text);
-    file.close();
-    if (existing) {
-        Document old;
-        add(old.root(), QStringLiteral("Old"));
-        old.path = target;
-        QVERIFY(DocumentFile::save(old));
-    }
-    f.window->updateActions();
-    QVERIFY(f.command("actionImportText")->isEnabled());
-    f.prompts.fileNames.enqueue(source);
-    f.prompts.noteTypes.enqueue(Document::RichText);
-    f.prompts.yesNo.append(answers);
-    f.run("actionImportText");
-
-    QStringList expected = messages;
-    for (QString &m : expected)
-        m.replace(QLatin1String("%1"), QDir::toNativeSeparators(target))
-            .replace(QLatin1String("%2"), QDir::toNativeSeparators(source));
-    QCOMPARE(f.shownTexts(), expected);
-    QCOMPARE(f.prompts.noteTypesOffered, QList<int>{2}); // the option's note type comes first
-    if (outline.isEmpty()) {
-        QVERIFY(!f.view());
-        Document onDisk;
-        if (existing) {
-            QCOMPARE(DocumentFile::load(target, &onDisk), DocumentFile::Loaded);
-            QCOMPARE(onDisk.root()->child(0)->name(), QStringLiteral("Old"));
-        } else {
-            QVERIFY(!QFile::exists(target));
+    void importFile()
+    {
+        // Which files load is the file format's rule; the messages of the refusals are checked only here.
+        const std::pair<QByteArray, QString> rows[] = {
+            {QByteArray("\x27\x02", 2), QString()}, // the first bytes written over the file; empty: three cut off
+            {QByteArray(), QStringLiteral("Unable to load file. The file may be corrupted.")},
+            {QByteArray("\x26\x02", 2), QStringLiteral("Only Quillbox files from the current version can be imported. "
+                                                       "Please open the file and save it and then try import again.")}};
+        for (const auto &[patch, message] : rows) {
+            ShellFixture f;
+            QVERIFY(f.open(sample()));
+            Document other;
+            add(add(other.root(), QStringLiteral("Tools")), QStringLiteral("Saw"));
+            other.passwordHash = Password::digest(QStringLiteral("key"));
+            other.path = f.dir.filePath(QStringLiteral("import.qbx"));
+            QVERIFY(DocumentFile::save(other));
+            const QByteArray bytes = readFile(other.path);
+            QVERIFY(writeFile(other.path, patch.isEmpty() ? bytes.chopped(3) : patch + bytes.mid(2)));
+            f.select(f.at({1}));
+            f.prompts.passwords << QStringLiteral("nope") << QStringLiteral("key");
+            f.prompts.fileNames << other.path;
+            QVERIFY(f.run("actionImportFile"));
+            QCOMPARE(f.shownTexts().join(QString()),
+                     message.isEmpty() ? QString() : message + "\n\n" + QDir::toNativeSeparators(other.path));
+            QCOMPARE(outline(f.at({1})), message.isEmpty() ? QStringLiteral("Tools Tools/Saw") : QString());
         }
-        return;
     }
-    QVERIFY(f.view());
-    QCOMPARE(f.document()->path, target);
-    QCOMPARE(f.document()->noteType, quint16(Document::RichText));
-    QStringList names;
-    TreeWalker walker(f.document()->root());
-    while (const Item *item = walker.next()) {
-        names.append(item->name());
-        QCOMPARE(item->image(), quint16(7));
+
+    void importAndXmlExportEqualQbx()
+    {
+        // The desktop and qbx share the import and the XML export: the same files give the same bytes. The imported
+        // notes are rich text; the target rolls its progress up and orders its children by name.
+        ShellFixture f;
+        Document other;
+        other.noteType = Document::RichText;
+        Item *apple = add(other.root(), QStringLiteral("Apple"));
+        apple->setProgress(100);
+        apple->setNote(QByteArray("{\\rtf1 ripe}"));
+        other.path = f.dir.filePath(QStringLiteral("other.qbx"));
+        QVERIFY(DocumentFile::save(other));
+        auto document = sample();
+        document->root()->child(0)->setAutoProgress(true);
+        document->root()->child(0)->setSort(TreeNode::SortName);
+        QVERIFY(f.open(std::move(document)));
+        const QString copy = f.dir.filePath(QStringLiteral("copy.qbx")), xml = f.dir.filePath(QStringLiteral("x.xml"));
+        f.select(f.at({0}));
+        f.run("actionSave"); // qbx reads the document as saved, with the top level the view keeps open
+        QVERIFY(QFile::copy(f.document()->path, copy));
+        f.window->settings().xmlEncode = 1;
+        f.prompts.fileNames << other.path << xml;
+        QVERIFY(f.run("actionImportFile") && f.run("actionSave") && f.run("actionExportXml"));
+        QCOMPARE(f.at({0})->progress(), quint16(50));
+        QCOMPARE(runQbx(f, {"import", "doc", copy, other.path, "--into", "1"}), 0);
+        QCOMPARE(runQbx(f, {"export", "xml", "--encoding", "1", copy, f.dir.filePath(QStringLiteral("qbx.xml"))}), 0);
+        QCOMPARE(readFile(copy), readFile(f.document()->path));
+        QCOMPARE(readFile(f.dir.filePath(QStringLiteral("qbx.xml"))), readFile(xml));
+        QVERIFY(readFile(xml).contains("Apple"));
     }
-    QCOMPARE(f.document()->root()->name() + QStringLiteral(": ") + names.join(QLatin1Char(' ')), outline);
-    QVERIFY(!f.command("actionImportText")->isEnabled());
-}
+
+    void convertNotes()
+    {
+        // A conversion asks from formatted notes only, then saves the document and closes it back to the list.
+        const QString ask = QString::fromLatin1(Messages::AskConvertNotes);
+        const QString done = QStringLiteral("Note conversion completed.");
+        const struct {
+            quint16 from, to;
+            bool ok, yes;
+            QStringList messages;
+        } rows[] = {{0, 2, true, true, {done}},
+                    {2, 0, true, true, {ask, done}},
+                    {1, 2, true, false, {ask}},
+                    {0, 1, false, true, {}}};
+        for (const auto &row : rows) {
+            ShellFixture f;
+            QVERIFY(f.open(sample(row.from)));
+            const QString path = f.document()->path;
+            f.prompts.yesNo.enqueue(row.yes);
+            f.prompts.dialogs.enqueue([&](QDialog *d) {
+                clickButton(child<QRadioButton>(d, QStringLiteral("target%1").arg(row.to).toLatin1().constData()));
+                press(d, row.ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
+            });
+            QVERIFY(f.run("actionConvertNotes"));
+            QCOMPARE(f.shownTexts(), row.messages);
+            Document reloaded;
+            QCOMPARE(DocumentFile::load(path, &reloaded), DocumentFile::Loaded);
+            QCOMPARE(reloaded.noteType, row.messages.contains(done) ? row.to : row.from);
+            QCOMPARE(NoteText::plainText(reloaded.root()->child(0)->note(), reloaded.noteType),
+                     QStringLiteral("paint"));
+            QCOMPARE(f.view() == nullptr, row.messages.contains(done));
+        }
+    }
+
+    void importTextMakesANewDocument()
+    {
+        // The file's suffix chooses the reader; each reader's rules are its own suite's.
+        const QString replace = QString::fromLatin1(Messages::AskReplaceDocument);
+        const struct {
+            const char *source;
+            QByteArray text;
+            bool existing;
+            QString outline; // empty: no document opened
+            QStringList messages;
+        } rows[] = {
+            {"list.txt", "Groceries\r\n Fruit\r\n  Apples\r\n Bread\r\n", false, "Fruit Fruit/Apples Bread", {}},
+            {"list.txt", "Groceries\r\n\tBread\r\n", true, "Bread", {replace}},
+            {"list.txt", "Groceries\r\n\tBread\r\n", true, "", {replace}},
+            {"list.txt",
+             "Groceries\r\nFruit\r\n",
+             false,
+             "",
+             {"The format of the import text file is invalid. Please correct the file and try again. (line 2)\n\n%2"}},
+            {"list.opml", "<opml version=\"2.0\"><body><outline text=\"Bread\"/></body></opml>", false, "Bread", {}},
+        };
+        for (const auto &row : rows) {
+            ShellFixture f;
+            f.window->settings().textImport = 0x00020007; // rich text notes, icon 7
+            const QString source = f.dir.filePath(QString::fromLatin1(row.source));
+            const QString target = f.dir.filePath(QStringLiteral("list.qbx"));
+            Document old;
+            old.path = target;
+            QVERIFY(writeFile(source, row.text) && (!row.existing || DocumentFile::save(old)));
+            f.prompts.fileNames << source;
+            f.prompts.noteTypes << Document::RichText;
+            f.prompts.yesNo << !row.outline.isEmpty();
+            QVERIFY(f.run("actionImportText"));
+            QStringList expected = row.messages;
+            for (QString &m : expected)
+                m.replace(QLatin1String("%1"), QDir::toNativeSeparators(target))
+                    .replace(QLatin1String("%2"), QDir::toNativeSeparators(source));
+            QCOMPARE(f.shownTexts(), expected);
+            QCOMPARE(f.prompts.noteTypesOffered, QList<int>{2}); // the option's note type comes first
+            QCOMPARE(QFile::exists(target), row.existing || !row.outline.isEmpty());
+            QCOMPARE(f.view() ? outline(f.document()->root()) : QString(), row.outline);
+            QVERIFY(!f.view() || (f.document()->noteType == Document::RichText && f.at({0})->image() == 7));
+        }
+    }
+
+    void exports()
+    {
+        ShellFixture f;
+        QVERIFY(f.open(sample()));
+        // The options dialog's choice is the next export's default; cancelled there, no file is asked for.
+        const QString path = f.dir.filePath(QStringLiteral("out.txt"));
+        const QString nowhere = f.dir.filePath(QStringLiteral("no/such/folder/out.txt"));
+        f.prompts.fileNames << path << nowhere << nowhere;
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            child<QComboBox>(d, "exportChoice")->setCurrentIndex(1);
+            press(d);
+        });
+        f.prompts.dialogs.enqueue([](QDialog *d) { child<QComboBox>(d, "exportChoice")->setCurrentIndex(5); });
+        QVERIFY(f.run("actionExportView") && f.run("actionExportLinks"));
+        QCOMPARE(readFile(path), QByteArray("Trip\r\n\tPack\r\n\t\tBoots\r\n\tBook\r\n"));
+        QCOMPARE(f.window->settings().expViewSep, quint16(1));
+        QCOMPARE(f.window->settings().expOtherSep, quint16(0));
+        // The XML export and the text exports report their failures each in their own place.
+        f.prompts.dialogs.enqueue([](QDialog *d) { press(d); });
+        QVERIFY(f.run("actionExportXml") && f.run("actionExportNotes"));
+        QCOMPARE(f.shownTexts().size(), 2);
+        for (const QString &shown : f.shownTexts())
+            QVERIFY2(
+                shown.startsWith(QStringLiteral("Export has failed. Please make sure you have enough storage space "
+                                                "and try again.")) &&
+                    shown.endsWith(QStringLiteral("out.txt: folder missing")),
+                qPrintable(shown));
+
+        // Items: the completed ones with their hierarchy, deleted afterwards where nothing else holds them.
+        QVERIFY(f.open("Pack | prog=100\n  Boots | prog=100\n  Socks\nBook\n", QStringLiteral("items-from.qbx")));
+        f.prompts.shown.clear();
+        f.prompts.fileNames << f.dir.filePath(QStringLiteral("items.qbx"));
+        f.prompts.dialogs.enqueue([](QDialog *d) {
+            QVERIFY(!child<QCheckBox>(d, "deleteAfterExport")->isChecked()); // the option, off
+            clickButton(child<QRadioButton>(d, "choice1"));
+            QVERIFY(!qobject_cast<ItemExportDialog *>(d)->tree()->isEnabled());
+            child<QCheckBox>(d, "deleteAfterExport")->setChecked(true);
+            press(d);
+        });
+        QVERIFY(f.run("actionExportItems"));
+        QCOMPARE(f.shownTexts(), QStringList{"2 item(s) exported. 1 exported item(s) stayed in the document because "
+                                             "they hold items that were not exported."});
+        QCOMPARE(outline(f.document()->root()), QStringLiteral("Pack Pack/Socks Book"));
+        Document exported;
+        QCOMPARE(DocumentFile::load(f.dir.filePath(QStringLiteral("items.qbx")), &exported), DocumentFile::Loaded);
+        QCOMPARE(outline(exported.root()), QStringLiteral("Pack Pack/Boots"));
+    }
+
+    void calendarObjects()
+    {
+        // Task and Appointment reach the calendar folder the settings name, for the item or for each child.
+        ShellFixture f;
+        const QString folder = f.dir.filePath(QStringLiteral("calendar"));
+        f.window->settings().calendarStore = f.dir.filePath(QStringLiteral("test.qbx/calendar")); // not a folder
+        QVERIFY(f.open(sample()));
+        f.select(f.at({0}));
+        // An unusable store is reported once for all the children and offers the options, on the Calendar page.
+        f.prompts.yesNo << true << false << false << true << true << false;
+        QVERIFY(f.run("actionCreateTask"));
+        QCOMPARE(f.prompts.shown.value(1).text.left(29), QStringLiteral("The calendar cannot be used: "));
+        f.prompts.dialogs.enqueue([folder](QDialog *d) {
+            auto *pages = child<QTabWidget>(d, "pages");
+            QCOMPARE(pages->tabText(pages->currentIndex()), QStringLiteral("Calendar"));
+            child<QLineEdit>(d, "calendarStore")->setText(folder);
+            press(d);
+        });
+        QVERIFY(f.run("actionCreateAppointment"));
+        f.prompts.shown.clear();
+        QVERIFY(f.run("actionCreateTask") && f.run("actionCreateAppointment"));
+        QStringList created;
+        for (const QFileInfo &info : QDir(folder).entryInfoList({QStringLiteral("*.ics")}, QDir::Files))
+            created << IcalObject::parse(readFile(info.filePath())).kind +
+                           IcalObject::parse(readFile(info.filePath())).summary;
+        created.sort();
+        QCOMPARE(created, (QStringList{"VEVENTPack", "VTODOBoots"}));
+        QCOMPARE(f.shownTexts(),
+                 (QStringList{Messages::AskTaskForEachChild, "1 object(s) created in the calendar.",
+                              Messages::AskAppointmentForEachChild, "1 object(s) created in the calendar."}));
+    }
+};
 
 QTEST_MAIN(TestFileCommands)
 #include "tst_filecommands.moc"
