@@ -115,7 +115,10 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(f.document()->path, copy));
         f.window->settings().xmlEncode = 1;
         f.prompts.fileNames << other.path << xml;
+        QSignalSpy edited(f.view(), &DocumentView::itemsEdited); // the reminders learn of the items that arrived
         QVERIFY(f.run("actionImportFile") && f.run("actionSave") && f.run("actionExportXml"));
+        QCOMPARE(edited.count(), 1);
+        QCOMPARE(edited.at(0).at(0).value<ItemHost::Edit>(), ItemHost::Edit::ItemsAdded);
         QCOMPARE(f.at({0})->progress(), quint16(50));
         QCOMPARE(runQbx(f, {"import", "doc", copy, other.path, "--into", "1"}), 0);
         QCOMPARE(runQbx(f, {"export", "xml", "--encoding", "1", copy, f.dir.filePath(QStringLiteral("qbx.xml"))}), 0);
