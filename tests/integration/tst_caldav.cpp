@@ -7,7 +7,6 @@
 #include "platform/messages.h"
 
 #include <QTest>
-#include <map>
 
 namespace {
 
@@ -41,51 +40,32 @@ private Q_SLOTS:
         QVERIFY2(m_server.start(&error), qPrintable(error));
     }
 
-    void objectsArriveWithTheirFields()
+    // What each object holds is CalendarObject's; here: that each arrives.
+    void objectsArrive()
     {
         Document document;
-        Outline::build(document.root(), "Move | cat=Home due=2024-03-01\n"
-                                        "  Give notice | cat=Home due=2024-03-31 note=Registered_letter\n"
-                                        "    Find the contract | cat=Papers\n"
-                                        "  Book the van\n"
-                                        "  Pack | cat=Errands\n");
+        Outline::build(document.root(),
+                       "Move | due=2024-03-01\n  Give notice\n    Find the contract\n  Book the van\n");
+        Item *move = Outline::find(document.root(), QStringLiteral("Move"));
         CalDavCalendar calendar = store();
         QString error;
         QVERIFY2(calendar.connect(&error), qPrintable(error));
-        const CalendarStore::CreateResult result =
-            calendar.createFor(*Outline::find(document.root(), QStringLiteral("Move")), 0, CalendarObject::Task, true);
+        const CalendarStore::CreateResult result = calendar.createFor(*move, 0, CalendarObject::Task, true);
         QVERIFY2(result.allCreated(), qPrintable(result.errors.join(QLatin1Char('\n'))));
-        QCOMPARE(result.created, 3);
-        QVERIFY(calendar.createAppointment(*Outline::find(document.root(), QStringLiteral("Move")), 0, &error));
-
-        std::map<QString, IcalObject> arrived;
+        QVERIFY(calendar.createAppointment(*move, 0, &error));
+        QStringList arrived;
         for (const QByteArray &ics : m_server.storedObjects()) {
             const IcalObject object = IcalObject::parse(ics);
-            arrived[object.summary] = object;
+            arrived.append(object.kind + QLatin1Char(' ') + object.summary);
         }
-        QCOMPARE(arrived.size(), size_t(4));
-        const IcalObject &notice = arrived["Give notice"];
-        QCOMPARE(notice.kind, QStringLiteral("VTODO"));
-        QCOMPARE(notice.due, QDate(2024, 3, 31));
-        QVERIFY(notice.dueIsDate);
-        QCOMPARE(notice.categories, QStringList{"Home"});
-        QCOMPARE(notice.description, QStringLiteral("Registered letter"));
-        const IcalObject &van = arrived["Book the van"];
-        QCOMPARE(van.kind, QStringLiteral("VTODO"));
-        QVERIFY(!van.due.isValid());
-        QVERIFY(van.categories.isEmpty());
-        QCOMPARE(arrived["Pack"].categories, QStringList{"Errands"});
-        const IcalObject &move = arrived["Move"];
-        QCOMPARE(move.kind, QStringLiteral("VEVENT"));
-        QCOMPARE(move.start, QDate(2024, 3, 1));
-        QVERIFY(move.startIsDate);
+        arrived.sort();
+        QCOMPARE(arrived, QStringList({"VEVENT Move", "VTODO Book the van", "VTODO Give notice"}));
     }
 
     void categoriesOfTasksAndEvents()
     {
         QString error;
         QVERIFY2(m_server.makeCalendar(QStringLiteral("mixed"), &error), qPrintable(error));
-        const QByteArray type = "text/calendar; charset=utf-8";
         const auto put = [&](const char *name, const char *component, const char *categories) {
             const QByteArray ics = QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:") +
                                    component + "\r\nUID:" + name +
@@ -94,16 +74,14 @@ private Q_SLOTS:
             return m_server.request("PUT",
                                     m_server.calendarUrl(QStringLiteral("mixed"))
                                         .resolved(QUrl(QLatin1String(name) + QLatin1String(".ics"))),
-                                    ics, type);
+                                    ics, "text/calendar; charset=utf-8");
         };
-        QCOMPARE(put("t1", "VTODO", "CATEGORIES:Work,Calls\r\n"), 201);
-        QCOMPARE(put("e1", "VEVENT", "CATEGORIES:home\r\n"), 201);
-        QCOMPARE(put("e2", "VEVENT", "CATEGORIES:Work\r\n"), 201);
-        QCOMPARE(put("j1", "VJOURNAL", "CATEGORIES:Diary\r\n"), 201);
+        QCOMPARE(put("t1", "VTODO", "CATEGORIES:Work,Calls\r\n") + put("e1", "VEVENT", "CATEGORIES:home\r\n") +
+                     put("e2", "VEVENT", "CATEGORIES:Work\r\n") + put("j1", "VJOURNAL", "CATEGORIES:Diary\r\n"),
+                 4 * 201);
 
-        CalDavCalendar calendar = store(QStringLiteral("mixed"));
         QStringList categories;
-        QVERIFY2(calendar.categories(&categories, &error), qPrintable(error));
+        QVERIFY2(store(QStringLiteral("mixed")).categories(&categories, &error), qPrintable(error));
         QCOMPARE(categories, QStringList({"Calls", "home", "Work"}));
     }
 
@@ -113,8 +91,6 @@ private Q_SLOTS:
         QString error;
 
         CalDavCalendar wrongPassword = store(QStringLiteral("tasks"), QStringLiteral("guess"));
-        QVERIFY(!wrongPassword.connect(&error));
-        QCOMPARE(error, message(Messages::CalendarAuthFailed).arg(QStringLiteral("127.0.0.1")));
         QVERIFY(!wrongPassword.createTask(item, 0, &error));
         QCOMPARE(error, message(Messages::CalendarAuthFailed).arg(QStringLiteral("127.0.0.1")));
 
@@ -125,12 +101,11 @@ private Q_SLOTS:
         QVERIFY(!calendar.addObject(QStringLiteral("twice"), ics, &error));
         QCOMPARE(error, message(Messages::CalendarObjectExists).arg(calendar.location()));
 
-        CalDavCalendar unencrypted(QUrl(QStringLiteral("http://192.0.2.1/cal/")), QStringLiteral("alice"),
-                                   QStringLiteral("secret"));
+        CalDavCalendar unencrypted(QUrl(QStringLiteral("http://192.0.2.1/cal/")), {}, {});
         QVERIFY(!unencrypted.connect(&error));
-        QCOMPARE(error, message(Messages::CalendarHttpsRequired).arg(QStringLiteral("http://192.0.2.1/cal/")));
+        QCOMPARE(error, message(Messages::CalendarHttpsRequired).arg(unencrypted.location()));
         for (const char *address : {"https:///cal/", "ftp://example.org/cal/"}) {
-            CalDavCalendar bad(QUrl(QString::fromLatin1(address)), QStringLiteral("alice"), QStringLiteral("secret"));
+            CalDavCalendar bad(QUrl(QString::fromLatin1(address)), {}, {});
             QVERIFY(!bad.connect(&error));
             QCOMPARE(error, message(Messages::CalendarBadAddress).arg(bad.location()));
         }

@@ -1,130 +1,84 @@
+#include "support/outline.h"
+
 #include "model/childorder.h"
-#include "model/document.h"
 #include "model/progress.h"
 
 #include <QTest>
 
-namespace {
-Item *addChild(TreeNode *parent, quint16 progress, bool automatic = false)
-{
-    auto *item = new Item(QStringLiteral("i%1").arg(parent->childCount()));
-    item->storeProgress(progress);
-    item->setAutoProgress(automatic);
-    parent->appendChild(item);
-    return item;
-}
-} // namespace
-
 class TestProgress : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void meanDropsTheFraction_data()
-    {
-        QTest::addColumn<QList<int>>("children");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("100 100 0") << QList<int>{100, 100, 0} << 66;
-        QTest::newRow("no children") << QList<int>{} << 0;
-        QTest::newRow("one at 99") << QList<int>{99} << 99;
-        QTest::newRow("all done") << QList<int>{100, 100} << 100;
-        QTest::newRow("1 and 0") << QList<int>{1, 0} << 0;
-    }
     void meanDropsTheFraction()
     {
-        QFETCH(QList<int>, children);
-        QFETCH(int, expected);
-        TreeNode root;
-        Item *parent = addChild(&root, 55, true);
-        for (int p : children)
-            addChild(parent, quint16(p));
-        Progress::rollUp(parent);
-        QCOMPARE(int(parent->progress()), expected);
+        const std::pair<const char *, int> cases[] = {
+            {"a | prog=100\nb | prog=100\nc", 66}, {"", 0}, {"a | prog=99", 99}, {"a | prog=1\nb", 0}};
+        for (const auto &[children, mean] : cases) {
+            Item parent;
+            parent.storeProgress(55);
+            parent.setAutoProgress(true);
+            Outline::build(&parent, children);
+            Progress::rollUp(&parent);
+            QCOMPARE(int(parent.progress()), mean);
+        }
     }
 
     void climbPassesManualAncestors()
     {
-        // auto grandparent > manual parent (30) > auto child > leaves
         TreeNode root;
-        Item *grand = addChild(&root, 0, true);
-        Item *manual = addChild(grand, 30);
-        Item *sibling = addChild(grand, 90);
-        Item *autoChild = addChild(manual, 0, true);
-        Item *leaf = addChild(autoChild, 0);
-        addChild(autoChild, 0);
-        leaf->setProgress(100);
-        QCOMPARE(autoChild->progress(), quint16(50));
-        QCOMPARE(manual->progress(), quint16(30)); // manual: untouched
-        QCOMPARE(grand->progress(), quint16(60));  // (30 + 90) / 2, recomputed past the manual item
-        Q_UNUSED(sibling);
+        Outline::build(&root, "grand | auto\n  manual | prog=30\n    autoChild | auto\n      leaf\n      other\n"
+                              "  sibling | prog=90");
+        Outline::find(&root, QStringLiteral("leaf"))->setProgress(100);
+        QCOMPARE(Outline::find(&root, QStringLiteral("autoChild"))->progress(), quint16(50));
+        QCOMPARE(Outline::find(&root, QStringLiteral("manual"))->progress(), quint16(30)); // manual: untouched
+        QCOMPARE(Outline::find(&root, QStringLiteral("grand"))->progress(), quint16(60));  // (30 + 90) / 2
     }
 
-    // Every child counts whatever its status type; an automatic item follows
-    // its children, and shows 0 without any.
+    // Every child counts whatever its status type; an automatic item follows its children, and shows 0 without any.
     void automaticItemsFollowTheirChildren()
     {
         TreeNode root;
-        Item *parent = addChild(&root, 0, true);
-        Item *noStatus = addChild(parent, 0);
-        noStatus->setStatusType(Item::NoStatus);
-        addChild(parent, 0);
-        noStatus->setProgress(50);
+        Outline::build(&root, "parent | auto\n  noStatus | st=0\n  box\nlonely | auto");
+        Item *parent = root.child(0);
+        parent->child(0)->setProgress(50);
         QCOMPARE(parent->progress(), quint16(25));
         parent->setProgress(100);
         QCOMPARE(parent->progress(), quint16(25));
-        Item *lonely = addChild(&root, 0, true);
-        lonely->setProgress(70);
-        QCOMPARE(lonely->progress(), quint16(0));
+        root.child(1)->setProgress(70);
+        QCOMPARE(root.child(1)->progress(), quint16(0));
+
+        Item counted;
+        Outline::build(&counted, "a\nb | prog=1\nc | prog=50\nd | prog=99\ne | prog=100\nf | prog=100\n  g\nh");
+        const Progress::Statistics s = Progress::statistics(&counted); // of the children alone
+        QCOMPARE(QList<int>({s.notStarted, s.started, s.completed}), QList<int>({2, 3, 2}));
     }
 
     void tap()
     {
         TreeNode root;
-        Item *parent = addChild(&root, 0, true);
-        Item *box = addChild(parent, 40);
+        Outline::build(&root, "parent | auto\n  box | prog=40");
+        Item *parent = root.child(0);
+        Item *box = parent->child(0);
         QCOMPARE(Progress::tap(box), Progress::TapResult::Toggled);
-        QCOMPARE(box->progress(), quint16(100)); // 40 is not completed: ticked
-        QCOMPARE(parent->progress(), quint16(100));
+        QCOMPARE(parent->progress(), quint16(100)); // 40 is not completed: ticked
         QCOMPARE(Progress::tap(box), Progress::TapResult::Toggled);
-        QCOMPARE(box->progress(), quint16(0));
         QCOMPARE(parent->progress(), quint16(0));
-
         QCOMPARE(Progress::tap(parent), Progress::TapResult::Ignored);
-        QCOMPARE(parent->progress(), quint16(0));
-
         box->setStatusType(Item::ProgressBar);
         QCOMPARE(Progress::tap(box), Progress::TapResult::ShowPresets);
-        QCOMPARE(box->progress(), quint16(0));
         box->setStatusType(Item::NoStatus);
         QCOMPARE(Progress::tap(box), Progress::TapResult::ShowPresets);
-        QCOMPARE(Progress::Presets, (std::array<quint16, 7>{0, 10, 25, 50, 75, 90, 100}));
-    }
-
-    void statistics()
-    {
-        TreeNode root;
-        Item *parent = addChild(&root, 0);
-        for (int p : {0, 1, 50, 99, 100, 0, 100})
-            addChild(parent, quint16(p));
-        addChild(parent->child(1), 100); // grandchildren do not count
-        const Progress::Statistics s = Progress::statistics(parent);
-        QCOMPARE(s.notStarted, 2);
-        QCOMPARE(s.started, 3);
-        QCOMPARE(s.completed, 2);
+        QCOMPARE(box->progress(), quint16(0));
     }
 
     void resortAncestorsOrderedByPercent()
     {
         TreeNode root;
-        Item *top = addChild(&root, 0);
-        Item *a = addChild(top, 10);
-        Item *b = addChild(top, 20);
-        top->setSort(TreeNode::SortPercentComplete);
-        Item *leaf = addChild(a, 0);
+        Outline::build(&root, "top | sort=3\n  a | prog=10\n    leaf\n  b | prog=20");
+        Item *a = Outline::find(&root, QStringLiteral("a"));
         a->setAutoProgress(true);
-        leaf->setProgress(100);
-        QCOMPARE(a->progress(), quint16(100));
-        Progress::resortAncestors(leaf); // a's parent sorts again: b (20) before a (100)
-        QCOMPARE(top->child(0), b);
-        QCOMPARE(top->child(1), a);
+        a->child(0)->setProgress(100);
+        Progress::resortAncestors(a->child(0)); // a's parent sorts again: b (20) before a (100)
+        QCOMPARE(root.child(0)->child(0)->name(), QStringLiteral("b"));
     }
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Test helper: the fields of one iCalendar object as libical itself reads
-// them, so tests check what a calendar program would see.
+// Test helper: the fields of one iCalendar object as libical itself reads them, so tests check what a calendar program
+// would see.
 
 #include <QDate>
 #include <QDateTime>
@@ -11,9 +11,7 @@
 #include <libical/ical.h>
 
 struct IcalObject {
-    bool valid = false;
     QString kind; // "VTODO" or "VEVENT"
-    QString prodId;
     QString uid;
     QString summary;
     QString description;
@@ -24,7 +22,6 @@ struct IcalObject {
     bool startIsDate = false;
     QDateTime stamp;
     QByteArray attachment;
-    QString attachmentEncoding;
 
     static IcalObject parse(const QByteArray &ics)
     {
@@ -32,11 +29,8 @@ struct IcalObject {
         icalcomponent *calendar = icalparser_parse_string(ics.constData());
         if (!calendar)
             return object;
-        icalproperty *prodId = icalcomponent_get_first_property(calendar, ICAL_PRODID_PROPERTY);
-        object.prodId = prodId ? QString::fromUtf8(icalproperty_get_prodid(prodId)) : QString();
         icalcomponent *component = icalcomponent_get_first_real_component(calendar);
         if (component) {
-            object.valid = true;
             object.kind = QString::fromUtf8(icalcomponent_kind_to_string(icalcomponent_isa(component)));
             const auto text = [component](icalproperty_kind kind, const char *(*get)(const icalproperty *)) {
                 icalproperty *property = icalcomponent_get_first_property(component, kind);
@@ -68,9 +62,6 @@ struct IcalObject {
                 if (attach && !icalattach_get_is_url(attach))
                     object.attachment =
                         QByteArray::fromBase64(reinterpret_cast<const char *>(icalattach_get_data(attach)));
-                if (icalparameter *e = icalproperty_get_first_parameter(p, ICAL_ENCODING_PARAMETER))
-                    object.attachmentEncoding =
-                        QString::fromUtf8(icalparameter_enum_to_string(icalparameter_get_encoding(e)));
             }
         }
         icalcomponent_free(calendar);

@@ -1,68 +1,56 @@
 #pragma once
 
-// Test helpers: a note tree written as an indented outline, two spaces a
-// level, each line "name" or "name | field=value ...". Fields: cat, pri,
-// due (YYYY-MM-DD or YYYY-MM-DDTHH:MM), prog, st (status type), col, sort,
-// desc (descending), auto, italic, noicon, exp (expanded), note (plain text,
-// '_' for spaces), rem (YYYY-MM-DDTHH:MM, a pending reminder: seconds field 1),
-// rem0 (the same, dismissed: seconds field 0).
+// Test helpers: a note tree written as an indented outline, two spaces a level, each line "name" or "name | field=value
+// ...". Fields: cat, pri, due and made (the creation date; YYYY-MM-DD or YYYY-MM-DDTHH:MM), prog, st (status type),
+// col, sort, desc (descending), auto, italic, noicon, exp (expanded), note (plain text, '_' for spaces), rem (YYYY-MM-
+// DDTHH:MM, a pending reminder: seconds field 1), rem0 (the same, dismissed: seconds 0).
 
-#include "notes/notetext.h"
 #include "model/document.h"
 #include "model/treewalker.h"
+#include "notes/notetext.h"
 
 #include <QDateTime>
 #include <QRegularExpression>
 #include <QStringList>
+#include <map>
 #include <span>
 #include <vector>
 
 namespace Outline {
 
-inline SystemTime date(const QString &text)
+inline SystemTime date(const QString &text, int seconds = 0)
 {
     QDateTime time = QDateTime::fromString(text, Qt::ISODate);
     if (!time.isValid())
         time = QDateTime(QDate::fromString(text, Qt::ISODate), QTime(0, 0));
-    return SystemTime::fromDateTime(time);
+    return SystemTime::fromDateTime(time.addSecs(seconds));
 }
 
 inline void setFields(Item *item, const QString &fields)
 {
-    const QStringList parts = fields.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    for (const QString &part : parts) {
-        const QString key = part.section(QLatin1Char('='), 0, 0);
-        const QString value = part.section(QLatin1Char('='), 1);
-        if (key == QLatin1String("cat"))
-            item->setCategory(value);
-        else if (key == QLatin1String("pri"))
-            item->setPriority(value.toUShort());
-        else if (key == QLatin1String("due"))
-            item->setDueDate(date(value));
-        else if (key == QLatin1String("prog"))
-            item->storeProgress(value.toUShort());
-        else if (key == QLatin1String("st"))
-            item->setStatusType(value.toUShort());
-        else if (key == QLatin1String("col"))
-            item->setColour(value.toUShort());
-        else if (key == QLatin1String("sort"))
-            item->setSort(value.toUShort());
-        else if (key == QLatin1String("desc"))
-            item->setAscending(false);
-        else if (key == QLatin1String("auto"))
-            item->setAutoProgress(true);
-        else if (key == QLatin1String("italic"))
-            item->setItalic(true);
-        else if (key == QLatin1String("noicon"))
-            item->setShowIcon(false);
-        else if (key == QLatin1String("rem") || key == QLatin1String("rem0")) {
-            SystemTime reminder = date(value);
-            reminder.second = key == QLatin1String("rem") ? 1 : 0;
-            item->setReminderTime(reminder);
-        } else if (key == QLatin1String("note"))
-            item->setNote(NoteText::toPlainNote(QString(value).replace(QLatin1Char('_'), QLatin1Char(' '))));
-        else if (key != QLatin1String("exp"))
-            qFatal("unknown outline field %s", qPrintable(key));
+    using Set = void (*)(Item *, const QString &);
+    static const std::map<QString, Set> setters = {
+        {"cat", [](Item *i, const QString &v) { i->setCategory(v); }},
+        {"pri", [](Item *i, const QString &v) { i->setPriority(v.toUShort()); }},
+        {"due", [](Item *i, const QString &v) { i->setDueDate(date(v)); }},
+        {"made", [](Item *i, const QString &v) { i->setCreated(date(v)); }},
+        {"prog", [](Item *i, const QString &v) { i->storeProgress(v.toUShort()); }},
+        {"st", [](Item *i, const QString &v) { i->setStatusType(v.toUShort()); }},
+        {"col", [](Item *i, const QString &v) { i->setColour(v.toUShort()); }},
+        {"sort", [](Item *i, const QString &v) { i->setSort(v.toUShort()); }},
+        {"desc", [](Item *i, const QString &) { i->setAscending(false); }},
+        {"auto", [](Item *i, const QString &) { i->setAutoProgress(true); }},
+        {"italic", [](Item *i, const QString &) { i->setItalic(true); }},
+        {"noicon", [](Item *i, const QString &) { i->setShowIcon(false); }},
+        {"exp", [](Item *, const QString &) {}}, // set by build once the children are in
+        {"rem", [](Item *i, const QString &v) { i->setReminderTime(date(v, 1)); }},
+        {"rem0", [](Item *i, const QString &v) { i->setReminderTime(date(v)); }},
+        {"note", [](Item *i, const QString &v) { i->setNote(NoteText::toPlainNote(QString(v).replace('_', ' '))); }}};
+    for (const QString &part : fields.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        const auto setter = setters.find(part.section(QLatin1Char('='), 0, 0));
+        if (setter == setters.end())
+            qFatal("unknown outline field %s", qPrintable(part));
+        setter->second(item, part.section(QLatin1Char('='), 1));
     }
 }
 
