@@ -146,36 +146,37 @@ private Q_SLOTS:
                      {CalendarObject::Appointment, 0, "", "", ""},
                      {CalendarObject::Appointment, 2, "", "", "Bold\nplain"}, // rich text
                      {CalendarObject::Task, 1, "", "", "ink\ntext"}};         // rich ink: the note attached too
+        QTemporaryDir dir;
+        FolderCalendar store(dir.filePath(QStringLiteral("cal")));
+        QString error;
+        QVERIFY(store.connect(&error));
+        std::vector<std::unique_ptr<Item>> items;
         for (const auto &c : cases) {
-            QTemporaryDir dir;
-            FolderCalendar store(dir.filePath(QStringLiteral("cal")));
-            QString error;
-            QVERIFY(store.connect(&error));
-            Item item(QStringLiteral("Ünïcode name"));
-            Outline::setFields(&item, *c.due ? QStringLiteral("due=") + QLatin1String(c.due) : QString());
-            item.setCategory(QString::fromUtf8(c.category));
-            item.setNote(NoteText::fromText(QString::fromUtf8(c.note), quint16(c.noteType)));
-            for (int i = 0; i < 2; ++i)
-                QVERIFY2(store.create(item, quint16(c.noteType), c.kind, &error), qPrintable(error));
-            const QDir folder(store.location());
-            QStringList uids;
-            for (const QString &name : folder.entryList({QStringLiteral("*.ics")}, QDir::Files)) {
-                QFile file(folder.filePath(name));
-                QVERIFY(file.open(QIODevice::ReadOnly));
-                const IcalObject object = IcalObject::parse(file.readAll());
-                const bool task = c.kind == CalendarObject::Task;
-                QCOMPARE(object.kind, task ? QStringLiteral("VTODO") : QStringLiteral("VEVENT"));
-                QCOMPARE(name, object.uid + QLatin1String(".ics"));
-                uids.append(object.uid);
-                QCOMPARE(object.stamp, Clock::now().toUTC());
-                QCOMPARE(task ? object.due : object.start, item.hasDueDate() ? item.dueDate().toDate() : QDate());
-                QCOMPARE(task ? object.dueIsDate : object.startIsDate, item.hasDueDate());
-                QCOMPARE(object.categories, *c.category ? QStringList{item.category()} : QStringList());
-                QCOMPARE(object.description, QString::fromUtf8(c.note));
-                QCOMPARE(object.attachment, c.noteType == Document::RichInk ? item.note() : QByteArray());
-            }
-            QCOMPARE(uids.size(), 2);
-            QVERIFY(uids[0] != uids[1]);
+            Item *item = items.emplace_back(std::make_unique<Item>(QString::number(items.size()))).get();
+            Outline::setFields(item, *c.due ? QStringLiteral("due=") + QLatin1String(c.due) : QString());
+            item->setCategory(QString::fromUtf8(c.category));
+            item->setNote(NoteText::fromText(QString::fromUtf8(c.note), quint16(c.noteType)));
+            QVERIFY2(store.create(*item, quint16(c.noteType), c.kind, &error), qPrintable(error));
+        }
+        // Each object in a file of its own, named by its new uid, stamped now.
+        const QDir folder(store.location());
+        const QStringList files = folder.entryList({QStringLiteral("*.ics")}, QDir::Files);
+        QCOMPARE(files.size(), 5);
+        for (const QString &name : files) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const IcalObject object = IcalObject::parse(file.readAll());
+            QCOMPARE(name, object.uid + QLatin1String(".ics"));
+            QCOMPARE(object.stamp, Clock::now().toUTC());
+            const auto &c = cases[object.summary.toInt()];
+            const Item &item = *items[object.summary.toInt()];
+            const bool task = c.kind == CalendarObject::Task;
+            QCOMPARE(object.kind, task ? QStringLiteral("VTODO") : QStringLiteral("VEVENT"));
+            QCOMPARE(task ? object.due : object.start, item.hasDueDate() ? item.dueDate().toDate() : QDate());
+            QCOMPARE(task ? object.dueIsDate : object.startIsDate, item.hasDueDate());
+            QCOMPARE(object.categories, *c.category ? QStringList{item.category()} : QStringList());
+            QCOMPARE(object.description, QString::fromUtf8(c.note));
+            QCOMPARE(object.attachment, c.noteType == Document::RichInk ? item.note() : QByteArray());
         }
     }
 
@@ -192,8 +193,7 @@ private Q_SLOTS:
                      {"Parent", true, 1, {"A", "C"}}, // a refused object is skipped
                      {"Leaf", false, 0, {}}};
         for (const auto &c : cases) {
-            Document document;
-            Outline::build(document.root(), "Parent\n  A\n    A1\n  B\n  C\nLeaf\n");
+            Outline::Doc document("Parent\n  A\n    A1\n  B\n  C\nLeaf\n");
             MemoryStore store;
             store.refuseAt = c.refuseAt;
             const CalendarStore::CreateResult result = store.createFor(

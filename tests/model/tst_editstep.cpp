@@ -11,6 +11,7 @@
 #include "support/randomtree.h"
 
 #include <QtTest>
+#include <functional>
 
 namespace {
 
@@ -38,62 +39,49 @@ void randomEdit(Document &doc, ItemClip &clip, QRandomGenerator &rng)
         return;
     }
     doc.setCurrent(item);
-    switch (rng.bounded(12u)) {
-    case 0:
-        Editing::insertItem(doc, new Item(QStringLiteral("new")), InsertPosition(rng.bounded(3u)));
-        break;
-    case 1:
-        Editing::createCopy(item);
-        break;
-    case 2:
-        Editing::deleteItem(doc, item, &clip);
-        break;
-    case 3:
-        Editing::move(doc, item, Editing::Move(rng.bounded(4u)));
-        break;
-    case 4:
-        Editing::drop(item, anyNode());
-        break;
-    case 5:
-        rng.bounded(2u) ? clip.markMove(item) : clip.markCopy(item);
-        clip.paste(anyNode(), rng.bounded(2u));
-        break;
-    case 6: {
-        ItemProperties p;
-        p.name = QStringLiteral("renamed");
-        p.priority = quint16(1 + rng.bounded(20u));
-        p.category = rng.bounded(2u) ? QStringLiteral("Fresh %1").arg(rng.bounded(3u)) : item->category();
-        p.statusType = quint16(rng.bounded(3u));
-        p.autoProgress = rng.bounded(2u);
-        p.progress = quint16(rng.bounded(101u));
-        p.links = QStringList{pick()->linkText()};
-        p.note = QByteArray("note ") + QByteArray::number(rng.bounded(9u));
-        Editing::applyProperties(item, p, &doc);
-        break;
-    }
-    case 7:
-        Editing::setPriority(item, quint16(1 + rng.bounded(20u)));
-        break;
-    case 8:
-        ChildOrder::orderChildrenBy(anyNode(), quint16(rng.bounded(6u)));
-        ChildOrder::setDirection(anyNode(), rng.bounded(2u));
-        break;
-    case 9:
-        // flags, priority, category, icon, colour, status, italic, icon shown, progress, all sub-items, automatic
-        ApplyAttributes::apply(
-            anyNode(), AttributeSet{rng.bounded(0x200u), quint16(1 + rng.bounded(20u)), QStringLiteral("Applied"),
-                                    quint16(rng.bounded(4u)), quint16(rng.bounded(4u)), 1, false, true,
-                                    quint16(rng.bounded(101u)), bool(rng.bounded(2u)), bool(rng.bounded(2u))});
-        break;
-    case 10:
-        Progress::tap(item);
-        Progress::resortAncestors(item);
-        break;
-    case 11:
-        item->setNote(rng.bounded(2u) ? QByteArray() : QByteArray("typed"));
-        item->setExpanded(!item->isExpanded());
-        break;
-    }
+    const std::function<void()> edits[] = {
+        [&] { Editing::insertItem(doc, new Item(QStringLiteral("new")), InsertPosition(rng.bounded(3u))); },
+        [&] { Editing::createCopy(item); },
+        [&] { Editing::deleteItem(doc, item, &clip); },
+        [&] { Editing::move(doc, item, Editing::Move(rng.bounded(4u))); },
+        [&] { Editing::drop(item, anyNode()); },
+        [&] {
+            rng.bounded(2u) ? clip.markMove(item) : clip.markCopy(item);
+            clip.paste(anyNode(), rng.bounded(2u));
+        },
+        [&] {
+            ItemProperties p;
+            p.name = QStringLiteral("renamed");
+            p.priority = quint16(1 + rng.bounded(20u));
+            p.category = rng.bounded(2u) ? QStringLiteral("Fresh %1").arg(rng.bounded(3u)) : item->category();
+            p.statusType = quint16(rng.bounded(3u));
+            p.autoProgress = rng.bounded(2u);
+            p.progress = quint16(rng.bounded(101u));
+            p.links = QStringList{pick()->linkText()};
+            p.note = QByteArray("note ") + QByteArray::number(rng.bounded(9u));
+            Editing::applyProperties(item, p, &doc);
+        },
+        [&] { Editing::setPriority(item, quint16(1 + rng.bounded(20u))); },
+        [&] {
+            ChildOrder::orderChildrenBy(anyNode(), quint16(rng.bounded(6u)));
+            ChildOrder::setDirection(anyNode(), rng.bounded(2u));
+        },
+        [&] {
+            // flags, priority, category, icon, colour, status, italic, icon shown, progress, all sub-items, automatic
+            ApplyAttributes::apply(
+                anyNode(), AttributeSet{rng.bounded(0x200u), quint16(1 + rng.bounded(20u)), QStringLiteral("Applied"),
+                                        quint16(rng.bounded(4u)), quint16(rng.bounded(4u)), 1, false, true,
+                                        quint16(rng.bounded(101u)), bool(rng.bounded(2u)), bool(rng.bounded(2u))});
+        },
+        [&] {
+            Progress::tap(item);
+            Progress::resortAncestors(item);
+        },
+        [&] {
+            item->setNote(rng.bounded(2u) ? QByteArray() : QByteArray("typed"));
+            item->setExpanded(!item->isExpanded());
+        }};
+    edits[rng.bounded(quint32(std::size(edits)))]();
 }
 
 // Records what edit does as step; true when something changed.

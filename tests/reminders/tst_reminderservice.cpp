@@ -17,22 +17,19 @@ QDateTime at(const char *text)
     return QDateTime::fromString(QString::fromLatin1(text), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
-struct Fixture {
-    Fixture(const char *outline, const char *now)
+struct Fixture : Outline::Doc {
+    Fixture(const char *outline, const char *now) : Outline::Doc(outline)
     {
         Clock::setFixed(at(now));
-        Outline::build(document.root(), outline);
         auto owned = std::make_unique<FakeAlarm>();
         alarm = owned.get();
-        service = std::make_unique<ReminderService>(&document, std::move(owned));
+        service = std::make_unique<ReminderService>(this, std::move(owned));
     }
-    Item *item(const char *name) { return Outline::find(document.root(), QString::fromLatin1(name)); }
     static QStringList dueNames(const QSignalSpy &spy, int index)
     {
         const QList<Item *> items = spy.at(index).at(0).value<QList<Item *>>();
         return Outline::names(std::span<Item *const>(items.data(), size_t(items.size())));
     }
-    Document document;
     FakeAlarm *alarm = nullptr;
     std::unique_ptr<ReminderService> service;
 };
@@ -70,16 +67,16 @@ private Q_SLOTS:
         Fixture f("a | rem=2024-03-05T10:00\nb | rem=2024-03-05T10:30\nc\n", "2024-03-05 09:00:00");
         QSignalSpy due(f.service.get(), &ReminderService::remindersDue);
         QCOMPARE(f.alarm->armedAt, at("2024-03-05 10:30:01"));
-        Item *c = f.item("c");
+        Item *c = f["c"];
         c->setReminderTime(ReminderManager::pendingAt(at("2024-03-05 09:30:00")));
         f.service->itemChanged(c);
         QCOMPARE(f.alarm->armedAt, at("2024-03-05 09:30:01"));
 
-        Editing::deleteItem(f.document, c, nullptr);
+        Editing::deleteItem(f, c, nullptr);
         f.service->itemsRemoved();
         QCOMPARE(f.alarm->armedAt, at("2024-03-05 10:30:01"));
 
-        Editing::deleteItem(f.document, f.item("a"), nullptr);
+        Editing::deleteItem(f, f["a"], nullptr);
         Clock::setFixed(at("2024-03-05 10:30:01"));
         QVERIFY(f.alarm->fire());
         QCOMPARE(due.count(), 1);
@@ -97,7 +94,7 @@ private Q_SLOTS:
         QCOMPARE(f.dueNames(due, 0), QStringList({"a", "b"}));
         f.service->dismissAll();
         QCOMPARE(dismissed.count(), 1);
-        QCOMPARE(f.item("a")->reminderTime().second + f.item("b")->reminderTime().second, 0);
+        QCOMPARE(f["a"]->reminderTime().second + f["b"]->reminderTime().second, 0);
     }
 
     void wallClockAlarm_data()

@@ -113,6 +113,12 @@ inline QString fields(const Item &item)
                     QString::fromLatin1(item.note().toHex()));
 }
 
+/// A document holding the outline's items, which it finds by name.
+struct Doc : Document {
+    explicit Doc(const char *outline) { build(root(), outline); }
+    Item *operator[](const char *name) const { return find(root(), QString::fromUtf8(name)); }
+};
+
 inline QStringList names(std::span<Item *const> items)
 {
     QStringList out;

@@ -76,10 +76,7 @@ public:
     void stop()
     {
         m_process.terminate();
-        if (!m_process.waitForFinished(5000)) {
-            m_process.kill();
-            m_process.waitForFinished(5000);
-        }
+        m_process.waitForFinished(5000);
     }
 
     QUrl calendarUrl(const QString &name = QStringLiteral("tasks")) const

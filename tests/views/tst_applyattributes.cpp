@@ -34,9 +34,8 @@ private Q_SLOTS:
                               AttributeSet::Colour | AttributeSet::StatusType | AttributeSet::ShowIcon |
                               AttributeSet::Italic;
         for (const bool allSubItems : {false, true}) {
-            Document document;
-            Outline::build(document.root(), "P\n  c1\n    g1\n      gg\n  c2\nother");
-            Item *p = Outline::find(document.root(), QStringLiteral("P"));
+            Outline::Doc document("P\n  c1\n    g1\n      gg\n  c2\nother");
+            Item *p = document["P"];
             // Progress and the automatic flag are given but not ticked.
             ApplyAttributes::apply(
                 p, AttributeSet{flags, 4, QStringLiteral("Errands"), 7, 3, 2, true, false, 90, allSubItems, true});
@@ -48,59 +47,47 @@ private Q_SLOTS:
             QCOMPARE(snapshot(document.root()), applied);
             QVERIFY(ApplyAttributes::isAvailable(p, 0));
             QVERIFY(!ApplyAttributes::isAvailable(p, 1)); // not in a grouped view
-            QVERIFY(!ApplyAttributes::isAvailable(Outline::find(document.root(), QStringLiteral("gg")), 0));
+            QVERIFY(!ApplyAttributes::isAvailable(document["gg"], 0));
             QVERIFY(!ApplyAttributes::isAvailable(document.root(), 0));
         }
     }
 
     void automaticFlagComesLast()
     {
-        Document document;
-        Outline::build(document.root(), "P\n  wasAuto | auto prog=100\n    x | prog=100\n    y | prog=100\n"
-                                        "  wasManual | prog=5\n    u | prog=0\n    v | prog=100");
-        Item *p = Outline::find(document.root(), QStringLiteral("P"));
-        Item *wasAuto = Outline::find(document.root(), QStringLiteral("wasAuto"));
-        Item *wasManual = Outline::find(document.root(), QStringLiteral("wasManual"));
+        Outline::Doc document("P\n  wasAuto | auto prog=100\n    x | prog=100\n    y | prog=100\n"
+                              "  wasManual | prog=5\n    u | prog=0\n    v | prog=100");
+        Item *p = document["P"];
+        Item *wasAuto = document["wasAuto"];
+        Item *wasManual = document["wasManual"];
 
-        // Progress is stored while the old flag still holds: an automatic child takes its children's mean at once, then
-        // turns manual.
-        AttributeSet set;
-        set.flags = AttributeSet::Progress;
-        set.progress = 40;
-        set.automatic = false;
-        ApplyAttributes::apply(p, set);
-        QCOMPARE(wasAuto->progress(), 100);
-        QVERIFY(!wasAuto->autoProgress());
-        QCOMPARE(wasManual->progress(), 40);
-
+        const auto apply = [&](quint32 flags, quint16 progress, bool automatic) {
+            ApplyAttributes::apply(
+                p, AttributeSet{flags, 10, QString(), 0, 0, 1, false, true, progress, false, automatic});
+        };
+        const auto state = [&] {
+            return QList<int>(
+                {wasAuto->progress(), wasAuto->autoProgress(), wasManual->progress(), wasManual->autoProgress()});
+        };
+        // Progress is stored while the old flag still holds: an automatic child takes its children's mean at once,
+        // then turns manual.
+        apply(AttributeSet::Progress, 40, false);
+        QCOMPARE(state(), QList<int>({100, 0, 40, 0}));
         // Switched to automatic in the same step, a child keeps the given progress until something below it changes.
-        set.automatic = true;
-        set.progress = 30;
-        ApplyAttributes::apply(p, set);
-        QCOMPARE(wasManual->progress(), 30);
-        QVERIFY(wasManual->autoProgress());
-        Outline::find(document.root(), QStringLiteral("u"))->setProgress(0);
+        apply(AttributeSet::Progress, 30, true);
+        QCOMPARE(state(), QList<int>({30, 1, 30, 1}));
+        document["u"]->setProgress(0);
         QCOMPARE(wasManual->progress(), 50);
-
-        // Bit 0x100 alone stores the flag without touching progress.
-        set.flags = AttributeSet::Automatic;
-        set.automatic = false;
-        ApplyAttributes::apply(p, set);
-        QVERIFY(!wasManual->autoProgress());
-        QCOMPARE(wasManual->progress(), 50);
+        apply(AttributeSet::Automatic, 30, false); // the flag alone, progress untouched
+        QCOMPARE(state(), QList<int>({30, 0, 50, 0}));
     }
 
     // A parent that keeps its children in order sorts them again when an applied value moves one of them.
     void sortedParentsSortAgain()
     {
-        Document document;
-        Outline::build(document.root(), "Q | sort=3\n  x | auto\n    x1\n  y | prog=50");
-        Item *q = Outline::find(document.root(), QStringLiteral("Q"));
-        AttributeSet set;
-        set.flags = AttributeSet::Progress;
-        set.progress = 80;
-        set.automatic = true;
-        ApplyAttributes::apply(Outline::find(document.root(), QStringLiteral("x")), set);
+        Outline::Doc document("Q | sort=3\n  x | auto\n    x1\n  y | prog=50");
+        Item *q = document["Q"];
+        ApplyAttributes::apply(
+            document["x"], AttributeSet{AttributeSet::Progress, 10, QString(), 0, 0, 1, false, true, 80, false, true});
         QCOMPARE(Outline::names(q->children()), (QStringList{"y", "x"}));
     }
 

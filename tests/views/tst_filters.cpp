@@ -47,14 +47,11 @@ private Q_SLOTS:
 
     void hiddenParentHidesBranch()
     {
-        Document document;
-        Outline::build(document.root(), "done | prog=100 exp\n  open | prog=20 exp\n    deeper\nnext");
+        Outline::Doc document("done | prog=100 exp\n  open | prog=20 exp\n    deeper\nnext");
         document.root()->setExpanded(true);
         document.hideCompleted = true;
         const VisibilityFilter filter(document);
-        Item *deeper = Outline::find(document.root(), QStringLiteral("deeper"));
-        QVERIFY(filter.isVisible(deeper));
-        QVERIFY(!filter.isShown(deeper));
+        QVERIFY(filter.isVisible(document["deeper"]) && !filter.isShown(document["deeper"]));
 
         ViewRows rows(document);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  next"}));
@@ -72,27 +69,25 @@ private Q_SLOTS:
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  0%", "  20%", "  100%"}));
         rows.setViewMode(0, document.root());
         QCOMPARE(rowTexts(rows), (QStringList{"Root"}));
-        QVERIFY(!rows.row(0).expandable);
+        QVERIFY(!rows.row(0).expandable); // nothing under the title row
     }
 
     void togglesAndCollapse()
     {
-        Document document;
-        Outline::build(document.root(), "a | exp\n  b | prog=100\n  c\nd");
+        Outline::Doc document("a | exp\n  b | prog=100\n  c\nd");
         document.root()->setExpanded(true);
         ViewRows rows(document);
         QVERIFY(!rows.toggle(VisibilityFilter::ShowDueDate)); // display toggles change no row
 
         QVERIFY(rows.toggle(VisibilityFilter::HideCompleted));
-        QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  d"}));                  // collapsed to the top level
-        QCOMPARE(rows.reveal(Outline::find(document.root(), QStringLiteral("b"))), -1); // hidden: nothing opens
+        QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  d"})); // collapsed to the top level
+        QCOMPARE(rows.reveal(document["b"]), -1);                      // hidden: nothing opens
         rows.expandAll();
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    c", "  d"}));
 
         QVERIFY(rows.toggle(VisibilityFilter::HideCheckBox));
         QCOMPARE(rowTexts(rows), (QStringList{"Root"}));
-        QVERIFY(rows.toggle(VisibilityFilter::HideCheckBox));
-        QVERIFY(rows.toggle(VisibilityFilter::HideCompleted));
+        QVERIFY(rows.toggle(VisibilityFilter::HideCheckBox) && rows.toggle(VisibilityFilter::HideCompleted));
         QCOMPARE(document.hideByStatus, 0u);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  d"}));
 
@@ -112,9 +107,7 @@ private Q_SLOTS:
         } cases[] = {{0, "c", "c", "d"}, {0, "d", "d", "c"}, {0, "b", "b", "a"},          {0, "b1", "b", "c"},
                      {0, "c", "d", "c"}, {3, "a", "a", "c"}, {3, "c", "c", "Priority 2"}, {3, "b1", "b", "d"}};
         for (const auto &c : cases) {
-            Document document;
-            Outline::build(document.root(),
-                           "a | pri=1\nb | pri=2 exp\n  b1 | pri=2\n  b2 | pri=2\nc | pri=1\nd | pri=2");
+            Outline::Doc document("a | pri=1\nb | pri=2 exp\n  b1 | pri=2\n  b2 | pri=2\nc | pri=1\nd | pri=2");
             document.root()->setExpanded(true);
             document.hideCompleted = true;
             ViewRows rows(document);
@@ -130,13 +123,12 @@ private Q_SLOTS:
 
     void branchViewEmptiesWhenHidden()
     {
-        Document document;
-        Outline::build(document.root(), "top | exp\n  child");
-        Item *top = Outline::find(document.root(), QStringLiteral("top"));
+        Outline::Doc document("top | exp\n  child");
+        Item *top = document["top"];
         document.hideCompleted = true;
         ViewRows branch(document, top);
         QCOMPARE(rowTexts(branch), (QStringList{"top", "  child"}));
-        Outline::find(document.root(), QStringLiteral("child"))->setProgress(100);
+        document["child"]->setProgress(100);
         QCOMPARE(branch.rebuild(1), 0); // the nearest row left is the branch's item
         top->setProgress(100);
         QCOMPARE(branch.rebuild(0), -1);

@@ -62,11 +62,10 @@ private Q_SLOTS:
     // Each criterion alone, then two together (both must hold).
     void eachCriterion()
     {
-        Document document;
-        Outline::build(document.root(), "Alpha Zed | cat=Work pri=5 due=2024-01-02T23:59 prog=100 col=2 italic\n"
-                                        "ÜBER beta | cat=work due=2024-01-03T00:00\n"
-                                        "gamma | cat=Économie pri=5 col=1 noicon\n"
-                                        "Delta | due=2024-01-01T08:00 prog=50");
+        Outline::Doc document("Alpha Zed | cat=Work pri=5 due=2024-01-02T23:59 prog=100 col=2 italic\n"
+                              "ÜBER beta | cat=work due=2024-01-03T00:00\n"
+                              "gamma | cat=Économie pri=5 col=1 noicon\n"
+                              "Delta | due=2024-01-01T08:00 prog=50");
         using C = FindCriteria;
         // Due dates compare by the day, whatever the times.
         const SystemTime day = Outline::date(QStringLiteral("2024-01-02T12:00"));

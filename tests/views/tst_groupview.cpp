@@ -38,23 +38,8 @@ private Q_SLOTS:
         Collation::instance().setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
     }
 
-    void headingText()
+    void monthZeroMeansNoDueDate()
     {
-        const struct {
-            int mode;
-            const char *fields, *text;
-        } cases[] = {{1, "cat=Work", "Work"},
-                     {1, "", "[No Category]"},
-                     {2, "due=2024-03-05T10:30", "Tuesday, March 5, 2024"},
-                     {2, "", "[No Task/Due Date]"},
-                     {3, "pri=20", "Priority 20"},
-                     {4, "prog=45", "45%"}};
-        for (const auto &c : cases) {
-            Item item(QStringLiteral("x"));
-            Outline::setFields(&item, QString::fromLatin1(c.fields));
-            QCOMPARE(GroupView::headingText(&item, quint16(c.mode)), QString::fromLatin1(c.text));
-        }
-        // A month of 0 means no date whatever the other fields hold.
         Item item(QStringLiteral("x"));
         item.setDueDate({2024, 0, 0, 5, 0, 0, 0, 0});
         QCOMPARE(GroupView::headingText(&item, GroupView::ByDueDate), QStringLiteral("[No Task/Due Date]"));
@@ -62,15 +47,14 @@ private Q_SLOTS:
 
     void groupsAndOrders()
     {
-        Document document;
         // Parents and children fall into groups side by side, whatever their depth.
-        Outline::build(document.root(), "a | cat=Work pri=10 due=2024-03-05T09:00 prog=30\n"
-                                        "  b | pri=5 prog=0\n"
-                                        "    c | cat=Home pri=1 due=2024-03-04T23:59 prog=0\n"
-                                        "  d | cat=Home pri=1 due=2024-03-05T18:00 prog=100\n"
-                                        "e | pri=10 due=2024-03-05T00:00 prog=30\n"
-                                        "  f | cat=work pri=10 due=2024-03-04T08:00 prog=0\n"
-                                        "g | cat=Work pri=5 prog=100");
+        Outline::Doc document("a | cat=Work pri=10 due=2024-03-05T09:00 prog=30\n"
+                              "  b | pri=5 prog=0\n"
+                              "    c | cat=Home pri=1 due=2024-03-04T23:59 prog=0\n"
+                              "  d | cat=Home pri=1 due=2024-03-05T18:00 prog=100\n"
+                              "e | pri=10 due=2024-03-05T00:00 prog=30\n"
+                              "  f | cat=work pri=10 due=2024-03-04T08:00 prog=0\n"
+                              "g | cat=Work pri=5 prog=100");
         const struct {
             int mode, orderKey;
             bool ascending;
@@ -93,28 +77,25 @@ private Q_SLOTS:
 
     void headingProgress()
     {
-        Document document;
-        Outline::build(document.root(),
-                       "a | cat=W prog=100\n  b | cat=W prog=100\nc | cat=W prog=0\nd | cat=V prog=40");
+        Outline::Doc document("a | cat=W prog=100\n  b | cat=W prog=100\nc | cat=W prog=0\nd | cat=V prog=40");
         const GroupView view(document, GroupView::ByCategory);
         const GroupHeading *w = view.heading(QStringLiteral("W"));
         QCOMPARE(w->progress(), 66); // unsigned mean, the fraction dropped
         const Progress::Statistics stats = w->statistics();
         QCOMPARE(QList<int>({stats.notStarted, stats.started, stats.completed}), QList<int>({1, 0, 2}));
-        Outline::find(document.root(), QStringLiteral("c"))->storeProgress(100);
+        document["c"]->storeProgress(100);
         QCOMPARE(w->progress(), 100);
     }
 
     void insertIntoGroupedView()
     {
-        Document document;
-        Outline::build(document.root(), "m | cat=Home\nk | cat=Work");
+        Outline::Doc document("m | cat=Home\nk | cat=Work");
         document.viewMode = GroupView::ByCategory;
         ViewRows rows(document);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  Home", "  Work"}));
 
         // Into an existing heading, in order by name; the heading opens to show the new current item.
-        document.setCurrent(Outline::find(document.root(), QStringLiteral("m")));
+        document.setCurrent(document["m"]);
         auto *a = new Item(QStringLiteral("a"));
         a->setCategory(QStringLiteral("Home"));
         Editing::insertItem(document, a, InsertPosition::Same);
@@ -135,38 +116,34 @@ private Q_SLOTS:
 
     void defaultViewRows()
     {
-        Document document;
-        Outline::build(document.root(), "a | exp\n  b | exp\n    c\n  d\ne\n  f");
+        Outline::Doc document("a | exp\n  b | exp\n    c\n  d\ne\n  f");
         document.root()->setExpanded(true);
         ViewRows rows(document);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    b", "      c", "    d", "  e"}));
         QVERIFY(rows.row(5).expandable && !rows.row(4).expandable);
-        QCOMPARE(rows.parentIndex(3), 2);
-        QCOMPARE(rows.parentIndex(1), 0); // the title row
-
-        QCOMPARE(rows.rowsBelow(1), 3);
-        QCOMPARE(rows.rowsBelow(4), 0); // d, then its parent's sibling e
+        // Parents (the title row for a top item), rows below (none below d, then its parent's sibling e).
+        QCOMPARE(QList<int>({rows.parentIndex(3), rows.parentIndex(1), rows.rowsBelow(1), rows.rowsBelow(4)}),
+                 QList<int>({2, 0, 3, 0}));
         QCOMPARE(rows.setExpanded(5, true), 1);
         QCOMPARE(rows.setExpanded(1, false), 3);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  e", "    f"}));
         // A collapsed parent keeps its children's own state.
         QCOMPARE(rows.rowsOnExpand(1), 3);
-        QCOMPARE(rows.setExpanded(1, true), 3);
-        QCOMPARE(rows.rowsOnExpand(1), 0);
+        QCOMPARE(QList<int>({rows.setExpanded(1, true), rows.rowsOnExpand(1)}), QList<int>({3, 0}));
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    b", "      c", "    d", "  e", "    f"}));
 
         rows.collapseAll();
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  e"}));
-        QVERIFY(!Outline::find(document.root(), QStringLiteral("b"))->isExpanded());
-        QCOMPARE(rows.reveal(Outline::find(document.root(), QStringLiteral("c"))), 3); // its ancestors open
+        QVERIFY(!document["b"]->isExpanded());
+        QCOMPARE(rows.reveal(document["c"]), 3); // its ancestors open
         rows.expandAll();
         QCOMPARE(rows.setExpanded(0, false), 6);
 
-        ViewRows branch(document, Outline::find(document.root(), QStringLiteral("a")));
+        ViewRows branch(document, document["a"]);
         QCOMPARE(rowTexts(branch), (QStringList{"a", "  b", "    c", "  d"}));
         // Revealing opens the ancestors inside the branch, none above it.
         QCOMPARE(branch.setExpanded(1, false), 1);
-        QCOMPARE(branch.reveal(Outline::find(document.root(), QStringLiteral("c"))), 2);
+        QCOMPARE(branch.reveal(document["c"]), 2);
         QVERIFY(!document.root()->isExpanded());
         // A current row past the old rows falls to the first row.
         QCOMPARE(branch.rebuild(99), 0);
@@ -174,8 +151,7 @@ private Q_SLOTS:
 
     void groupedViewRows()
     {
-        Document document;
-        Outline::build(document.root(), "a | pri=2 exp\n  b | pri=1\nc | pri=2");
+        Outline::Doc document("a | pri=2 exp\n  b | pri=1\nc | pri=2");
         document.root()->setName(QStringLiteral("My List"));
         ViewRows rows(document);
         QCOMPARE(rows.setViewMode(GroupView::ByPriority, document.root()), 0);
@@ -190,8 +166,7 @@ private Q_SLOTS:
         QCOMPARE(rows.indexOf(rows.groupView()->heading(QStringLiteral("Priority 1"))), -1);
         QCOMPARE(rows.setExpanded(0, true), 3); // the first heading was left open
 
-        // Heading expansion survives a rebuild and a new order (descending turns the headings round too); the tree
-        // keeps its own order.
+        // Heading expansion survives a rebuild and a new order, which turns the headings round too.
         rows.collapseAll();
         QCOMPARE(rows.setExpanded(2, true), 2);
         QCOMPARE(rows.rebuild(3), 3);
@@ -202,22 +177,19 @@ private Q_SLOTS:
 
     void switchBackOpensAncestors()
     {
-        Document document;
-        Outline::build(document.root(), "a\n  b\n    c\n      deep | cat=Deep\n  x\ny");
+        Outline::Doc document("a\n  b\n    c\n      deep | cat=Deep\n  x\ny");
         document.root()->setExpanded(true);
-        Item *deep = Outline::find(document.root(), QStringLiteral("deep"));
+        Item *deep = document["deep"];
         document.setCurrent(deep);
         ViewRows rows(document);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "  y"}));
 
-        const int grouped = rows.setViewMode(GroupView::ByCategory, deep);
+        QCOMPARE(rows.setViewMode(GroupView::ByCategory, deep), 3);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  [No Category]", "  Deep", "    deep"}));
-        QCOMPARE(grouped, 3);
-        QVERIFY(!Outline::find(document.root(), QStringLiteral("a"))->isExpanded());
+        QVERIFY(!document["a"]->isExpanded());
 
-        const int back = rows.setViewMode(0, deep);
+        QCOMPARE(rows.setViewMode(0, deep), 4);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  a", "    b", "      c", "        deep", "    x", "  y"}));
-        QCOMPARE(back, 4);
     }
 };
 
