@@ -4,7 +4,6 @@
 #include "integration/caldavcalendar.h"
 #include "integration/calendarobject.h"
 #include "integration/foldercalendar.h"
-#include "notes/notetext.h"
 #include "platform/clock.h"
 #include "platform/collation.h"
 #include "platform/messages.h"
@@ -48,14 +47,6 @@ public:
     }
 };
 
-QStringList summaries(const QList<QByteArray> &objects)
-{
-    QStringList out;
-    for (const QByteArray &ics : objects)
-        out.append(IcalObject::parse(ics).summary);
-    return out;
-}
-
 void writeFile(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
@@ -63,33 +54,28 @@ void writeFile(const QString &path, const QByteArray &bytes)
     file.write(bytes);
 }
 
-// Answers every connection with one scripted HTTP response, or never answers when the response is empty.
-class ScriptedHttp : public QObject {
-public:
-    explicit ScriptedHttp(const QByteArray &response) : m_response(response)
+// Answers every request with one scripted HTTP response, or never when the response is empty.
+struct ScriptedHttp : QTcpServer {
+    explicit ScriptedHttp(const QByteArray &response)
     {
-        m_server.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&m_server, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket *socket = m_server.nextPendingConnection()) {
-                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                    m_request += socket->readAll();
-                    if (!m_response.isEmpty() && m_request.contains("\r\n\r\n")) {
-                        socket->write(m_response);
-                        socket->disconnectFromHost();
-                    }
-                });
+        listen(QHostAddress::LocalHost, 0);
+        QObject::connect(this, &QTcpServer::newConnection, this, [this, response] {
+            while (QTcpSocket *socket = nextPendingConnection()) {
+                QObject::connect(socket, &QTcpSocket::readyRead, socket,
+                                 [socket, response, request = QByteArray()]() mutable {
+                                     request += socket->readAll();
+                                     if (!response.isEmpty() && request.contains("\r\n\r\n")) {
+                                         socket->write(response);
+                                         socket->disconnectFromHost();
+                                     }
+                                 });
             }
         });
     }
     QString url(const char *path) const
     {
-        return QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(QLatin1String(path));
+        return QStringLiteral("http://127.0.0.1:%1%2").arg(serverPort()).arg(QLatin1String(path));
     }
-
-private:
-    QTcpServer m_server;
-    QByteArray m_response;
-    QByteArray m_request;
 };
 
 QByteArray response(const char *statusLine, const QByteArray &extraHeaders = QByteArray(),
@@ -158,7 +144,6 @@ private Q_SLOTS:
             item->setNote(NoteText::fromText(QString::fromUtf8(c.note), quint16(c.noteType)));
             QVERIFY2(store.create(*item, quint16(c.noteType), c.kind, &error), qPrintable(error));
         }
-        // Each object in a file of its own, named by its new uid, stamped now.
         const QDir folder(store.location());
         const QStringList files = folder.entryList({QStringLiteral("*.ics")}, QDir::Files);
         QCOMPARE(files.size(), 5);
@@ -198,7 +183,10 @@ private Q_SLOTS:
             store.refuseAt = c.refuseAt;
             const CalendarStore::CreateResult result = store.createFor(
                 *Outline::find(document.root(), QLatin1String(c.item)), 0, CalendarObject::Task, c.eachChild);
-            QCOMPARE(summaries(store.added), c.created);
+            QStringList created;
+            for (const QByteArray &ics : store.added)
+                created.append(IcalObject::parse(ics).summary);
+            QCOMPARE(created, c.created);
             QCOMPARE(result.created, int(c.created.size()));
             QCOMPARE(result.errors, c.refuseAt < 0 ? QStringList() : QStringList{QStringLiteral("refused")});
             QCOMPARE(result.allCreated(), c.refuseAt < 0);

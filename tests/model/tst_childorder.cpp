@@ -1,7 +1,6 @@
 #include "support/outline.h"
 
 #include "model/childorder.h"
-#include "model/document.h"
 #include "platform/collation.h"
 
 #include <QScopeGuard>
@@ -82,21 +81,9 @@ private Q_SLOTS:
         root.setAscending(ascending);
         ChildOrder::orderChildrenBy(&root, quint16(key));
         QCOMPARE(names(&root), expected);
-        // Manual order afterwards keeps the sorted order, whatever the direction.
         ChildOrder::orderChildrenBy(&root, TreeNode::SortManual);
         ChildOrder::setDirection(&root, !ascending);
         QCOMPARE(names(&root), expected);
-    }
-
-    void monthZeroMeansNoDate()
-    {
-        Item dated, undated;
-        dated.setDueDate(day(3));
-        undated.setDueDate({2024, 0, 1, 3, 4, 5, 6, 7});
-        QVERIFY(ChildOrder::goesBefore(&dated, &undated, TreeNode::SortDueDate, true));
-        QVERIFY(!ChildOrder::goesBefore(&undated, &dated, TreeNode::SortDueDate, true));
-        QVERIFY(ChildOrder::goesBefore(&undated, &dated, TreeNode::SortDueDate, false));
-        QVERIFY(ChildOrder::goesBefore(&undated, &undated, TreeNode::SortDueDate, false));
     }
 
     void largeSortIsAStableSort_data()

@@ -1,7 +1,6 @@
 #include "support/outline.h"
 
 #include "model/childorder.h"
-#include "model/document.h"
 #include "model/editing.h"
 #include "platform/clock.h"
 
@@ -14,20 +13,8 @@ QString names(const TreeNode *node)
 }
 
 // root: a (a1, a2 (a21)), b, c
-struct Tree {
-    Document document;
-    Item *a, *a1, *a2, *a21, *b, *c;
-    Tree()
-    {
-        Outline::build(document.root(), "a\n  a1\n  a2\n    a21\nb\nc\n");
-        const auto find = [this](const char *name) { return Outline::find(document.root(), QLatin1String(name)); };
-        a = find("a");
-        a1 = find("a1");
-        a2 = find("a2");
-        a21 = find("a21");
-        b = find("b");
-        c = find("c");
-    }
+struct Tree : Outline::Doc {
+    Tree() : Outline::Doc("a\n  a1\n  a2\n    a21\nb\nc\n") {}
 };
 } // namespace
 
@@ -39,23 +26,23 @@ private Q_SLOTS:
     void insertAndCopy()
     {
         Tree o;
-        o.document.setCurrent(o.a1);
+        o.setCurrent(o["a1"]);
         Item *same = new Item(QStringLiteral("same"));
-        QCOMPARE(Editing::insertItem(o.document, same, InsertPosition::Same), o.a);
-        QCOMPARE(o.document.current(), same);
-        o.document.setCurrent(o.a2);
-        Editing::insertItem(o.document, new Item(QStringLiteral("child")), InsertPosition::Child);
-        QCOMPARE(names(o.a) + QLatin1Char('/') + names(o.a2), QStringLiteral("a1 same a2/child a21"));
-        o.document.setCurrent(o.a21);
-        Editing::insertItem(o.document, new Item(QStringLiteral("top")), InsertPosition::Top);
+        QCOMPARE(Editing::insertItem(o, same, InsertPosition::Same), o["a"]);
+        QCOMPARE(o.current(), same);
+        o.setCurrent(o["a2"]);
+        Editing::insertItem(o, new Item(QStringLiteral("child")), InsertPosition::Child);
+        QCOMPARE(names(o["a"]) + QLatin1Char('/') + names(o["a2"]), QStringLiteral("a1 same a2/child a21"));
+        o.setCurrent(o["a21"]);
+        Editing::insertItem(o, new Item(QStringLiteral("top")), InsertPosition::Top);
         // With the root current, every position goes to the top.
-        o.document.setCurrent(nullptr);
-        Editing::insertItem(o.document, new Item(QStringLiteral("x")), InsertPosition::Same);
-        QCOMPARE(names(o.document.root()), QStringLiteral("a b c top x"));
+        o.setCurrent(nullptr);
+        Editing::insertItem(o, new Item(QStringLiteral("x")), InsertPosition::Same);
+        QCOMPARE(names(o.root()), QStringLiteral("a b c top x"));
 
         Clock::setFixed(QDateTime(QDate(2030, 1, 2), QTime(3, 4)));
-        Item *copy = Editing::createCopy(o.a);
-        QCOMPARE(o.document.root()->child(1), copy);
+        Item *copy = Editing::createCopy(o["a"]);
+        QCOMPARE(o.root()->child(1), copy);
         QVERIFY(!copy->hasChildren());
         QCOMPARE(copy->created().year, quint16(2030));
     }
@@ -70,9 +57,8 @@ private Q_SLOTS:
                      {2, "a2", "a", true}, {1, "a21", "", true}, {1, "a", "", false}};
         for (const auto &c : cases) {
             Tree o;
-            TreeNode *target = *c.target ? Outline::find(o.document.root(), QString::fromLatin1(c.target))
-                                         : static_cast<TreeNode *>(o.document.root());
-            Item *marked = Outline::find(o.document.root(), QString::fromLatin1(c.marked));
+            TreeNode *target = *c.target ? o[c.target] : static_cast<TreeNode *>(o.root());
+            Item *marked = o[c.marked];
             ItemClip clip;
             if (c.mode)
                 c.mode == 1 ? clip.markMove(marked) : clip.markCopy(marked);
@@ -88,73 +74,71 @@ private Q_SLOTS:
     {
         Tree o;
         ItemClip clip;
-        clip.markMove(o.a2);
+        clip.markMove(o["a2"]);
         QVERIFY(!clip.asksForChildren()); // a move takes the whole branch
-        QCOMPARE(clip.paste(o.b, false), o.a2);
-        QCOMPARE(clip.paste(o.c, false), o.a2); // a second paste moves it again
-        QCOMPARE(names(o.a) + names(o.b) + names(o.a2), QStringLiteral("a1a21"));
+        QCOMPARE(clip.paste(o["b"], false), o["a2"]);
+        QCOMPARE(clip.paste(o["c"], false), o["a2"]); // a second paste moves it again
+        QCOMPARE(names(o["a"]) + names(o["b"]) + names(o["a2"]), QStringLiteral("a1a21"));
 
-        // A copy duplicates the item as it is at paste time.
-        clip.markCopy(o.a);
+        clip.markCopy(o["a"]);
         QVERIFY(clip.asksForChildren());
-        o.a->setName(QStringLiteral("renamed"));
-        Item *alone = clip.paste(o.c, false);
+        o["a"]->setName(QStringLiteral("renamed"));
+        Item *alone = clip.paste(o["c"], false);
         QVERIFY(alone->name() == QStringLiteral("renamed") && !alone->hasChildren());
-        Item *branch = clip.paste(o.b, true);
+        Item *branch = clip.paste(o["b"], true);
         QCOMPARE(names(branch), QStringLiteral("a1"));
-        QVERIFY(branch->child(0) != o.a1);
+        QVERIFY(branch->child(0) != o["a1"]);
     }
 
     void deleteEmptiesTheClipAndRecomputesTheParent()
     {
         Tree o;
-        o.a->setAutoProgress(true);
-        o.a1->storeProgress(100);
+        o["a"]->setAutoProgress(true);
+        o["a1"]->storeProgress(100);
         ItemClip clip;
-        clip.markMove(o.a2);
-        o.document.setCurrent(o.a21);
-        QCOMPARE(Editing::deleteItem(o.document, o.a2, &clip), o.a);
-        QVERIFY(clip.isEmpty() && o.document.current() == o.a);
-        QCOMPARE(o.a->progress(), quint16(100));
-        // A mark inside a deleted branch goes too.
-        clip.markCopy(o.a1);
-        Editing::deleteItem(o.document, o.a, &clip);
+        clip.markMove(o["a2"]);
+        o.setCurrent(o["a21"]);
+        QCOMPARE(Editing::deleteItem(o, o["a2"], &clip), o["a"]);
+        QVERIFY(clip.isEmpty() && o.current() == o["a"]);
+        QCOMPARE(o["a"]->progress(), quint16(100));
+        clip.markCopy(o["a1"]);
+        Editing::deleteItem(o, o["a"], &clip);
         QVERIFY(clip.isEmpty());
-        // Deleting the last child of an automatic item sets it to 0.
-        o.b->setAutoProgress(true);
-        Outline::build(o.b, "only | prog=100");
-        Editing::deleteItem(o.document, o.b->child(0), &clip);
-        QCOMPARE(o.b->progress(), quint16(0));
+        o["b"]->setAutoProgress(true);
+        Outline::build(o["b"], "only | prog=100");
+        Editing::deleteItem(o, o["b"]->child(0), &clip);
+        QCOMPARE(o["b"]->progress(), quint16(0));
     }
 
     void dropAndMove()
     {
         Tree o;
-        QVERIFY(!Editing::canDrop(o.a, nullptr) && !Editing::canDrop(o.a, o.a21) && !Editing::drop(o.a, o.a1));
-        // A drop onto the present parent makes it the last child.
-        QVERIFY(Editing::drop(o.a1, o.a));
-        QVERIFY(Editing::move(o.document, o.a1, Editing::Move::DownLevel));
-        QCOMPARE(names(o.a2), QStringLiteral("a21 a1")); // last child of the previous sibling
+        QVERIFY(!Editing::canDrop(o["a"], nullptr) && !Editing::canDrop(o["a"], o["a21"]) &&
+                !Editing::drop(o["a"], o["a1"]));
+        QVERIFY(Editing::drop(o["a1"], o["a"]));
+        QVERIFY(Editing::move(o, o["a1"], Editing::Move::DownLevel));
+        QCOMPARE(names(o["a2"]), QStringLiteral("a21 a1")); // last child of the previous sibling
 
         using Editing::Move;
-        QVERIFY(!Editing::canMove(o.document, o.a, Move::Up));
-        QVERIFY(!Editing::canMove(o.document, o.a2, Move::DownLevel)); // first child: nothing to go under
-        QVERIFY(!Editing::canMove(o.document, o.b, Move::UpLevel));    // a child of the root
-        QVERIFY(!Editing::canMove(o.document, o.c, Move::Down));
-        QVERIFY(Editing::move(o.document, o.c, Move::Up));
-        QVERIFY(Editing::move(o.document, o.a, Move::Down)); // the one before the last
-        o.a->setExpanded(true);
-        QVERIFY(Editing::move(o.document, o.a2, Move::UpLevel));
-        QCOMPARE(names(o.document.root()), QStringLiteral("c a a2 b")); // right after its old parent
-        QVERIFY(!o.a->isExpanded());                                    // it lost its only child
-        o.document.viewMode = Document::ByCategory;
-        QVERIFY(!Editing::canMove(o.document, o.b, Move::Up));
+        QVERIFY(!Editing::canMove(o, o["a"], Move::Up));
+        QVERIFY(!Editing::canMove(o, o["a2"], Move::DownLevel)); // first child: nothing to go under
+        QVERIFY(!Editing::canMove(o, o["b"], Move::UpLevel));    // a child of the root
+        QVERIFY(!Editing::canMove(o, o["c"], Move::Down));
+        QVERIFY(Editing::move(o, o["c"], Move::Up));
+        QVERIFY(Editing::move(o, o["a"], Move::Down)); // the one before the last
+        o["a"]->setExpanded(true);
+        QVERIFY(Editing::move(o, o["a2"], Move::UpLevel));
+        QCOMPARE(names(o.root()), QStringLiteral("c a a2 b")); // right after its old parent
+        QVERIFY(!o["a"]->isExpanded());                        // it lost its only child
+        o.viewMode = Document::ByCategory;
+        QVERIFY(!Editing::canMove(o, o["b"], Move::Up));
     }
 
     void applyPropertiesStoresEveryField()
     {
         Tree o;
-        ChildOrder::orderChildrenBy(o.a, TreeNode::SortPriority);
+        Item *a1 = o["a1"], *a2 = o["a2"]; // both renamed below
+        ChildOrder::orderChildrenBy(o["a"], TreeNode::SortPriority);
         ItemProperties p;
         p.name = QStringLiteral("renamed");
         p.priority = 20;
@@ -170,65 +154,64 @@ private Q_SLOTS:
         p.links = QStringList{QStringLiteral("tel:1")};
         p.note = QByteArray("n\0\0", 4);
         p.progress = 60;
-        Editing::applyProperties(o.a1, p, &o.document);
-        QCOMPARE(Outline::fields(*o.a1), QStringLiteral("renamed pri=20 cat=Errands img=7 col=4 st=2 prog=60 flags=4 "
-                                                        "sort=15 asc=1 exp=0 due=2024.3.0.5.9.30.0.0 "
-                                                        "rem=2024.3.0.4.8.0.0.0 time=15/1 extra=0 links=tel:1 "
-                                                        "note=6e000000"));
-        QCOMPARE(names(o.a), QStringLiteral("a2 renamed")); // its parent orders by priority
-        QVERIFY(o.document.categories.contains(QStringLiteral("Errands")));
+        Editing::applyProperties(a1, p, &o);
+        QCOMPARE(Outline::fields(*a1), QStringLiteral("renamed pri=20 cat=Errands img=7 col=4 st=2 prog=60 flags=4 "
+                                                      "sort=15 asc=1 exp=0 due=2024.3.0.5.9.30.0.0 "
+                                                      "rem=2024.3.0.4.8.0.0.0 time=15/1 extra=0 links=tel:1 "
+                                                      "note=6e000000"));
+        QCOMPARE(names(o["a"]), QStringLiteral("a2 renamed")); // its parent orders by priority
+        QVERIFY(o.categories.contains(QStringLiteral("Errands")));
 
         // Links and note stay when the dialog did not show them; automatic progress comes from the children.
         p.links.reset();
         p.note.reset();
         p.autoProgress = true;
-        o.a21->setProgress(100);
-        Editing::applyProperties(o.a2, p, &o.document);
-        QCOMPARE(o.a2->links().size() + o.a2->noteSize(), 0);
-        QCOMPARE(o.a2->progress(), quint16(100));
+        o["a21"]->setProgress(100);
+        Editing::applyProperties(a2, p, &o);
+        QCOMPARE(a2->links().size() + a2->noteSize(), 0);
+        QCOMPARE(a2->progress(), quint16(100));
     }
 
     // Every edit that can move an item in a parent that keeps its children in order sorts them again.
     void editsSortASortedParentAgain()
     {
         Tree o;
-        ChildOrder::orderChildrenBy(o.document.root(), TreeNode::SortName);
-        o.document.setCurrent(o.c);
-        Editing::insertItem(o.document, new Item(QStringLiteral("0 first")), InsertPosition::Same);
-        QCOMPARE(names(o.document.root()), QStringLiteral("0 first a b c"));
-        ChildOrder::orderChildrenBy(o.a, TreeNode::SortName);
-        o.a->setAscending(false);
+        ChildOrder::orderChildrenBy(o.root(), TreeNode::SortName);
+        o.setCurrent(o["c"]);
+        Editing::insertItem(o, new Item(QStringLiteral("0 first")), InsertPosition::Same);
+        QCOMPARE(names(o.root()), QStringLiteral("0 first a b c"));
+        ChildOrder::orderChildrenBy(o["a"], TreeNode::SortName);
+        o["a"]->setAscending(false);
         ItemClip clip;
-        clip.markCopy(o.b);
-        clip.paste(o.a, false);
-        QCOMPARE(names(o.a), QStringLiteral("b a2 a1"));
-        ChildOrder::orderChildrenBy(o.document.root(), TreeNode::SortPriority);
-        Editing::setPriority(o.c, 1);
-        QCOMPARE(names(o.document.root()), QStringLiteral("c 0 first a b"));
-        Editing::setPriority(o.a2, 1); // a name-ordered parent keeps its order
-        QCOMPARE(names(o.a), QStringLiteral("b a2 a1"));
-        o.a->setAscending(true);
-        ChildOrder::orderChildrenBy(o.a, TreeNode::SortPriority);
-        o.a21->setPriority(0);
-        QVERIFY(Editing::move(o.document, o.a21, Editing::Move::UpLevel));
-        QCOMPARE(names(o.a), QStringLiteral("a21 a2 b a1"));
+        clip.markCopy(o["b"]);
+        clip.paste(o["a"], false);
+        QCOMPARE(names(o["a"]), QStringLiteral("b a2 a1"));
+        ChildOrder::orderChildrenBy(o.root(), TreeNode::SortPriority);
+        Editing::setPriority(o["c"], 1);
+        QCOMPARE(names(o.root()), QStringLiteral("c 0 first a b"));
+        Editing::setPriority(o["a2"], 1); // a name-ordered parent keeps its order
+        QCOMPARE(names(o["a"]), QStringLiteral("b a2 a1"));
+        o["a"]->setAscending(true);
+        ChildOrder::orderChildrenBy(o["a"], TreeNode::SortPriority);
+        o["a21"]->setPriority(0);
+        QVERIFY(Editing::move(o, o["a21"], Editing::Move::UpLevel));
+        QCOMPARE(names(o["a"]), QStringLiteral("a21 a2 b a1"));
     }
 
     void quickEntry()
     {
         Tree o;
-        Outline::setFields(o.b, "pri=4 st=2 col=9 noicon");
-        std::unique_ptr<Item> item(Editing::quickEntryItem(QString(80, QLatin1Char('x')), 812, true, o.b));
+        Outline::setFields(o["b"], "pri=4 st=2 col=9 noicon");
+        std::unique_ptr<Item> item(Editing::quickEntryItem(QString(80, QLatin1Char('x')), 812, true, o["b"]));
         QCOMPARE(Outline::fields(*item),
                  QString(63, QLatin1Char('x')) +
                      QStringLiteral(" pri=4 cat= img=812 col=9 st=2 prog=0 flags=4 sort=15 asc=1 "
                                     "exp=0 due=0.0.0.0.0.0.0.0 rem=0.0.0.0.0.0.0.0 time=/0 "
                                     "extra=0 links= note="));
-        QCOMPARE(Editing::quickEntryPosition(o.b, true), InsertPosition::Child);
-        QCOMPARE(Editing::quickEntryPosition(o.b, false), InsertPosition::Same);
-        QCOMPARE(Editing::quickEntryPosition(o.document.root(), true), InsertPosition::Top);
-        QCOMPARE(std::unique_ptr<Item>(Editing::quickEntryItem("t", 0, false, o.document.root()))->priority(),
-                 quint16(10));
+        QCOMPARE(Editing::quickEntryPosition(o["b"], true), InsertPosition::Child);
+        QCOMPARE(Editing::quickEntryPosition(o["b"], false), InsertPosition::Same);
+        QCOMPARE(Editing::quickEntryPosition(o.root(), true), InsertPosition::Top);
+        QCOMPARE(std::unique_ptr<Item>(Editing::quickEntryItem("t", 0, false, o.root()))->priority(), quint16(10));
 
         QStringList history;
         QVERIFY(Editing::addToHistory(history, QStringLiteral("Milk")));

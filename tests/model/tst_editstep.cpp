@@ -1,5 +1,4 @@
 #include "model/childorder.h"
-#include "model/document.h"
 #include "model/editing.h"
 #include "model/editstep.h"
 #include "model/progress.h"
@@ -102,8 +101,7 @@ private Q_SLOTS:
 
     void undoAndRedoGiveBackTheSavedBytes()
     {
-        // Random sequences of edits, one step each: undoing them all gives the bytes of the document as it was, redoing
-        // them all the bytes as edited.
+        // Random edits, a step each: undone, the saved bytes as before; redone, the bytes as edited.
         for (quint32 seed = 1; seed <= 1500; ++seed) {
             Document doc;
             RandomTree::fill(doc.root(), int(seed % 40), seed);
@@ -125,8 +123,7 @@ private Q_SLOTS:
             for (auto &step : steps)
                 step->redo();
             QCOMPARE(savedBytes(doc), after);
-            // Half undone again, then dropped: each step frees what it alone holds (a sanitizer build sees a leak or a
-            // double free).
+            // Half undone again, then dropped: a sanitizer build sees a leak or a double free.
             for (size_t i = steps.size(); i > steps.size() / 2; --i)
                 steps[i - 1]->undo();
         }
@@ -137,11 +134,9 @@ private Q_SLOTS:
         Document doc;
         Outline::build(doc.root(), "before\ntop");
         Item *top = doc.root()->child(1);
-        for (TreeNode *node = top; node->level() < 1000; node = node->child(0))
-            node->appendChild(new Item(QStringLiteral("deep")));
+        Outline::build(top, "deep\n  deeper");
         EditStep step(doc);
         QVERIFY(recorded(step, [&] { Editing::deleteItem(doc, top, nullptr); }));
-        // One place noted, the parent's fields kept aside at most.
         QCOMPARE(step.keptPlaces(), size_t(1));
         QVERIFY(step.keptFields() <= 1);
         QCOMPARE(doc.current(), doc.root());
@@ -181,7 +176,6 @@ private Q_SLOTS:
             at(3)->setTaskTimeType(2);
             // A minute of 70 does not pack: the date waits whole in the extras.
             at(4)->setDueDate({2024, 1, 0, 1, 0, 70, 0, 0});
-            // Changed and changed back is no change.
             at(5)->setReminderTime({2024, 2, 0, 3, 4, 5, 0, 0});
             at(5)->setReminderTime({});
             at(6)->setStdFlags(0); // the order turns, the expansion stays
@@ -195,7 +189,6 @@ private Q_SLOTS:
         rare.redo();
         QCOMPARE(at(4)->dueDate().minute, quint16(70));
 
-        // Setting a value a node already has is no change at all.
         EditStep same(doc);
         QVERIFY(!recorded(same, [&] {
             at(0)->setPriority(7);
@@ -206,44 +199,27 @@ private Q_SLOTS:
     void freesWhatOnlyItHolds()
     {
         // A destroyed Item leaves the handle registry: that tells whether a step freed it.
-        Document doc;
-        auto *deleted = new Item(QStringLiteral("deleted"));
-        doc.root()->appendChild(deleted);
-        auto *added = new Item(QStringLiteral("added"));
-        const quint32 deletedHandle = deleted->handle();
-        const quint32 addedHandle = added->handle();
+        Outline::Doc doc("deleted\nstays\nparent");
+        Item *added = new Item(QStringLiteral("added")), *kept = new Item(QStringLiteral("kept"));
+        const quint32 handles[] = {doc["deleted"]->handle(), added->handle(), doc["stays"]->handle(), kept->handle()};
         {
-            EditStep remove(doc);
-            QVERIFY(recorded(remove, [&] { Editing::deleteItem(doc, deleted, nullptr); }));
-            QVERIFY(Item::fromHandle(deletedHandle));
-            EditStep insert(doc);
+            EditStep remove(doc), insert(doc), undoneRemove(doc), doneInsert(doc), childInsert(doc);
+            QVERIFY(recorded(remove, [&] { Editing::deleteItem(doc, doc["deleted"], nullptr); }));
             QVERIFY(recorded(insert, [&] { doc.root()->appendChild(added); }));
             insert.undo();
             QVERIFY(!insert.isDone());
+            QVERIFY(recorded(undoneRemove, [&] { Editing::deleteItem(doc, doc["stays"], nullptr); }));
+            undoneRemove.undo();
+            QVERIFY(recorded(doneInsert, [&] { doc.root()->appendChild(kept); }));
+            QVERIFY(recorded(childInsert, [&] { doc["parent"]->appendChild(new Item(QStringLiteral("child"))); }));
+            childInsert.undo();
+            QCOMPARE(childInsert.focus(), doc["parent"]); // undone, an insert shows the parent the item went into
+            QVERIFY(Item::fromHandle(handles[0]));
         }
-        QVERIFY(!Item::fromHandle(deletedHandle) && !Item::fromHandle(addedHandle));
-
-        // Undone, an insert shows the parent the item went into.
-        auto *parent = new Item(QStringLiteral("parent"));
-        doc.root()->appendChild(parent);
-        {
-            EditStep insert(doc);
-            QVERIFY(recorded(insert, [&] { parent->appendChild(new Item(QStringLiteral("child"))); }));
-            insert.undo();
-            QCOMPARE(insert.focus(), parent);
-        }
-
-        // Done, an inserted item is the document's, and an undone delete's item is back in it: the steps leave them.
-        auto *stays = new Item(QStringLiteral("stays"));
-        const quint32 staysHandle = stays->handle();
-        {
-            EditStep insert(doc);
-            QVERIFY(recorded(insert, [&] { doc.root()->appendChild(stays); }));
-            EditStep remove(doc);
-            QVERIFY(recorded(remove, [&] { Editing::deleteItem(doc, stays, nullptr); }));
-            remove.undo();
-        }
-        QCOMPARE(Item::fromHandle(staysHandle), stays);
+        // Freed: the deleted item and the undone insert's; kept: those in the document.
+        QCOMPARE(QList<bool>({Item::fromHandle(handles[0]) != nullptr, Item::fromHandle(handles[1]) != nullptr,
+                              Item::fromHandle(handles[2]) != nullptr, Item::fromHandle(handles[3]) != nullptr}),
+                 QList<bool>({false, false, true, true}));
     }
 };
 

@@ -13,21 +13,22 @@ class TestItemStorage : public QObject {
 private Q_SLOTS:
     void datesKeepEveryField()
     {
-        // Zero, every field at the top of its packed range, then too wide: the month, the milliseconds, every field.
-        const SystemTime dates[] = {{},
-                                    {65535, 15, 7, 31, 31, 63, 63, 1023},
-                                    {2024, 16, 0, 1, 0, 0, 0, 0},
-                                    {2024, 1, 0, 1, 0, 0, 0, 1024},
-                                    {65535, 65535, 65535, 65535, 65535, 65535, 65535, 65535}};
-        for (const SystemTime &date : dates) {
+        // Whether it is a date (a month of 0 is none), then: zero, every field at the top of its packed range, then
+        // too wide: the month, the milliseconds, every field.
+        const std::pair<SystemTime, bool> dates[] = {{{2024, 0, 1, 3, 4, 5, 6, 7}, false},
+                                                     {{}, false},
+                                                     {{65535, 15, 7, 31, 31, 63, 63, 1023}, true},
+                                                     {{2024, 16, 0, 1, 0, 0, 0, 0}, true},
+                                                     {{2024, 1, 0, 1, 0, 0, 0, 1024}, true},
+                                                     {{65535, 65535, 65535, 65535, 65535, 65535, 65535, 65535}, true}};
+        for (const auto &[date, isDate] : dates) {
             Item item(QStringLiteral("a"), 0, date);
             item.setDueDate(date);
-            QCOMPARE(item.hasDueDate(), date.hasDate());
+            QCOMPARE(item.hasDueDate(), isDate);
             QCOMPARE(item.created(), date);
             QCOMPARE(std::unique_ptr<Item>(item.clone())->dueDate(), date);
-            // A narrow date replaces a wide one and the other stays.
             const SystemTime narrow{2020, 2, 6, 29, 23, 59, 58, 999};
-            item.setCreated(narrow);
+            item.setCreated(narrow); // a narrow date replaces a wide one, and the other stays
             QCOMPARE(item.created(), narrow);
             QCOMPARE(item.dueDate(), date);
         }

@@ -10,7 +10,6 @@ private Q_SLOTS:
     void kinds()
     {
         using K = Links::Kind;
-        // Item links before addresses, addresses before phone numbers, and a file otherwise.
         const std::pair<const char *, K> cases[] = {{"!42", K::ItemLink},           {"!http://x", K::ItemLink},
                                                     {"http://example.org", K::Url}, {"write mailto:x", K::Url},
                                                     {"ftp://ph:1", K::Url},         {"home ph:555", K::Phone},

@@ -30,8 +30,7 @@ private Q_SLOTS:
         QCOMPARE(BubbleContent::body(due(one, "Call Ann | rem=2024-03-05T10:00"), colourRef),
                  QStringLiteral("<html><body><b>Call Ann</b><br />3/5/24<p align=right><input type=button "
                                 "name=\"cmd:1990\" value=\"Dismiss All\"></p></body></html>"));
-        // The due date wins over the reminder date; colour inside italic; the name as typed, braces and ampersand
-        // included.
+        // The due date wins over the reminder's; colour inside italic; the name as typed, braces and all.
         QCOMPARE(BubbleContent::body(due(two, "Pay {1} rent | col=7 italic due=2024-04-01 rem=2024-03-05T10:00\n"
                                               "B&B | col=0 rem=2024-03-06T08:00"),
                                      colourRef),

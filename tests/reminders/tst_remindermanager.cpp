@@ -107,7 +107,6 @@ private Q_SLOTS:
         Fixture f("a | rem=2024-03-05T10:00\nb\nc | rem=2024-03-05T11:00\n");
         Item *a = f["a"];
         Item *b = f["b"];
-        // Setting the same reminder again changes nothing.
         a->setReminderTime(a->reminderTime());
         QVERIFY(!f.manager.itemChanged(a));
         b->setReminderTime(ReminderManager::pendingAt(at("2024-03-05 09:00:42")));
@@ -123,7 +122,6 @@ private Q_SLOTS:
         QCOMPARE(Outline::names(f.manager.shown()), QStringList({"b"}));
         QCOMPARE(Outline::names(f.manager.checkDue(at("2024-03-05 12:00:00"))), QStringList({"c", "a"}));
 
-        // A cleared reminder leaves both lists.
         b->setReminderTime({});
         QVERIFY(f.manager.itemChanged(b));
         QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"c", "a"}));
@@ -152,7 +150,6 @@ private Q_SLOTS:
         QVERIFY(f.manager.purge());
         QVERIFY(!f.manager.purge());
 
-        // An item taken out of the tree but still alive is gone as well.
         Fixture g("x | rem=2024-03-05T10:00\n");
         std::unique_ptr<Item> taken(g.root()->takeChild(0));
         QVERIFY(g.manager.checkDue(at("2024-03-05 12:00:00")).empty());

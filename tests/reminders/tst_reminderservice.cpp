@@ -110,13 +110,11 @@ private Q_SLOTS:
         QCOMPARE(alarm.usesTimerFd(), !polling);
         QSignalSpy fired(&alarm, &WakeAlarm::fired);
 
-        // A time already past fires, but only once control is back in the loop.
         alarm.arm(QDateTime::currentDateTime().addSecs(-5));
         QCOMPARE(fired.count(), 0);
         QTRY_COMPARE_WITH_TIMEOUT(fired.count(), 1, 2000);
         QVERIFY(!alarm.isArmed());
 
-        // Disarmed, or armed again for later, it stays quiet.
         alarm.arm(QDateTime::currentDateTime().addMSecs(300));
         alarm.disarm();
         QVERIFY(!alarm.isArmed());

@@ -96,21 +96,20 @@ inline Item *find(const TreeNode *root, const QString &name)
 /// line, for comparing two items or an item with a hand-written line.
 inline QString fields(const Item &item)
 {
-    const auto time = [](const SystemTime &t) {
+    const auto n = [](auto value) { return QString::number(value); };
+    const auto time = [&](const SystemTime &t) {
         QStringList parts;
         for (quint16 field : t.fields())
-            parts.append(QString::number(field));
+            parts.append(n(field));
         return parts.join(QLatin1Char('.'));
     };
-    return QStringLiteral("%1 pri=%2 cat=%3 img=%4 col=%5 st=%6 prog=%7 flags=%8 sort=%9")
-               .arg(item.name(), QString::number(item.priority()), item.category(), QString::number(item.image()),
-                    QString::number(item.colour()), QString::number(item.statusType()),
-                    QString::number(item.progress()), QString::number(item.flags()), QString::number(item.sort())) +
-           QStringLiteral(" asc=%1 exp=%2 due=%3 rem=%4 time=%5/%6 extra=%7 links=%8 note=%9")
-               .arg(QString::number(item.isAscending()), QString::number(item.isExpanded()), time(item.dueDate()),
-                    time(item.reminderTime()), item.taskTime(), QString::number(item.taskTimeType()),
-                    QString::number(item.extraWord(), 16), item.links().join(QLatin1Char(',')),
-                    QString::fromLatin1(item.note().toHex()));
+    return item.name() + " pri=" + n(item.priority()) + " cat=" + item.category() + " img=" + n(item.image()) +
+           " col=" + n(item.colour()) + " st=" + n(item.statusType()) + " prog=" + n(item.progress()) +
+           " flags=" + n(item.flags()) + " sort=" + n(item.sort()) + " asc=" + n(item.isAscending()) +
+           " exp=" + n(item.isExpanded()) + " due=" + time(item.dueDate()) + " rem=" + time(item.reminderTime()) +
+           " time=" + item.taskTime() + '/' + n(item.taskTimeType()) +
+           " extra=" + QString::number(item.extraWord(), 16) + " links=" + item.links().join(',') +
+           " note=" + QString::fromLatin1(item.note().toHex());
 }
 
 /// A document holding the outline's items, which it finds by name.

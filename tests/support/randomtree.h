@@ -32,7 +32,6 @@ inline void fill(TreeNode *root, int count, quint32 seed)
     auto pick = [&](const QStringList &list) { return list[int(rng.bounded(quint32(list.size())))]; };
     static const quint16 progresses[] = {0, 0, 10, 50, 66, 100, 100};
     for (int i = 0; i < count; ++i) {
-        // Go down, stay, or climb a random number of levels.
         const quint32 move = rng.bounded(10u);
         if (move < 3 && path.size() < 9 && path.back()->hasChildren())
             path.push_back(path.back()->children().back());

@@ -9,7 +9,6 @@ class TestApplyAttributes : public QObject {
     Q_OBJECT
 
 private:
-    // Every attribute apply can touch, of every item in pre-order.
     static QStringList snapshot(const TreeNode *root)
     {
         QStringList out;
@@ -68,8 +67,7 @@ private Q_SLOTS:
             return QList<int>(
                 {wasAuto->progress(), wasAuto->autoProgress(), wasManual->progress(), wasManual->autoProgress()});
         };
-        // Progress is stored while the old flag still holds: an automatic child takes its children's mean at once,
-        // then turns manual.
+        // Stored while the old flag holds: an automatic child takes its children's mean, then turns manual.
         apply(AttributeSet::Progress, 40, false);
         QCOMPARE(state(), QList<int>({100, 0, 40, 0}));
         // Switched to automatic in the same step, a child keeps the given progress until something below it changes.
@@ -81,7 +79,6 @@ private Q_SLOTS:
         QCOMPARE(state(), QList<int>({30, 0, 50, 0}));
     }
 
-    // A parent that keeps its children in order sorts them again when an applied value moves one of them.
     void sortedParentsSortAgain()
     {
         Outline::Doc document("Q | sort=3\n  x | auto\n    x1\n  y | prog=50");
@@ -89,29 +86,6 @@ private Q_SLOTS:
         ApplyAttributes::apply(
             document["x"], AttributeSet{AttributeSet::Progress, 10, QString(), 0, 0, 1, false, true, 80, false, true});
         QCOMPARE(Outline::names(q->children()), (QStringList{"y", "x"}));
-    }
-
-    void deepChain()
-    {
-        Document document;
-        TreeNode *parent = document.root();
-        for (int i = 0; i < 200000; ++i, parent = parent->child(0)) {
-            parent->appendChild(new Item(QStringLiteral("n")));
-            parent->child(0)->setAutoProgress(true);
-        }
-        Item *first = document.root()->child(0);
-        AttributeSet set;
-        set.flags = AttributeSet::Progress | AttributeSet::Colour;
-        set.progress = 60;
-        set.colour = 5;
-        set.automatic = true;
-        set.allSubItems = true;
-        ApplyAttributes::apply(first, set);
-        // The last item has no children, so being automatic it falls to 0 when its progress is set, and every automatic
-        // item above follows it.
-        const Item *last = static_cast<Item *>(parent);
-        QCOMPARE(QList<int>({last->colour(), last->progress(), first->colour(), first->progress()}),
-                 QList<int>({5, 0, 0, 0}));
     }
 };
 

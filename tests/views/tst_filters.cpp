@@ -61,7 +61,6 @@ private Q_SLOTS:
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  0%", "    next", "  20%", "  100%"}));
         QVERIFY(!rows.row(3).expandable);
 
-        // Every status hidden: nothing under the root, but every heading stays.
         document.hideCompleted = false;
         document.hideByStatus = Document::HideNoStatus | Document::HideCheckBox | Document::HideProgressBar;
         rows.rebuild(0);

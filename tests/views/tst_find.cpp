@@ -31,17 +31,6 @@ private Q_SLOTS:
         QCOMPARE(found(document, c), QStringLiteral("task 1,task 2,task 5"));
     }
 
-    void deepChain()
-    {
-        Document document;
-        TreeNode *parent = document.root();
-        for (int i = 0; i < 300000; ++i, parent = parent->child(0))
-            parent->appendChild(new Item(i % 100000 == 99999 ? QStringLiteral("needle") : QStringLiteral("hay")));
-        QCOMPARE(found(document, {.flags = FindCriteria::Name, .name = QStringLiteral("needle")}),
-                 QStringLiteral("needle,needle,needle"));
-    }
-
-    // The phrase is looked for in the note's text, whatever the note's format.
     void notesOfEveryType()
     {
         for (quint16 noteType : {0, 1, 2}) {
@@ -59,7 +48,6 @@ private Q_SLOTS:
         }
     }
 
-    // Each criterion alone, then two together (both must hold).
     void eachCriterion()
     {
         Outline::Doc document("Alpha Zed | cat=Work pri=5 due=2024-01-02T23:59 prog=100 col=2 italic\n"

@@ -13,7 +13,6 @@ class TestGroupView : public QObject {
     Q_OBJECT
 
 private:
-    // "Heading: item, item" per heading, in display order.
     static QStringList layout(const GroupView &view)
     {
         QStringList out;
@@ -36,13 +35,6 @@ private Q_SLOTS:
     {
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
         Collation::instance().setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
-    }
-
-    void monthZeroMeansNoDueDate()
-    {
-        Item item(QStringLiteral("x"));
-        item.setDueDate({2024, 0, 0, 5, 0, 0, 0, 0});
-        QCOMPARE(GroupView::headingText(&item, GroupView::ByDueDate), QStringLiteral("[No Task/Due Date]"));
     }
 
     void groupsAndOrders()
@@ -94,7 +86,6 @@ private Q_SLOTS:
         ViewRows rows(document);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  Home", "  Work"}));
 
-        // Into an existing heading, in order by name; the heading opens to show the new current item.
         document.setCurrent(document["m"]);
         auto *a = new Item(QStringLiteral("a"));
         a->setCategory(QStringLiteral("Home"));
@@ -102,7 +93,6 @@ private Q_SLOTS:
         QCOMPARE(rows.itemInserted(a), 2);
         QCOMPARE(rowTexts(rows), (QStringList{"Root", "  Home", "    a", "    m", "  Work"}));
 
-        // A new heading is made, opened and sorted among the others.
         auto *z = new Item(QStringLiteral("z"));
         z->setCategory(QStringLiteral("Inbox"));
         Editing::insertItem(document, z, InsertPosition::Top);
