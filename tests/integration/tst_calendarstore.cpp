@@ -18,14 +18,10 @@
 namespace {
 
 // A store that keeps what it is given in memory and refuses chosen objects.
-class MemoryStore : public CalendarStore {
-public:
-    QList<QByteArray> added;
-    int refuseAt = -1; // the n-th addObject call (0-based) that fails
-    int calls = 0;
-    int fetches = 0;
+struct MemoryStore : CalendarStore {
+    QList<QByteArray> added, stored;
+    int refuseAt = -1, calls = 0, fetches = 0; // refuseAt: the addObject call, counted from 0, that fails
     bool reachable = true;
-    QList<QByteArray> stored;
 
     QString location() const override { return QStringLiteral("memory"); }
     bool connect(QString *) override { return reachable; }
@@ -41,8 +37,7 @@ public:
     bool fetchObjects(QList<QByteArray> *objects, QString *) override
     {
         ++fetches;
-        if (reachable)
-            *objects = stored;
+        *objects = reachable ? stored : QList<QByteArray>();
         return reachable;
     }
 };
@@ -132,31 +127,16 @@ private Q_SLOTS:
                      {CalendarObject::Appointment, 0, "", "", ""},
                      {CalendarObject::Appointment, 2, "", "", "Bold\nplain"}, // rich text
                      {CalendarObject::Task, 1, "", "", "ink\ntext"}};         // rich ink: the note attached too
-        QTemporaryDir dir;
-        FolderCalendar store(dir.filePath(QStringLiteral("cal")));
-        QString error;
-        QVERIFY(store.connect(&error));
-        std::vector<std::unique_ptr<Item>> items;
         for (const auto &c : cases) {
-            Item *item = items.emplace_back(std::make_unique<Item>(QString::number(items.size()))).get();
-            Outline::setFields(item, *c.due ? QStringLiteral("due=") + QLatin1String(c.due) : QString());
-            item->setCategory(QString::fromUtf8(c.category));
-            item->setNote(NoteText::fromText(QString::fromUtf8(c.note), quint16(c.noteType)));
-            QVERIFY2(store.create(*item, quint16(c.noteType), c.kind, &error), qPrintable(error));
-        }
-        const QDir folder(store.location());
-        const QStringList files = folder.entryList({QStringLiteral("*.ics")}, QDir::Files);
-        QCOMPARE(files.size(), 5);
-        for (const QString &name : files) {
-            QFile file(folder.filePath(name));
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            const IcalObject object = IcalObject::parse(file.readAll());
-            QCOMPARE(name, object.uid + QLatin1String(".ics"));
-            QCOMPARE(object.stamp, Clock::now().toUTC());
-            const auto &c = cases[object.summary.toInt()];
-            const Item &item = *items[object.summary.toInt()];
+            Item item(QStringLiteral("Ünïcode name"));
+            Outline::setFields(&item, *c.due ? QStringLiteral("due=") + QLatin1String(c.due) : QString());
+            item.setCategory(QString::fromUtf8(c.category));
+            item.setNote(NoteText::fromText(QString::fromUtf8(c.note), quint16(c.noteType)));
+            const IcalObject object =
+                IcalObject::parse(CalendarObject::fromItem(item, quint16(c.noteType), c.kind, "u", Clock::now()));
             const bool task = c.kind == CalendarObject::Task;
             QCOMPARE(object.kind, task ? QStringLiteral("VTODO") : QStringLiteral("VEVENT"));
+            QCOMPARE(object.summary, item.name());
             QCOMPARE(task ? object.due : object.start, item.hasDueDate() ? item.dueDate().toDate() : QDate());
             QCOMPARE(task ? object.dueIsDate : object.startIsDate, item.hasDueDate());
             QCOMPARE(object.categories, *c.category ? QStringList{item.category()} : QStringList());
@@ -193,7 +173,7 @@ private Q_SLOTS:
         }
     }
 
-    void storeCategories()
+    void folderStore()
     {
         QTemporaryDir dir;
         const auto object = [](const char *component, const char *lines) {
@@ -215,9 +195,25 @@ private Q_SLOTS:
         FolderCalendar missing(dir.filePath(QStringLiteral("none")));
         QVERIFY(!missing.categories(&categories, &error));
         QCOMPARE(error, message(Messages::CalendarFolderMissing).arg(missing.location()));
-        FolderCalendar file(dir.filePath(QStringLiteral("d.ics"))); // a file, not a folder
-        QVERIFY(!file.connect(&error));
-        QCOMPARE(error, message(Messages::CalendarFolderUnusable).arg(file.location()));
+        FolderCalendar notAFolder(dir.filePath(QStringLiteral("d.ics")));
+        QVERIFY(!notAFolder.connect(&error));
+        QCOMPARE(error, message(Messages::CalendarFolderUnusable).arg(notAFolder.location()));
+
+        // A new folder is made, and each object written to a file named by its new uid, stamped now.
+        FolderCalendar store(dir.filePath(QStringLiteral("cal")));
+        QVERIFY(store.connect(&error));
+        QVERIFY(store.create(Item(QStringLiteral("a")), 0, CalendarObject::Task, &error));
+        QVERIFY(store.create(Item(QStringLiteral("a")), 0, CalendarObject::Task, &error));
+        const QDir folder(store.location());
+        const QStringList files = folder.entryList({QStringLiteral("*.ics")}, QDir::Files);
+        QCOMPARE(files.size(), 2);
+        for (const QString &name : files) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const IcalObject object = IcalObject::parse(file.readAll());
+            QCOMPARE(name, object.uid + QLatin1String(".ics"));
+            QCOMPARE(object.stamp, Clock::now().toUTC());
+        }
     }
 
     void categoryListAsksTheStoreOnlyWhenOn()
@@ -234,11 +230,8 @@ private Q_SLOTS:
         QCOMPARE(CalendarStore::categoryList(document, true, &store), QStringList{"Work"});
     }
 
-    void caldavAnswers_data()
+    void caldavAnswers()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<QString>("expected"); // %1 stands for the collection; empty: a calendar
-
         const auto multistatus = [](const char *resourceType) {
             return response("207 Multi-Status", "Content-Type: application/xml\r\n",
                             QByteArray("<?xml version=\"1.0\"?><multistatus xmlns=\"DAV:\" xmlns:C=\"urn:ietf:params:"
@@ -247,33 +240,27 @@ private Q_SLOTS:
                                 "</resourcetype></prop><status>HTTP/1.1 200 OK</status></propstat>"
                                 "</response></multistatus>");
         };
-        QTest::newRow("redirect") << response("301 Moved Permanently", "Location: https://example.org/cal/\r\n")
-                                  << message(Messages::CalendarRedirected).arg("%1", "https://example.org/cal/");
-        QTest::newRow("401") << response("401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\n")
-                             << message(Messages::CalendarAuthFailed).arg("127.0.0.1");
-        QTest::newRow("403") << response("403 Forbidden") << message(Messages::CalendarForbidden);
-        QTest::newRow("404") << response("404 Not Found") << message(Messages::CalendarNotFound);
-        QTest::newRow("500") << response("500 Internal Server Error")
-                             << message(Messages::CalendarServerError).arg(QStringLiteral("%1"), QStringLiteral("500"));
-        QTest::newRow("a plain collection") << multistatus("<collection/>") << message(Messages::CalendarNotACalendar);
-        QTest::newRow("a calendar after the plain collection")
-            << multistatus("<collection/><C:calendar/>") << QString();
-        QTest::newRow("a calendar outside the resource type")
-            << multistatus("</resourcetype><C:calendar/><resourcetype>") << message(Messages::CalendarNotACalendar);
-        QTest::newRow("no answer") << QByteArray()
-                                   << message(Messages::CalendarTimeout).arg(QStringLiteral("%1"), QStringLiteral("1"));
-    }
-
-    void caldavAnswers()
-    {
-        QFETCH(QByteArray, answer);
-        QFETCH(QString, expected);
-        ScriptedHttp server(answer);
-        CalDavCalendar store(QUrl(server.url("/cal")), QStringLiteral("alice"), QStringLiteral("secret"));
-        store.setTimeout(400);
-        QString error;
-        QCOMPARE(store.connect(&error), expected.isEmpty());
-        QCOMPARE(error, expected.replace(QLatin1String("%1"), server.url("/cal/")));
+        // The answer, and the error it gives (%1 for the collection; none for a calendar).
+        const std::pair<QByteArray, QString> cases[] = {
+            {response("301 Moved Permanently", "Location: https://example.org/cal/\r\n"),
+             message(Messages::CalendarRedirected).arg("%1", "https://example.org/cal/")},
+            {response("401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\n"),
+             message(Messages::CalendarAuthFailed).arg("127.0.0.1")},
+            {response("403 Forbidden"), message(Messages::CalendarForbidden)},
+            {response("404 Not Found"), message(Messages::CalendarNotFound)},
+            {response("500 Internal Server Error"), message(Messages::CalendarServerError).arg("%1", "500")},
+            {multistatus("<collection/>"), message(Messages::CalendarNotACalendar)},
+            {multistatus("<collection/><C:calendar/>"), QString()},
+            {multistatus("</resourcetype><C:calendar/><resourcetype>"), message(Messages::CalendarNotACalendar)},
+            {QByteArray(), message(Messages::CalendarTimeout).arg("%1", "1")}}; // no answer at all
+        for (auto [answer, expected] : cases) {
+            ScriptedHttp server(answer);
+            CalDavCalendar store(QUrl(server.url("/cal")), QStringLiteral("alice"), QStringLiteral("secret"));
+            store.setTimeout(400);
+            QString error;
+            QCOMPARE(store.connect(&error), expected.isEmpty());
+            QCOMPARE(error, expected.replace(QLatin1String("%1"), server.url("/cal/")));
+        }
     }
 };
 

@@ -43,47 +43,38 @@ private Q_SLOTS:
             QVERIFY(Collation::instance().compare(many.child(i - 1)->name(), many.child(i)->name()) <= 0);
     }
 
-    void byKey_data()
-    {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<bool>("ascending");
-        QTest::addColumn<QString>("fields"); // of the items 0, 1, ... in order, separated by commas
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char *tag, int key, bool ascending, const char *fields, const char *expected) {
-            QTest::newRow(tag) << key << ascending << QString::fromLatin1(fields) << QString::fromLatin1(expected);
-        };
-        row("equal priorities stay in place", 1, true, "pri=5,pri=3,pri=5,pri=1,pri=3,pri=5", "3 1 4 0 2 5");
-        row("equal priorities stay descending", 1, false, "pri=5,pri=3,pri=5,pri=1", "0 2 1 3");
-        row("category", 2, true, "cat=b,cat=a,cat=b,cat=a", "1 3 0 2");
-        row("percent", 3, true, "prog=100,prog=90,prog=80,prog=70", "3 2 1 0");
-        row("due: undated last, in place", 4, true, "due=2024-03-09,,due=2024-03-05,due=2024-03-09,", "2 0 3 1 4");
-        // Descending counts equal dates, and undated items, as "before": with the merge taking the right run's head
-        // when it goes before, both come out reversed.
-        row("due descending: undated first, reversed", 4, false, ",due=2024-03-05,,due=2024-03-02,due=2024-03-05",
-            "2 0 4 1 3");
-        row("due descending: equal dates reversed", 4, false, "due=2024-03-07,due=2024-03-07,due=2024-03-07", "2 1 0");
-        row("due descending: mixed", 4, false, "due=2024-03-01,due=2024-03-09,,due=2024-03-09T00:00,due=2024-03-04",
-            "2 3 1 4 0");
-        row("created", 5, true, "made=2024-03-03,made=2024-03-01,made=2024-03-03,made=2024-03-02", "1 3 0 2");
-        row("created descending: equal dates reversed", 5, false,
-            "made=2024-03-03,made=2024-03-01,made=2024-03-03,made=2024-03-02", "2 0 3 1");
-    }
     void byKey()
     {
-        QFETCH(int, key);
-        QFETCH(bool, ascending);
-        QFETCH(QString, fields);
-        QFETCH(QString, expected);
-        TreeNode root;
-        const QStringList each = fields.split(QLatin1Char(','));
-        for (int i = 0; i < each.size(); ++i)
-            Outline::build(&root, (QString::number(i) + QStringLiteral(" | ") + each[i]).toUtf8().constData());
-        root.setAscending(ascending);
-        ChildOrder::orderChildrenBy(&root, quint16(key));
-        QCOMPARE(names(&root), expected);
-        ChildOrder::orderChildrenBy(&root, TreeNode::SortManual);
-        ChildOrder::setDirection(&root, !ascending);
-        QCOMPARE(names(&root), expected);
+        // The fields of the items 0, 1, ... in order, and the order they are sorted in.
+        const struct {
+            int key;
+            bool ascending;
+            const char *fields, *expected;
+        } cases[] = {{1, true, "pri=5,pri=3,pri=5,pri=1,pri=3,pri=5", "3 1 4 0 2 5"}, // equal keys stay in place
+                     {1, false, "pri=5,pri=3,pri=5,pri=1", "0 2 1 3"},
+                     {2, true, "cat=b,cat=a,cat=b,cat=a", "1 3 0 2"},
+                     {3, true, "prog=100,prog=90,prog=80,prog=70", "3 2 1 0"},
+                     {4, true, "due=2024-03-09,,due=2024-03-05,due=2024-03-09,", "2 0 3 1 4"}, // undated last, in place
+                     // Descending counts equal dates, and undated items, as "before": with the merge taking the right
+                     // run's head when it goes before, both come out reversed.
+                     {4, false, ",due=2024-03-05,,due=2024-03-02,due=2024-03-05", "2 0 4 1 3"},
+                     {4, false, "due=2024-03-07,due=2024-03-07,due=2024-03-07", "2 1 0"},
+                     {4, false, "due=2024-03-01,due=2024-03-09,,due=2024-03-09T00:00,due=2024-03-04", "2 3 1 4 0"},
+                     {5, true, "made=2024-03-03,made=2024-03-01,made=2024-03-03,made=2024-03-02", "1 3 0 2"},
+                     {5, false, "made=2024-03-03,made=2024-03-01,made=2024-03-03,made=2024-03-02", "2 0 3 1"}};
+        for (const auto &c : cases) {
+            TreeNode root;
+            const QStringList fields = QString::fromLatin1(c.fields).split(QLatin1Char(','));
+            for (int i = 0; i < fields.size(); ++i)
+                Outline::build(&root, (QString::number(i) + QStringLiteral(" | ") + fields[i]).toUtf8().constData());
+            root.setAscending(c.ascending);
+            ChildOrder::orderChildrenBy(&root, quint16(c.key));
+            QCOMPARE(names(&root), QLatin1String(c.expected));
+            // Manual order afterwards keeps the sorted order, whatever the direction.
+            ChildOrder::orderChildrenBy(&root, TreeNode::SortManual);
+            ChildOrder::setDirection(&root, !c.ascending);
+            QCOMPARE(names(&root), QLatin1String(c.expected));
+        }
     }
 
     void largeSortIsAStableSort_data()

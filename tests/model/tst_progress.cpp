@@ -24,40 +24,32 @@ private Q_SLOTS:
 
     void climbPassesManualAncestors()
     {
-        TreeNode root;
-        Outline::build(&root, "grand | auto\n  manual | prog=30\n    autoChild | auto\n      leaf\n      other\n"
-                              "  sibling | prog=90");
-        Outline::find(&root, QStringLiteral("leaf"))->setProgress(100);
-        QCOMPARE(Outline::find(&root, QStringLiteral("autoChild"))->progress(), quint16(50));
-        QCOMPARE(Outline::find(&root, QStringLiteral("manual"))->progress(), quint16(30)); // manual: untouched
-        QCOMPARE(Outline::find(&root, QStringLiteral("grand"))->progress(), quint16(60));  // (30 + 90) / 2
+        Outline::Doc o("grand | auto\n  manual | prog=30\n    autoChild | auto\n      leaf\n      other\n"
+                       "  sibling | prog=90");
+        o["leaf"]->setProgress(100);
+        // The manual item is left as it is, and the climb goes on past it: (30 + 90) / 2.
+        QCOMPARE(QList<int>({o["autoChild"]->progress(), o["manual"]->progress(), o["grand"]->progress()}),
+                 QList<int>({50, 30, 60}));
     }
 
     // Every child counts whatever its status type; an automatic item follows its children, and shows 0 without any.
     void automaticItemsFollowTheirChildren()
     {
-        TreeNode root;
-        Outline::build(&root, "parent | auto\n  noStatus | st=0\n  box\nlonely | auto");
-        Item *parent = root.child(0);
-        parent->child(0)->setProgress(50);
-        QCOMPARE(parent->progress(), quint16(25));
-        parent->setProgress(100);
-        QCOMPARE(parent->progress(), quint16(25));
-        root.child(1)->setProgress(70);
-        QCOMPARE(root.child(1)->progress(), quint16(0));
-
-        Item counted;
-        Outline::build(&counted, "a\nb | prog=1\nc | prog=50\nd | prog=99\ne | prog=100\nf | prog=100\n  g\nh");
-        const Progress::Statistics s = Progress::statistics(&counted); // of the children alone
+        Outline::Doc o(
+            "parent | auto\n  noStatus | st=0\n  box\nlonely | auto\ncounted\n  a\n  b | prog=1\n  c | prog=50\n"
+            "  d | prog=99\n  e | prog=100\n  f | prog=100\n    g\n  h");
+        o["noStatus"]->setProgress(50);
+        o["parent"]->setProgress(100);
+        o["lonely"]->setProgress(70);
+        QCOMPARE(QList<int>({o["parent"]->progress(), o["lonely"]->progress()}), QList<int>({25, 0}));
+        const Progress::Statistics s = Progress::statistics(o["counted"]); // of the children alone
         QCOMPARE(QList<int>({s.notStarted, s.started, s.completed}), QList<int>({2, 3, 2}));
     }
 
     void tap()
     {
-        TreeNode root;
-        Outline::build(&root, "parent | auto\n  box | prog=40");
-        Item *parent = root.child(0);
-        Item *box = parent->child(0);
+        Outline::Doc o("parent | auto\n  box | prog=40");
+        Item *parent = o["parent"], *box = o["box"];
         QCOMPARE(Progress::tap(box), Progress::TapResult::Toggled);
         QCOMPARE(parent->progress(), quint16(100)); // 40 is not completed: ticked
         QCOMPARE(Progress::tap(box), Progress::TapResult::Toggled);
@@ -72,13 +64,11 @@ private Q_SLOTS:
 
     void resortAncestorsOrderedByPercent()
     {
-        TreeNode root;
-        Outline::build(&root, "top | sort=3\n  a | prog=10\n    leaf\n  b | prog=20");
-        Item *a = Outline::find(&root, QStringLiteral("a"));
-        a->setAutoProgress(true);
-        a->child(0)->setProgress(100);
-        Progress::resortAncestors(a->child(0)); // a's parent sorts again: b (20) before a (100)
-        QCOMPARE(root.child(0)->child(0)->name(), QStringLiteral("b"));
+        Outline::Doc o("top | sort=3\n  a | prog=10\n    leaf\n  b | prog=20");
+        o["a"]->setAutoProgress(true);
+        o["leaf"]->setProgress(100);
+        Progress::resortAncestors(o["leaf"]); // a's parent sorts again: b (20) before a (100)
+        QCOMPARE(o["top"]->child(0)->name(), QStringLiteral("b"));
     }
 };
 

@@ -7,13 +7,7 @@
 #include <QTest>
 
 namespace {
-
-QDateTime at(const char *text)
-{
-    const QString time = QString::fromLatin1(text);
-    return QDateTime::fromString(time, time.size() > 19 ? QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")
-                                                        : QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-}
+using Outline::at;
 
 struct Fixture : Outline::Doc {
     explicit Fixture(const char *outline) : Outline::Doc(outline) { manager.load(); }
@@ -65,7 +59,6 @@ private Q_SLOTS:
         for (const auto &c : cases) {
             Fixture f(c.outline);
             QCOMPARE(describe(f.manager.reschedule(at(c.now))), QLatin1String(c.wake));
-            QCOMPARE(f.manager.lastScheduled(), at(c.now));
         }
     }
 

@@ -6,16 +6,11 @@
 #include "model/editing.h"
 #include "platform/clock.h"
 
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 
 namespace {
-
-QDateTime at(const char *text)
-{
-    return QDateTime::fromString(QString::fromLatin1(text), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-}
+using Outline::at;
 
 struct Fixture : Outline::Doc {
     Fixture(const char *outline, const char *now) : Outline::Doc(outline)
@@ -54,7 +49,6 @@ private Q_SLOTS:
     {
         Fixture f("a | rem=2024-03-20T10:00\n", "2024-03-05 09:00:00");
         const QTimer &timer = f.service->tenDayTimer();
-        QCOMPARE(timer.interval(), 864000000);
         QVERIFY(timer.isActive() && !f.alarm->armed);
         Clock::setFixed(at("2024-03-15 09:00:00"));
         QMetaObject::invokeMethod(const_cast<QTimer *>(&timer), "timeout");
@@ -111,7 +105,7 @@ private Q_SLOTS:
         QSignalSpy fired(&alarm, &WakeAlarm::fired);
 
         alarm.arm(QDateTime::currentDateTime().addSecs(-5));
-        QCOMPARE(fired.count(), 0);
+        QCOMPARE(fired.count(), 0); // a time past fires once control is back in the loop
         QTRY_COMPARE_WITH_TIMEOUT(fired.count(), 1, 2000);
         QVERIFY(!alarm.isArmed());
 
@@ -123,13 +117,10 @@ private Q_SLOTS:
         QTest::qWait(700);
         QCOMPARE(fired.count(), 1);
 
-        QElapsedTimer clock;
-        clock.start();
         const QDateTime target = QDateTime::currentDateTime().addMSecs(800);
         alarm.arm(target);
         QTRY_COMPARE_WITH_TIMEOUT(fired.count(), 2, 5000);
         QVERIFY(QDateTime::currentDateTime() >= target);
-        QVERIFY(clock.elapsed() >= 700);
     }
 };
 

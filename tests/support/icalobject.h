@@ -1,7 +1,6 @@
 #pragma once
 
-// Test helper: the fields of one iCalendar object as libical itself reads them, so tests check what a calendar program
-// would see.
+// The fields of one iCalendar object as libical reads them: what a calendar program would see.
 
 #include <QDate>
 #include <QDateTime>

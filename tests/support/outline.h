@@ -1,13 +1,13 @@
 #pragma once
 
-// Test helpers: a note tree written as an indented outline, two spaces a level, each line "name" or "name | field=value
-// ...". Fields: cat, pri, due and made (the creation date; YYYY-MM-DD or YYYY-MM-DDTHH:MM), prog, st (status type),
-// col, sort, desc (descending), auto, italic, noicon, exp (expanded), note (plain text, '_' for spaces), rem (YYYY-MM-
-// DDTHH:MM, a pending reminder: seconds field 1), rem0 (the same, dismissed: seconds 0).
+// Test helpers: a note tree as an indented outline, two spaces a level, each line "name" or "name | field=value ...".
+// Fields: cat, pri, due and made (creation; YYYY-MM-DD[THH:MM]), prog, st (status type), col, sort, desc, auto, italic,
+// noicon, exp (expanded), note ('_' for spaces), rem and rem0 (a reminder, pending or dismissed: seconds field 1 or 0).
 
 #include "model/document.h"
 #include "model/treewalker.h"
 #include "notes/notetext.h"
+#include "views/viewrows.h"
 
 #include <QDateTime>
 #include <QRegularExpression>
@@ -24,6 +24,14 @@ inline SystemTime date(const QString &text, int seconds = 0)
     if (!time.isValid())
         time = QDateTime(QDate::fromString(text, Qt::ISODate), QTime(0, 0));
     return SystemTime::fromDateTime(time.addSecs(seconds));
+}
+
+/// A time written "YYYY-MM-DD HH:MM:SS", with ".ZZZ" milliseconds or not.
+inline QDateTime at(const char *text)
+{
+    const QString time = QString::fromLatin1(text);
+    return QDateTime::fromString(time, time.size() > 19 ? QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")
+                                                        : QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 inline void setFields(Item *item, const QString &fields)
@@ -117,6 +125,15 @@ struct Doc : Document {
     explicit Doc(const char *outline) { build(root(), outline); }
     Item *operator[](const char *name) const { return find(root(), QString::fromUtf8(name)); }
 };
+
+/// The rows of a view, each indented two spaces a level.
+inline QStringList rowTexts(const ViewRows &rows)
+{
+    QStringList out;
+    for (int i = 0; i < rows.count(); ++i)
+        out.append(QString(rows.row(i).level * 2, QLatin1Char(' ')) + rows.text(i));
+    return out;
+}
 
 inline QStringList names(std::span<Item *const> items)
 {

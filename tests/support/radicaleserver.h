@@ -62,13 +62,7 @@ public:
             }
             QThread::msleep(50);
         }
-        return makeCalendar(QStringLiteral("tasks"), error);
-    }
-
-    /// A new calendar of alice's, made as a CalDAV client makes one.
-    bool makeCalendar(const QString &name, QString *error)
-    {
-        const int status = request("MKCALENDAR", calendarUrl(name), QByteArray());
+        const int status = request("MKCALENDAR", calendarUrl(), QByteArray()); // as a CalDAV client makes one
         *error = QStringLiteral("MKCALENDAR answered %1").arg(status);
         return status == 201;
     }
@@ -79,10 +73,7 @@ public:
         m_process.waitForFinished(5000);
     }
 
-    QUrl calendarUrl(const QString &name = QStringLiteral("tasks")) const
-    {
-        return QUrl(QStringLiteral("http://127.0.0.1:%1/alice/%2/").arg(m_port).arg(name));
-    }
+    QUrl calendarUrl() const { return QUrl(QStringLiteral("http://127.0.0.1:%1/alice/tasks/").arg(m_port)); }
 
     /// A request as another CalDAV client would send it, as alice; the HTTP status.
     int request(const QByteArray &verb, const QUrl &target, const QByteArray &body,

@@ -1,7 +1,6 @@
 #pragma once
 
-// A seeded random note tree for tests that compare the views and queries with a plain reading of their rules: few
-// distinct values per field, so groups, ties and matches are common.
+// A seeded random note tree with few distinct values per field, so that groups, ties and matches are common.
 
 #include "model/document.h"
 #include "notes/notetext.h"

@@ -1,22 +1,14 @@
 #include "support/outline.h"
 
 #include "platform/collation.h"
-#include "views/viewrows.h"
 #include "views/visibilityfilter.h"
 
 #include <QTest>
 
+using Outline::rowTexts;
+
 class TestFilters : public QObject {
     Q_OBJECT
-
-private:
-    static QStringList rowTexts(const ViewRows &rows)
-    {
-        QStringList out;
-        for (int i = 0; i < rows.count(); ++i)
-            out.append(QString(rows.row(i).level * 2, QLatin1Char(' ')) + rows.text(i));
-        return out;
-    }
 
 private Q_SLOTS:
     void initTestCase() { Collation::instance().setLocale(QLocale(QLocale::English, QLocale::UnitedStates)); }

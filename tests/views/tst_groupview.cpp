@@ -4,10 +4,11 @@
 #include "model/editing.h"
 #include "platform/collation.h"
 #include "views/groupview.h"
-#include "views/viewrows.h"
 
 #include <QLocale>
 #include <QTest>
+
+using Outline::rowTexts;
 
 class TestGroupView : public QObject {
     Q_OBJECT
@@ -19,14 +20,6 @@ private:
         for (const GroupHeading *heading : view.headings())
             out.append(heading->text() + QStringLiteral(": ") +
                        Outline::names(heading->items()).join(QStringLiteral(", ")));
-        return out;
-    }
-
-    static QStringList rowTexts(const ViewRows &rows)
-    {
-        QStringList out;
-        for (int i = 0; i < rows.count(); ++i)
-            out.append(QString(rows.row(i).level * 2, QLatin1Char(' ')) + rows.text(i));
         return out;
     }
 
