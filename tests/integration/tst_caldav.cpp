@@ -7,15 +7,6 @@
 
 #include <QTest>
 
-namespace {
-
-QString message(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
-} // namespace
-
 // Against a real CalDAV server: Radicale on the loopback address.
 class TestCalDav : public QObject {
     Q_OBJECT
@@ -44,7 +35,7 @@ private Q_SLOTS:
         Item item(QStringLiteral("Once"));
         CalDavCalendar wrongPassword = store(QStringLiteral("guess"));
         QVERIFY(!wrongPassword.createTask(item, 0, &error));
-        QCOMPARE(error, message(Messages::CalendarAuthFailed).arg(QStringLiteral("127.0.0.1")));
+        QCOMPARE(error, QString::fromUtf8(Messages::CalendarAuthFailed).arg(QStringLiteral("127.0.0.1")));
 
         CalDavCalendar calendar = store();
         QVERIFY2(calendar.connect(&error), qPrintable(error)); // the server's own answer names a calendar
@@ -69,15 +60,15 @@ private Q_SLOTS:
         QVERIFY2(calendar.addObject(QStringLiteral("twice"), ics, &error), qPrintable(error));
         QCOMPARE(m_server.storedObjects().size(), 5);
         QVERIFY(!calendar.addObject(QStringLiteral("twice"), ics, &error));
-        QCOMPARE(error, message(Messages::CalendarObjectExists).arg(calendar.location()));
+        QCOMPARE(error, QString::fromUtf8(Messages::CalendarObjectExists).arg(calendar.location()));
 
         CalDavCalendar unencrypted(QUrl(QStringLiteral("http://192.0.2.1/cal/")), {}, {});
         QVERIFY(!unencrypted.connect(&error));
-        QCOMPARE(error, message(Messages::CalendarHttpsRequired).arg(unencrypted.location()));
+        QCOMPARE(error, QString::fromUtf8(Messages::CalendarHttpsRequired).arg(unencrypted.location()));
         for (const char *address : {"https:///cal/", "ftp://example.org/cal/"}) {
             CalDavCalendar bad(QUrl(QString::fromLatin1(address)), {}, {});
             QVERIFY(!bad.connect(&error));
-            QCOMPARE(error, message(Messages::CalendarBadAddress).arg(bad.location()));
+            QCOMPARE(error, QString::fromUtf8(Messages::CalendarBadAddress).arg(bad.location()));
         }
     }
 
@@ -87,10 +78,9 @@ private Q_SLOTS:
         CalDavCalendar calendar = store();
         QString error;
         QVERIFY(!calendar.connect(&error));
-        QVERIFY2(error.startsWith(message(Messages::CalendarNoConnection).arg(calendar.location(), QString())),
-                 qPrintable(error));
-        Item item(QStringLiteral("Lost"));
-        QVERIFY(!calendar.createTask(item, 0, &error));
+        QVERIFY2(
+            error.startsWith(QString::fromUtf8(Messages::CalendarNoConnection).arg(calendar.location(), QString())),
+            qPrintable(error));
     }
 };
 

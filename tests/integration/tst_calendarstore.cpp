@@ -42,13 +42,6 @@ struct MemoryStore : CalendarStore {
     }
 };
 
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
 // Answers every request with one scripted HTTP response, or never when the response is empty.
 struct ScriptedHttp : QTcpServer {
     explicit ScriptedHttp(const QByteArray &response)
@@ -96,8 +89,6 @@ private Q_SLOTS:
         Clock::setFixed(QDateTime(QDate(2026, 11, 24), QTime(10, 20, 30), Qt::UTC));
         Collation::instance().setLocale(QLocale(QStringLiteral("en_US")));
     }
-
-    void cleanupTestCase() { Clock::reset(); }
 
     void objectBytes()
     {
@@ -161,8 +152,7 @@ private Q_SLOTS:
             Outline::Doc document("Parent\n  A\n    A1\n  B\n  C\nLeaf\n");
             MemoryStore store;
             store.refuseAt = c.refuseAt;
-            const CalendarStore::CreateResult result = store.createFor(
-                *Outline::find(document.root(), QLatin1String(c.item)), 0, CalendarObject::Task, c.eachChild);
+            const auto result = store.createFor(*document[c.item], 0, CalendarObject::Task, c.eachChild);
             QStringList created;
             for (const QByteArray &ics : store.added)
                 created.append(IcalObject::parse(ics).summary);
@@ -180,13 +170,17 @@ private Q_SLOTS:
             return QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:") + component +
                    "\r\nUID:x\r\nDTSTAMP:20240101T000000Z\r\n" + lines + "END:" + component + "\r\nEND:VCALENDAR\r\n";
         };
-        writeFile(dir.filePath(QStringLiteral("a.ics")), object("VTODO", "CATEGORIES:Work,Errands\r\n"));
-        writeFile(dir.filePath(QStringLiteral("b.ics")),
-                  object("VEVENT", "DTSTART;VALUE=DATE:20240101\r\nCATEGORIES:home\r\nCATEGORIES:Work\r\n"));
-        writeFile(dir.filePath(QStringLiteral("c.ics")), object("VJOURNAL", "CATEGORIES:Journal\r\n"));
-        writeFile(dir.filePath(QStringLiteral("d.ics")), "not a calendar at all");
-        writeFile(dir.filePath(QStringLiteral("bare.ics")), "BEGIN:VTODO\r\nUID:f\r\nCATEGORIES:Bare\r\nEND:VTODO\r\n");
-        writeFile(dir.filePath(QStringLiteral("e.txt")), object("VTODO", "CATEGORIES:Elsewhere\r\n"));
+        const std::pair<const char *, QByteArray> written[] = {
+            {"a.ics", object("VTODO", "CATEGORIES:Work,Errands\r\n")},
+            {"b.ics", object("VEVENT", "DTSTART;VALUE=DATE:20240101\r\nCATEGORIES:home\r\nCATEGORIES:Work\r\n")},
+            {"c.ics", object("VJOURNAL", "CATEGORIES:Journal\r\n")},
+            {"d.ics", "not a calendar at all"},
+            {"bare.ics", "BEGIN:VTODO\r\nUID:f\r\nCATEGORIES:Bare\r\nEND:VTODO\r\n"},
+            {"e.txt", object("VTODO", "CATEGORIES:Elsewhere\r\n")}};
+        for (const auto &[name, bytes] : written) {
+            QFile file(dir.filePath(QLatin1String(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        }
         QStringList categories;
         QString error;
         QVERIFY(FolderCalendar(dir.path()).categories(&categories, &error));
@@ -201,9 +195,8 @@ private Q_SLOTS:
 
         // A new folder is made, and each object written to a file named by its new uid, stamped now.
         FolderCalendar store(dir.filePath(QStringLiteral("cal")));
-        QVERIFY(store.connect(&error));
-        QVERIFY(store.create(Item(QStringLiteral("a")), 0, CalendarObject::Task, &error));
-        QVERIFY(store.create(Item(QStringLiteral("a")), 0, CalendarObject::Task, &error));
+        const Item item(QStringLiteral("a"));
+        QVERIFY(store.connect(&error) && store.createTask(item, 0, &error) && store.createTask(item, 0, &error));
         const QDir folder(store.location());
         const QStringList files = folder.entryList({QStringLiteral("*.ics")}, QDir::Files);
         QCOMPARE(files.size(), 2);

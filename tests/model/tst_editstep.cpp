@@ -171,16 +171,6 @@ private Q_SLOTS:
         rare.redo();
         QCOMPARE(at(4)->dueDate().minute, quint16(70));
 
-        // Built outside, then put in: only the putting in is noted.
-        EditStep insert(doc);
-        QVERIFY(recorded(insert, [&] {
-            auto *built = new Item(QStringLiteral("built"));
-            built->appendChild(new Item(QStringLiteral("inner")));
-            built->child(0)->setPriority(2);
-            doc.root()->appendChild(built);
-        }));
-        QCOMPARE(insert.keptPlaces() + insert.keptFields(), size_t(1));
-
         EditStep same(doc);
         QVERIFY(!recorded(same, [&] {
             at(0)->setPriority(7);

@@ -1,5 +1,4 @@
-// How an Item keeps its fields small: packed dates with a whole fallback, categories as numbers into one pool, and the
-// tree freed behind the caller's back.
+// How an Item keeps its fields small: packed dates, categories as numbers into one pool, lasting texts.
 #include "model/document.h"
 #include "model/item.h"
 #include "model/lastingtext.h"

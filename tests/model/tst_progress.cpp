@@ -14,8 +14,7 @@ private Q_SLOTS:
             {"a | prog=100\nb | prog=100\nc", 66}, {"", 0}, {"a | prog=99", 99}, {"a | prog=1\nb", 0}};
         for (const auto &[children, mean] : cases) {
             Item parent;
-            parent.storeProgress(55);
-            parent.setAutoProgress(true);
+            Outline::setFields(&parent, "prog=55 auto");
             Outline::build(&parent, children);
             Progress::rollUp(&parent);
             QCOMPARE(int(parent.progress()), mean);

@@ -16,9 +16,9 @@ struct Fixture : Outline::Doc {
 
 QString describe(const ReminderManager::Wake &wake)
 {
-    if (wake.kind == ReminderManager::Wake::At)
-        return wake.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    return wake.kind == ReminderManager::Wake::Now ? QStringLiteral("now") : QStringLiteral("none");
+    return wake.kind == ReminderManager::Wake::At    ? wake.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))
+           : wake.kind == ReminderManager::Wake::Now ? QStringLiteral("now")
+                                                     : QStringLiteral("none");
 }
 
 QString describe(const std::vector<ReminderTimeline::Bubble> &bubbles)
@@ -98,8 +98,7 @@ private Q_SLOTS:
     void editsJoinAtTheEnd()
     {
         Fixture f("a | rem=2024-03-05T10:00\nb\nc | rem=2024-03-05T11:00\n");
-        Item *a = f["a"];
-        Item *b = f["b"];
+        Item *a = f["a"], *b = f["b"];
         a->setReminderTime(a->reminderTime());
         QVERIFY(!f.manager.itemChanged(a));
         b->setReminderTime(ReminderManager::pendingAt(at("2024-03-05 09:00:42")));
@@ -140,8 +139,7 @@ private Q_SLOTS:
         QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"c"}));
         QCOMPARE(describe(f.manager.reschedule(at("2024-03-05 09:30:00"))), QStringLiteral("2024-03-05 11:00:01"));
         QCOMPARE(Outline::names(f.manager.checkDue(at("2024-03-05 12:00:00"))), QStringList({"c"}));
-        QVERIFY(f.manager.purge());
-        QVERIFY(!f.manager.purge());
+        QVERIFY(f.manager.purge() && !f.manager.purge());
 
         Fixture g("x | rem=2024-03-05T10:00\n");
         std::unique_ptr<Item> taken(g.root()->takeChild(0));
@@ -162,7 +160,6 @@ private Q_SLOTS:
             // b is last in the list, so a (an hour earlier) waits for it; c comes after both and gets its own bubble.
             {"a | rem=2024-03-01T10:00\nc | rem=2024-03-01T13:00\nb | rem=2024-03-01T11:00", "2024-03-02 00:00:00",
              "03-01 11:00 a,b; 03-01 13:00 c"},
-            {"a | rem=2024-02-01T10:00\nb | rem=2024-03-01T11:00", "2024-03-02 00:00:00", "03-01 11:00 a,b"},
             {"a | rem=2024-03-01T10:00\nb | rem=2024-03-01T09:30", "2024-04-30 00:00:00",
              "03-01 09:30 b; 03-01 10:00 a"},
         };

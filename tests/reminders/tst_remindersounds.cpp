@@ -12,9 +12,11 @@ private Q_SLOTS:
     {
         QVERIFY(m_dir.isValid());
         m_folders = {m_dir.filePath(QStringLiteral("system")), m_dir.filePath(QStringLiteral("user"))};
-        for (const char *file :
-             {"system/alarms/Alarm1.wav", "system/bell.wav", "system/bell.oga", "user/Chime.wav", "user/(None).wav"})
-            touch(m_dir.filePath(QLatin1String(file)));
+        for (const char *name :
+             {"system/alarms/Alarm1.wav", "system/bell.wav", "system/bell.oga", "user/Chime.wav", "user/(None).wav"}) {
+            QFile file(m_dir.filePath(QLatin1String(name)));
+            QVERIFY(QDir().mkpath(QFileInfo(file).absolutePath()) && file.open(QIODevice::WriteOnly));
+        }
         // The same sound reached twice, through a link to its folder, is offered once.
         QVERIFY(QFile::link(m_dir.filePath(QStringLiteral("system/alarms")),
                             m_dir.filePath(QStringLiteral("user/alarms"))));
@@ -52,13 +54,6 @@ private Q_SLOTS:
     }
 
 private:
-    void touch(const QString &path)
-    {
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-    }
-
     QTemporaryDir m_dir;
     QStringList m_folders;
 };

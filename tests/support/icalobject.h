@@ -41,16 +41,15 @@ struct IcalObject {
             for (icalproperty *p = icalcomponent_get_first_property(component, ICAL_CATEGORIES_PROPERTY); p;
                  p = icalcomponent_get_next_property(component, ICAL_CATEGORIES_PROPERTY))
                 object.categories.append(QString::fromUtf8(icalproperty_get_categories(p)));
-            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DUE_PROPERTY)) {
-                const icaltimetype t = icalproperty_get_due(p);
-                object.due = QDate(t.year, t.month, t.day);
-                object.dueIsDate = t.is_date;
-            }
-            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DTSTART_PROPERTY)) {
-                const icaltimetype t = icalproperty_get_dtstart(p);
-                object.start = QDate(t.year, t.month, t.day);
-                object.startIsDate = t.is_date;
-            }
+            const auto date = [component](icalproperty_kind kind, icaltimetype (*get)(const icalproperty *),
+                                          QDate *date, bool *isDate) {
+                if (icalproperty *p = icalcomponent_get_first_property(component, kind)) {
+                    *date = QDate(get(p).year, get(p).month, get(p).day);
+                    *isDate = get(p).is_date;
+                }
+            };
+            date(ICAL_DUE_PROPERTY, icalproperty_get_due, &object.due, &object.dueIsDate);
+            date(ICAL_DTSTART_PROPERTY, icalproperty_get_dtstart, &object.start, &object.startIsDate);
             if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DTSTAMP_PROPERTY)) {
                 const icaltimetype t = icalproperty_get_dtstamp(p);
                 object.stamp = QDateTime(QDate(t.year, t.month, t.day), QTime(t.hour, t.minute, t.second),

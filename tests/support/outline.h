@@ -69,9 +69,7 @@ inline void build(TreeNode *root, const char *outline)
     std::vector<Item *> expand;
     const QStringList lines = QString::fromUtf8(outline).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString &line : lines) {
-        qsizetype spaces = 0;
-        while (spaces < line.size() && line[spaces] == QLatin1Char(' '))
-            ++spaces;
+        const qsizetype spaces = line.indexOf(QRegularExpression(QStringLiteral("[^ ]")));
         const size_t level = size_t(spaces / 2) + 1;
         if (level > parents.size())
             qFatal("outline skips a level: %s", qPrintable(line));

@@ -4,7 +4,6 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
-#include <QHostAddress>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QProcess>
@@ -13,11 +12,9 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QThread>
-#include <QUrl>
 
-/// A Radicale CalDAV server for one test: 127.0.0.1 on a free port, a
-/// temporary storage folder, one user "alice" with the password "secret" and
-/// her calendar "tasks". Stopped when destroyed.
+/// A Radicale CalDAV server for one test: 127.0.0.1 on a free port, a temporary storage folder, one user "alice" with
+/// the password "secret" and her calendar "tasks". Stopped when destroyed.
 class RadicaleServer {
 public:
     static constexpr const char *User = "alice";
@@ -38,15 +35,13 @@ public:
         const QString config = m_dir.filePath(QStringLiteral("config"));
         const QString log = m_dir.filePath(QStringLiteral("log"));
         writeFile(users, QStringLiteral("%1:%2\n").arg(QLatin1String(User), QLatin1String(Password)).toUtf8());
-        writeFile(config, QStringLiteral("[server]\nhosts = 127.0.0.1:%1\n"
-                                         "[auth]\ntype = htpasswd\nhtpasswd_filename = %2\n"
-                                         "htpasswd_encryption = plain\ndelay = 0\n"
-                                         "[storage]\nfilesystem_folder = %3\n"
-                                         "[rights]\ntype = owner_only\n[web]\ntype = none\n"
-                                         "[logging]\nlevel = warning\n")
-                              .arg(m_port)
-                              .arg(users, storage())
-                              .toUtf8());
+        writeFile(config,
+                  QStringLiteral("[server]\nhosts = 127.0.0.1:%1\n[auth]\ntype = htpasswd\nhtpasswd_filename = %2\n"
+                                 "htpasswd_encryption = plain\ndelay = 0\n[storage]\nfilesystem_folder = %3\n"
+                                 "[rights]\ntype = owner_only\n[web]\ntype = none\n[logging]\nlevel = warning\n")
+                      .arg(m_port)
+                      .arg(users, storage())
+                      .toUtf8());
         // Its log goes to a file: a pipe nobody reads could fill and stall it.
         m_process.setProcessChannelMode(QProcess::MergedChannels);
         m_process.setStandardOutputFile(log);

@@ -44,10 +44,10 @@ private Q_SLOTS:
                                            "other" + untouched}));
             ApplyAttributes::apply(document.root(), AttributeSet{}); // an empty set changes nothing
             QCOMPARE(snapshot(document.root()), applied);
-            QVERIFY(ApplyAttributes::isAvailable(p, 0));
-            QVERIFY(!ApplyAttributes::isAvailable(p, 1)); // not in a grouped view
-            QVERIFY(!ApplyAttributes::isAvailable(document["gg"], 0));
-            QVERIFY(!ApplyAttributes::isAvailable(document.root(), 0));
+            // Not in a grouped view, nor for an item without children or the root.
+            QVERIFY(ApplyAttributes::isAvailable(p, 0) && !ApplyAttributes::isAvailable(p, 1) &&
+                    !ApplyAttributes::isAvailable(document["gg"], 0) &&
+                    !ApplyAttributes::isAvailable(document.root(), 0));
         }
     }
 
@@ -55,9 +55,7 @@ private Q_SLOTS:
     {
         Outline::Doc document("P\n  wasAuto | auto prog=100\n    x | prog=100\n    y | prog=100\n"
                               "  wasManual | prog=5\n    u | prog=0\n    v | prog=100");
-        Item *p = document["P"];
-        Item *wasAuto = document["wasAuto"];
-        Item *wasManual = document["wasManual"];
+        Item *p = document["P"], *wasAuto = document["wasAuto"], *wasManual = document["wasManual"];
 
         const auto apply = [&](quint32 flags, quint16 progress, bool automatic) {
             ApplyAttributes::apply(

@@ -6,8 +6,7 @@
 
 #include <QTest>
 
-// The order inside a group must be exactly the model's child order, ties, undated items and the descending date rules
-// included.
+// The order inside a group is exactly the child order, ties and the descending date rules included.
 class TestGroupOrder : public QObject {
     Q_OBJECT
 
