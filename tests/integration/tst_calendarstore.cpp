@@ -4,7 +4,6 @@
 #include "integration/caldavcalendar.h"
 #include "integration/calendarobject.h"
 #include "integration/foldercalendar.h"
-#include "notes/notetext.h"
 #include "platform/clock.h"
 #include "platform/collation.h"
 #include "platform/messages.h"
@@ -19,14 +18,10 @@
 namespace {
 
 // A store that keeps what it is given in memory and refuses chosen objects.
-class MemoryStore : public CalendarStore {
-public:
-    QList<QByteArray> added;
-    int refuseAt = -1; // the n-th addObject call (0-based) that fails
-    int calls = 0;
-    int fetches = 0;
+struct MemoryStore : CalendarStore {
+    QList<QByteArray> added, stored;
+    int refuseAt = -1, calls = 0, fetches = 0; // refuseAt: the addObject call, counted from 0, that fails
     bool reachable = true;
-    QList<QByteArray> stored;
 
     QString location() const override { return QStringLiteral("memory"); }
     bool connect(QString *) override { return reachable; }
@@ -39,61 +34,36 @@ public:
         added.append(ics);
         return true;
     }
-    bool fetchObjects(QList<QByteArray> *objects, QString *error) override
+    bool fetchObjects(QList<QByteArray> *objects, QString *) override
     {
         ++fetches;
-        if (!reachable) {
-            *error = QStringLiteral("gone");
-            return false;
-        }
-        *objects = stored;
-        return true;
+        *objects = reachable ? stored : QList<QByteArray>();
+        return reachable;
     }
 };
 
-QStringList summaries(const QList<QByteArray> &objects)
-{
-    QStringList out;
-    for (const QByteArray &ics : objects)
-        out.append(IcalObject::parse(ics).summary);
-    return out;
-}
-
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-// Answers every connection with one scripted HTTP response, or never
-// answers when the response is empty.
-class ScriptedHttp : public QObject {
-public:
-    explicit ScriptedHttp(const QByteArray &response) : m_response(response)
+// Answers every request with one scripted HTTP response, or never when the response is empty.
+struct ScriptedHttp : QTcpServer {
+    explicit ScriptedHttp(const QByteArray &response)
     {
-        m_server.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&m_server, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket *socket = m_server.nextPendingConnection()) {
-                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                    m_request += socket->readAll();
-                    if (!m_response.isEmpty() && m_request.contains("\r\n\r\n")) {
-                        socket->write(m_response);
-                        socket->disconnectFromHost();
-                    }
-                });
+        listen(QHostAddress::LocalHost, 0);
+        QObject::connect(this, &QTcpServer::newConnection, this, [this, response] {
+            while (QTcpSocket *socket = nextPendingConnection()) {
+                QObject::connect(socket, &QTcpSocket::readyRead, socket,
+                                 [socket, response, request = QByteArray()]() mutable {
+                                     request += socket->readAll();
+                                     if (!response.isEmpty() && request.contains("\r\n\r\n")) {
+                                         socket->write(response);
+                                         socket->disconnectFromHost();
+                                     }
+                                 });
             }
         });
     }
     QString url(const char *path) const
     {
-        return QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(QLatin1String(path));
+        return QStringLiteral("http://127.0.0.1:%1%2").arg(serverPort()).arg(QLatin1String(path));
     }
-
-private:
-    QTcpServer m_server;
-    QByteArray m_response;
-    QByteArray m_request;
 };
 
 QByteArray response(const char *statusLine, const QByteArray &extraHeaders = QByteArray(),
@@ -120,8 +90,6 @@ private Q_SLOTS:
         Collation::instance().setLocale(QLocale(QStringLiteral("en_US")));
     }
 
-    void cleanupTestCase() { Clock::reset(); }
-
     void objectBytes()
     {
         Item item(QStringLiteral("Call Ann, today"));
@@ -131,157 +99,114 @@ private Q_SLOTS:
         const QByteArray ics =
             CalendarObject::fromItem(item, Document::PlainText, CalendarObject::Task, QStringLiteral("u1@test"),
                                      QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5), Qt::UTC));
-        QCOMPARE(ics, QByteArray("BEGIN:VCALENDAR\r\n"
-                                 "VERSION:2.0\r\n"
-                                 "PRODID:-//Quillbox//Quillbox " QUILLBOX_VERSION "//EN\r\n"
-                                 "BEGIN:VTODO\r\n"
-                                 "UID:u1@test\r\n"
-                                 "DTSTAMP:20260102T030405Z\r\n"
-                                 "SUMMARY:Call Ann\\, today\r\n"
-                                 "DUE;VALUE=DATE:20240305\r\n"
-                                 "CATEGORIES:Phone calls\r\n"
-                                 "DESCRIPTION:Bring the list\\;\\nand the keys\r\n"
-                                 "END:VTODO\r\n"
-                                 "END:VCALENDAR\r\n"));
+        QCOMPARE(ics, QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Quillbox//Quillbox " QUILLBOX_VERSION
+                                 "//EN\r\nBEGIN:VTODO\r\nUID:u1@test\r\nDTSTAMP:20260102T030405Z\r\n"
+                                 "SUMMARY:Call Ann\\, today\r\nDUE;VALUE=DATE:20240305\r\nCATEGORIES:Phone calls\r\n"
+                                 "DESCRIPTION:Bring the list\\;\\nand the keys\r\nEND:VTODO\r\nEND:VCALENDAR\r\n"));
         item.setDueDate({2024, 2, 0, 30, 0, 0, 0, 0}); // a date the calendar cannot hold is left out
         QVERIFY(!CalendarObject::fromItem(item, 0, CalendarObject::Task, QStringLiteral("u2"), {}).contains("DUE"));
     }
 
-    void mapping_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<int>("noteType");
-        QTest::addColumn<QString>("due");
-        QTest::addColumn<QString>("category");
-        QTest::addColumn<QString>("note");
-
-        const auto row = [](const char *tag, CalendarObject::Kind kind, int noteType, const char *due,
-                            const char *category, const char *note) {
-            QTest::newRow(tag) << int(kind) << noteType << QString::fromUtf8(due) << QString::fromUtf8(category)
-                               << QString::fromUtf8(note);
-        };
-        row("appointment with everything", CalendarObject::Appointment, 0, "2024-12-31T23:59", "Büro später", "x");
-        row("task without date, category or note", CalendarObject::Task, 0, "", "", "");
-        row("appointment without date", CalendarObject::Appointment, 0, "", "", "");
-        row("rich text note", CalendarObject::Appointment, 2, "", "", "Bold\nplain");
-        row("rich ink note", CalendarObject::Task, 1, "", "", "ink\ntext");
-    }
-
     void mapping()
     {
-        QFETCH(int, kind);
-        QFETCH(int, noteType);
-        QFETCH(QString, due);
-        QFETCH(QString, category);
-        QFETCH(QString, note);
-
-        QTemporaryDir dir;
-        FolderCalendar store(dir.filePath(QStringLiteral("cal")));
-        QString error;
-        QVERIFY(store.connect(&error));
-        Item item(QStringLiteral("Ünïcode name"));
-        if (!due.isEmpty())
-            item.setDueDate(Outline::date(due));
-        item.setCategory(category);
-        item.setNote(NoteText::fromText(note, quint16(noteType)));
-        for (int i = 0; i < 2; ++i)
-            QVERIFY2(store.create(item, quint16(noteType), CalendarObject::Kind(kind), &error), qPrintable(error));
-
-        const QStringList files = QDir(store.location()).entryList({QStringLiteral("*.ics")}, QDir::Files);
-        QCOMPARE(files.size(), 2);
-        QStringList uids;
-        for (const QString &name : files) {
-            QFile file(QDir(store.location()).filePath(name));
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            const QByteArray ics = file.readAll();
-            const IcalObject object = IcalObject::parse(ics);
-            QVERIFY(object.valid);
-            QCOMPARE(object.kind, kind == CalendarObject::Task ? QStringLiteral("VTODO") : QStringLiteral("VEVENT"));
-            QCOMPARE(object.prodId, CalendarObject::productId());
-            QCOMPARE(name, object.uid + QLatin1String(".ics"));
-            uids.append(object.uid);
-            QCOMPARE(object.stamp, Clock::now().toUTC());
+        const struct {
+            CalendarObject::Kind kind;
+            int noteType;
+            const char *due, *category, *note;
+        } cases[] = {{CalendarObject::Appointment, 0, "2024-12-31T23:59", "Büro später", "x"},
+                     {CalendarObject::Task, 0, "", "", ""},
+                     {CalendarObject::Appointment, 0, "", "", ""},
+                     {CalendarObject::Appointment, 2, "", "", "Bold\nplain"}, // rich text
+                     {CalendarObject::Task, 1, "", "", "ink\ntext"}};         // rich ink: the note attached too
+        for (const auto &c : cases) {
+            Item item(QStringLiteral("Ünïcode name"));
+            Outline::setFields(&item, *c.due ? QStringLiteral("due=") + QLatin1String(c.due) : QString());
+            item.setCategory(QString::fromUtf8(c.category));
+            item.setNote(NoteText::fromText(QString::fromUtf8(c.note), quint16(c.noteType)));
+            const IcalObject object =
+                IcalObject::parse(CalendarObject::fromItem(item, quint16(c.noteType), c.kind, "u", Clock::now()));
+            const bool task = c.kind == CalendarObject::Task;
+            QCOMPARE(object.kind, task ? QStringLiteral("VTODO") : QStringLiteral("VEVENT"));
             QCOMPARE(object.summary, item.name());
-            const QDate date = due.isEmpty() ? QDate() : Outline::date(due).toDate();
-            QCOMPARE(kind == CalendarObject::Task ? object.due : object.start, date);
-            QCOMPARE(kind == CalendarObject::Task ? object.dueIsDate : object.startIsDate, !due.isEmpty());
-            QVERIFY(!(kind == CalendarObject::Task ? object.start : object.due).isValid());
-            QCOMPARE(object.categories, category.isEmpty() ? QStringList() : QStringList{category});
-            QCOMPARE(object.description, note);
-            if (noteType == Document::RichInk) {
-                QCOMPARE(object.attachment, item.note());
-                QCOMPARE(object.attachmentEncoding, QStringLiteral("BASE64"));
-                QVERIFY(ics.contains(";VALUE=BINARY"));
-            } else {
-                QVERIFY(object.attachment.isEmpty());
-            }
+            QCOMPARE(task ? object.due : object.start, item.hasDueDate() ? item.dueDate().toDate() : QDate());
+            QCOMPARE(task ? object.dueIsDate : object.startIsDate, item.hasDueDate());
+            QCOMPARE(object.categories, *c.category ? QStringList{item.category()} : QStringList());
+            QCOMPARE(object.description, QString::fromUtf8(c.note));
+            QCOMPARE(object.attachment, c.noteType == Document::RichInk ? item.note() : QByteArray());
         }
-        QVERIFY(uids[0] != uids[1]);
-    }
-
-    void eachChildRule_data()
-    {
-        QTest::addColumn<QString>("item");
-        QTest::addColumn<bool>("eachChild");
-        QTest::addColumn<int>("refuseAt");
-        QTest::addColumn<QStringList>("created");
-
-        QTest::newRow("yes: each direct child, in order") << "Parent" << true << -1 << QStringList{"A", "B", "C"};
-        QTest::newRow("no: the item alone") << "Parent" << false << -1 << QStringList{"Parent"};
-        QTest::newRow("no children: the item") << "Leaf" << true << -1 << QStringList{"Leaf"};
-        QTest::newRow("a refused object is skipped") << "Parent" << true << 1 << QStringList{"A", "C"};
-        QTest::newRow("the item refused") << "Leaf" << false << 0 << QStringList{};
     }
 
     void eachChildRule()
     {
-        QFETCH(QString, item);
-        QFETCH(bool, eachChild);
-        QFETCH(int, refuseAt);
-        QFETCH(QStringList, created);
-
-        Document document;
-        Outline::build(document.root(), "Parent\n  A\n    A1\n  B\n  C\nLeaf\n");
-        MemoryStore store;
-        store.refuseAt = refuseAt;
-        const CalendarStore::CreateResult result =
-            store.createFor(*Outline::find(document.root(), item), 0, CalendarObject::Task, eachChild);
-        QCOMPARE(summaries(store.added), created);
-        QCOMPARE(result.created, int(created.size()));
-        QCOMPARE(result.errors, refuseAt < 0 ? QStringList() : QStringList{QStringLiteral("refused")});
-        QCOMPARE(result.allCreated(), refuseAt < 0);
+        const struct {
+            const char *item;
+            bool eachChild;
+            int refuseAt;
+            QStringList created;
+        } cases[] = {{"Parent", true, -1, {"A", "B", "C"}}, // each direct child, in order
+                     {"Parent", false, -1, {"Parent"}},
+                     {"Leaf", true, -1, {"Leaf"}},    // no children: the item
+                     {"Parent", true, 1, {"A", "C"}}, // a refused object is skipped
+                     {"Leaf", false, 0, {}}};
+        for (const auto &c : cases) {
+            Outline::Doc document("Parent\n  A\n    A1\n  B\n  C\nLeaf\n");
+            MemoryStore store;
+            store.refuseAt = c.refuseAt;
+            const auto result = store.createFor(*document[c.item], 0, CalendarObject::Task, c.eachChild);
+            QStringList created;
+            for (const QByteArray &ics : store.added)
+                created.append(IcalObject::parse(ics).summary);
+            QCOMPARE(created, c.created);
+            QCOMPARE(result.created, int(c.created.size()));
+            QCOMPARE(result.errors, c.refuseAt < 0 ? QStringList() : QStringList{QStringLiteral("refused")});
+            QCOMPARE(result.allCreated(), c.refuseAt < 0);
+        }
     }
 
-    void storeCategories()
+    void folderStore()
     {
         QTemporaryDir dir;
-        writeFile(dir.filePath(QStringLiteral("a.ics")),
-                  "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:VTODO\r\nUID:a\r\n"
-                  "DTSTAMP:20240101T000000Z\r\nCATEGORIES:Work,Errands\r\nEND:VTODO\r\nEND:VCALENDAR\r\n");
-        writeFile(dir.filePath(QStringLiteral("b.ics")),
-                  "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:VEVENT\r\nUID:b\r\n"
-                  "DTSTAMP:20240101T000000Z\r\nDTSTART;VALUE=DATE:20240101\r\nCATEGORIES:home\r\n"
-                  "CATEGORIES:Work\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
-        writeFile(dir.filePath(QStringLiteral("c.ics")),
-                  "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:VJOURNAL\r\nUID:c\r\n"
-                  "DTSTAMP:20240101T000000Z\r\nCATEGORIES:Journal\r\nEND:VJOURNAL\r\nEND:VCALENDAR\r\n");
-        writeFile(dir.filePath(QStringLiteral("d.ics")), "not a calendar at all");
-        writeFile(dir.filePath(QStringLiteral("bare.ics")), "BEGIN:VTODO\r\nUID:f\r\nCATEGORIES:Bare\r\nEND:VTODO\r\n");
-        writeFile(dir.filePath(QStringLiteral("e.txt")),
-                  "BEGIN:VCALENDAR\r\nBEGIN:VTODO\r\nUID:e\r\nCATEGORIES:Elsewhere\r\nEND:VTODO\r\nEND:VCALENDAR\r\n");
-
-        FolderCalendar store(dir.path());
+        const auto object = [](const char *component, const char *lines) {
+            return QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\nBEGIN:") + component +
+                   "\r\nUID:x\r\nDTSTAMP:20240101T000000Z\r\n" + lines + "END:" + component + "\r\nEND:VCALENDAR\r\n";
+        };
+        const std::pair<const char *, QByteArray> written[] = {
+            {"a.ics", object("VTODO", "CATEGORIES:Work,Errands\r\n")},
+            {"b.ics", object("VEVENT", "DTSTART;VALUE=DATE:20240101\r\nCATEGORIES:home\r\nCATEGORIES:Work\r\n")},
+            {"c.ics", object("VJOURNAL", "CATEGORIES:Journal\r\n")},
+            {"d.ics", "not a calendar at all"},
+            {"bare.ics", "BEGIN:VTODO\r\nUID:f\r\nCATEGORIES:Bare\r\nEND:VTODO\r\n"},
+            {"e.txt", object("VTODO", "CATEGORIES:Elsewhere\r\n")}};
+        for (const auto &[name, bytes] : written) {
+            QFile file(dir.filePath(QLatin1String(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        }
         QStringList categories;
         QString error;
-        QVERIFY(store.categories(&categories, &error));
+        QVERIFY(FolderCalendar(dir.path()).categories(&categories, &error));
         QCOMPARE(categories, QStringList({"Bare", "Errands", "home", "Work"}));
 
         FolderCalendar missing(dir.filePath(QStringLiteral("none")));
         QVERIFY(!missing.categories(&categories, &error));
         QCOMPARE(error, message(Messages::CalendarFolderMissing).arg(missing.location()));
-        FolderCalendar file(dir.filePath(QStringLiteral("d.ics"))); // a file, not a folder
-        QVERIFY(!file.connect(&error));
-        QCOMPARE(error, message(Messages::CalendarFolderUnusable).arg(dir.filePath(QStringLiteral("d.ics"))));
+        FolderCalendar notAFolder(dir.filePath(QStringLiteral("d.ics")));
+        QVERIFY(!notAFolder.connect(&error));
+        QCOMPARE(error, message(Messages::CalendarFolderUnusable).arg(notAFolder.location()));
+
+        // A new folder is made, and each object written to a file named by its new uid, stamped now.
+        FolderCalendar store(dir.filePath(QStringLiteral("cal")));
+        const Item item(QStringLiteral("a"));
+        QVERIFY(store.connect(&error) && store.createTask(item, 0, &error) && store.createTask(item, 0, &error));
+        const QDir folder(store.location());
+        const QStringList files = folder.entryList({QStringLiteral("*.ics")}, QDir::Files);
+        QCOMPARE(files.size(), 2);
+        for (const QString &name : files) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const IcalObject object = IcalObject::parse(file.readAll());
+            QCOMPARE(name, object.uid + QLatin1String(".ics"));
+            QCOMPARE(object.stamp, Clock::now().toUTC());
+        }
     }
 
     void categoryListAsksTheStoreOnlyWhenOn()
@@ -296,41 +221,39 @@ private Q_SLOTS:
         QCOMPARE(CalendarStore::categoryList(document, true, &store), QStringList({"Work", "Calls", "work"}));
         store.reachable = false;
         QCOMPARE(CalendarStore::categoryList(document, true, &store), QStringList{"Work"});
-        QCOMPARE(CalendarStore::categoryList(document, true, nullptr), QStringList{"Work"});
     }
 
-    void caldavRefusals_data()
+    void caldavAnswers()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<QString>("expected"); // %1 stands for the collection
-
-        QTest::newRow("redirect") << response("301 Moved Permanently", "Location: https://example.org/cal/\r\n")
-                                  << message(Messages::CalendarRedirected).arg("%1", "https://example.org/cal/");
-        QTest::newRow("401") << response("401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\n")
-                             << message(Messages::CalendarAuthFailed).arg("127.0.0.1");
-        QTest::newRow("403") << response("403 Forbidden") << message(Messages::CalendarForbidden);
-        QTest::newRow("404") << response("404 Not Found") << message(Messages::CalendarNotFound);
-        QTest::newRow("500") << response("500 Internal Server Error")
-                             << message(Messages::CalendarServerError).arg(QStringLiteral("%1"), QStringLiteral("500"));
-        QTest::newRow("a plain collection") << response("207 Multi-Status", "Content-Type: application/xml\r\n",
-                        "<?xml version=\"1.0\"?><multistatus xmlns=\"DAV:\"><response><href>/cal/</href><propstat>"
-                        "<prop><resourcetype><collection/></resourcetype></prop><status>HTTP/1.1 200 OK</status>"
-                        "</propstat></response></multistatus>")
-            << message(Messages::CalendarNotACalendar);
-        QTest::newRow("no answer") << QByteArray()
-                                   << message(Messages::CalendarTimeout).arg(QStringLiteral("%1"), QStringLiteral("1"));
-    }
-
-    void caldavRefusals()
-    {
-        QFETCH(QByteArray, answer);
-        QFETCH(QString, expected);
-        ScriptedHttp server(answer);
-        CalDavCalendar store(QUrl(server.url("/cal")), QStringLiteral("alice"), QStringLiteral("secret"));
-        store.setTimeout(400);
-        QString error;
-        QVERIFY(!store.connect(&error));
-        QCOMPARE(error, expected.replace(QLatin1String("%1"), server.url("/cal/")));
+        const auto multistatus = [](const char *resourceType) {
+            return response("207 Multi-Status", "Content-Type: application/xml\r\n",
+                            QByteArray("<?xml version=\"1.0\"?><multistatus xmlns=\"DAV:\" xmlns:C=\"urn:ietf:params:"
+                                       "xml:ns:caldav\"><response><href>/cal/</href><propstat><prop><resourcetype>") +
+                                resourceType +
+                                "</resourcetype></prop><status>HTTP/1.1 200 OK</status></propstat>"
+                                "</response></multistatus>");
+        };
+        // The answer, and the error it gives (%1 for the collection; none for a calendar).
+        const std::pair<QByteArray, QString> cases[] = {
+            {response("301 Moved Permanently", "Location: https://example.org/cal/\r\n"),
+             message(Messages::CalendarRedirected).arg("%1", "https://example.org/cal/")},
+            {response("401 Unauthorized", "WWW-Authenticate: Basic realm=\"x\"\r\n"),
+             message(Messages::CalendarAuthFailed).arg("127.0.0.1")},
+            {response("403 Forbidden"), message(Messages::CalendarForbidden)},
+            {response("404 Not Found"), message(Messages::CalendarNotFound)},
+            {response("500 Internal Server Error"), message(Messages::CalendarServerError).arg("%1", "500")},
+            {multistatus("<collection/>"), message(Messages::CalendarNotACalendar)},
+            {multistatus("<collection/><C:calendar/>"), QString()},
+            {multistatus("</resourcetype><C:calendar/><resourcetype>"), message(Messages::CalendarNotACalendar)},
+            {QByteArray(), message(Messages::CalendarTimeout).arg("%1", "1")}}; // no answer at all
+        for (auto [answer, expected] : cases) {
+            ScriptedHttp server(answer);
+            CalDavCalendar store(QUrl(server.url("/cal")), QStringLiteral("alice"), QStringLiteral("secret"));
+            store.setTimeout(400);
+            QString error;
+            QCOMPARE(store.connect(&error), expected.isEmpty());
+            QCOMPARE(error, expected.replace(QLatin1String("%1"), server.url("/cal/")));
+        }
     }
 };
 

@@ -7,34 +7,18 @@
 #include <QTest>
 
 namespace {
+using Outline::at;
 
-QDateTime at(const char *text)
-{
-    return QDateTime::fromString(QString::fromLatin1(text), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-}
-
-struct Fixture {
-    explicit Fixture(const char *outline)
-    {
-        Outline::build(document.root(), outline);
-        manager.load();
-    }
-    Item *item(const char *name) { return Outline::find(document.root(), QString::fromLatin1(name)); }
-    Document document;
-    ReminderManager manager{&document};
+struct Fixture : Outline::Doc {
+    explicit Fixture(const char *outline) : Outline::Doc(outline) { manager.load(); }
+    ReminderManager manager{this};
 };
 
 QString describe(const ReminderManager::Wake &wake)
 {
-    switch (wake.kind) {
-    case ReminderManager::Wake::None:
-        return QStringLiteral("none");
-    case ReminderManager::Wake::Now:
-        return QStringLiteral("now");
-    case ReminderManager::Wake::At:
-        return wake.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    }
-    return {};
+    return wake.kind == ReminderManager::Wake::At    ? wake.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))
+           : wake.kind == ReminderManager::Wake::Now ? QStringLiteral("now")
+                                                     : QStringLiteral("none");
 }
 
 QString describe(const std::vector<ReminderTimeline::Bubble> &bubbles)
@@ -50,71 +34,49 @@ QString describe(const std::vector<ReminderTimeline::Bubble> &bubbles)
 class TestReminderManager : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void loadTakesPendingItemsInTreeOrder()
-    {
-        Fixture f("a | rem=2024-03-05T10:00\n"
-                  "  b | rem0=2024-03-01T09:00\n"
-                  "  c | rem=2024-03-01T09:00\n"
-                  "d\n"
-                  "e | rem=2024-02-01T08:00\n");
-        QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"a", "c", "e"}));
-    }
-
-    void reschedule_data()
-    {
-        QTest::addColumn<QString>("outline");
-        QTest::addColumn<QString>("now");
-        QTest::addColumn<QString>("wake");
-        const auto row = [](const char *tag, const char *outline, const char *now, const char *wake) {
-            QTest::newRow(tag) << QString::fromLatin1(outline) << QString::fromLatin1(now) << QString::fromLatin1(wake);
-        };
-        row("nothing pending", "a | rem0=2024-03-05T10:00\nb", "2024-03-05 09:00:00", "none");
-        // The last qualifying item in list order wins, not the earliest.
-        row("last in list wins", "a | rem=2024-03-05T10:00\nb | rem=2024-03-07T12:00\nc | rem=2024-03-06T08:00",
-            "2024-03-05 09:00:00", "2024-03-06 08:00:01");
-        row("past item is candidate", "a | rem=2024-03-05T10:00\nb | rem=2024-03-01T12:00", "2024-03-05 09:00:00",
-            "now");
-        row("under a second ahead is now", "a | rem=2024-03-05T10:00", "2024-03-05 10:00:00.200", "now");
-        row("a second ahead waits", "a | rem=2024-03-05T10:00", "2024-03-05 10:00:00", "2024-03-05 10:00:01");
-        row("beyond the horizon", "a | rem=2024-03-15T09:00", "2024-03-05 09:00:00", "none");
-        row("just inside the horizon", "a | rem=2024-03-15T08:59", "2024-03-05 09:00:00", "2024-03-15 08:59:01");
-        row("horizon ignores later items", "a | rem=2024-03-06T10:00\nb | rem=2024-04-01T10:00", "2024-03-05 09:00:00",
-            "2024-03-06 10:00:01");
-        row("the last minute of 3999 never wakes", "a | rem=3999-12-31T23:59", "3999-12-31 20:00:00", "none");
-        row("the minute before it does", "a | rem=3999-12-31T23:58", "3999-12-31 20:00:00", "3999-12-31 23:58:01");
-    }
-
     void reschedule()
     {
-        QFETCH(QString, outline);
-        QFETCH(QString, now);
-        QFETCH(QString, wake);
-        Fixture f(outline.toUtf8().constData());
-        const QDateTime time = QDateTime::fromString(now, now.contains(u'.') ? QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")
-                                                                             : QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-        QCOMPARE(describe(f.manager.reschedule(time)), wake);
-        QCOMPARE(f.manager.lastScheduled(), time);
-    }
+        Fixture pending("a | rem=2024-03-05T10:00\n  b | rem0=2024-03-01T09:00\n  c | rem=2024-03-01T09:00\nd\n"
+                        "e | rem=2024-02-01T08:00\n");
+        QCOMPARE(Outline::names(pending.manager.reminders()), QStringList({"a", "c", "e"})); // in tree order
 
-    void checkDue_data()
-    {
-        QTest::addColumn<QString>("now");
-        QTest::addColumn<QStringList>("due");
-
-        // a at 10:00, b at 10:01, c dismissed at 09:00; now counts as second 59.
-        QTest::newRow("a minute early") << "2024-03-05 09:59:59" << QStringList();
-        QTest::newRow("on the minute") << "2024-03-05 10:00:00" << QStringList({"a"});
-        QTest::newRow("both, in list order") << "2024-03-05 10:01:00" << QStringList({"b", "a"});
-        QTest::newRow("next day") << "2024-03-06 00:00:00" << QStringList({"b", "a"});
+        const struct {
+            const char *outline, *now, *wake;
+        } cases[] = {
+            {"a | rem0=2024-03-05T10:00\nb", "2024-03-05 09:00:00", "none"},
+            // The last qualifying item in list order wins, not the earliest.
+            {"a | rem=2024-03-05T10:00\nb | rem=2024-03-07T12:00\nc | rem=2024-03-06T08:00", "2024-03-05 09:00:00",
+             "2024-03-06 08:00:01"},
+            {"a | rem=2024-03-05T10:00\nb | rem=2024-03-01T12:00", "2024-03-05 09:00:00", "now"},
+            {"a | rem=2024-03-05T10:00", "2024-03-05 10:00:00.200", "now"}, // under a second ahead
+            {"a | rem=2024-03-05T10:00", "2024-03-05 10:00:00", "2024-03-05 10:00:01"},
+            {"a | rem=2024-03-15T09:00", "2024-03-05 09:00:00", "none"}, // beyond the ten-day horizon
+            {"a | rem=2024-03-15T08:59", "2024-03-05 09:00:00", "2024-03-15 08:59:01"},
+            {"a | rem=2024-03-06T10:00\nb | rem=2024-04-01T10:00", "2024-03-05 09:00:00", "2024-03-06 10:00:01"},
+            {"a | rem=3999-12-31T23:59", "3999-12-31 20:00:00", "none"}, // the last minute of 3999 never wakes
+            {"a | rem=3999-12-31T23:58", "3999-12-31 20:00:00", "3999-12-31 23:58:01"},
+        };
+        for (const auto &c : cases) {
+            Fixture f(c.outline);
+            QCOMPARE(describe(f.manager.reschedule(at(c.now))), QLatin1String(c.wake));
+        }
     }
 
     void checkDue()
     {
-        QFETCH(QString, now);
-        QFETCH(QStringList, due);
-        Fixture f("b | rem=2024-03-05T10:01\nc | rem0=2024-03-05T09:00\na | rem=2024-03-05T10:00\n");
-        QCOMPARE(Outline::names(f.manager.checkDue(at(now.toLatin1().constData()))), due);
-        QCOMPARE(Outline::names(f.manager.shown()), due);
+        // a at 10:00, b at 10:01, c dismissed at 09:00; now counts as second 59.
+        const struct {
+            const char *now;
+            QStringList due;
+        } cases[] = {{"2024-03-05 09:59:59", {}},
+                     {"2024-03-05 10:00:00", {"a"}},
+                     {"2024-03-05 10:01:00", {"b", "a"}},
+                     {"2024-03-06 00:00:00", {"b", "a"}}};
+        for (const auto &c : cases) {
+            Fixture f("b | rem=2024-03-05T10:01\nc | rem0=2024-03-05T09:00\na | rem=2024-03-05T10:00\n");
+            QCOMPARE(Outline::names(f.manager.checkDue(at(c.now))), c.due);
+            QCOMPARE(Outline::names(f.manager.shown()), c.due);
+        }
     }
 
     void shownItemsWaitForDismissAll()
@@ -126,22 +88,17 @@ private Q_SLOTS:
         QCOMPARE(describe(f.manager.reschedule(at("2024-03-05 10:45:00"))), QStringLiteral("2024-03-06 10:00:01"));
         QCOMPARE(Outline::names(f.manager.checkDue(at("2024-03-05 11:00:00"))), QStringList({"b"}));
 
-        f.manager.dismissAll();
-        QVERIFY(f.manager.shown().empty());
+        f.manager.dismissAll(); // the shown ones only, their time kept and their seconds field 0
         QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"c"}));
-        const SystemTime a = f.item("a")->reminderTime();
-        QCOMPARE(a.second, quint16(0));
-        QCOMPARE(a.toDateTime(), at("2024-03-05 10:00:00"));
-        QCOMPARE(f.item("c")->reminderTime().second, quint16(1));
-        QVERIFY(f.manager.checkDue(at("2024-03-05 12:00:00")).empty());
+        QCOMPARE(f["a"]->reminderTime(), Outline::date(QStringLiteral("2024-03-05T10:00")));
+        QCOMPARE(f["c"]->reminderTime().second, quint16(1));
+        QVERIFY(f.manager.shown().empty() && f.manager.checkDue(at("2024-03-05 12:00:00")).empty());
     }
 
     void editsJoinAtTheEnd()
     {
         Fixture f("a | rem=2024-03-05T10:00\nb\nc | rem=2024-03-05T11:00\n");
-        Item *a = f.item("a");
-        Item *b = f.item("b");
-        // Setting the same reminder again changes nothing.
+        Item *a = f["a"], *b = f["b"];
         a->setReminderTime(a->reminderTime());
         QVERIFY(!f.manager.itemChanged(a));
         b->setReminderTime(ReminderManager::pendingAt(at("2024-03-05 09:00:42")));
@@ -157,7 +114,6 @@ private Q_SLOTS:
         QCOMPARE(Outline::names(f.manager.shown()), QStringList({"b"}));
         QCOMPARE(Outline::names(f.manager.checkDue(at("2024-03-05 12:00:00"))), QStringList({"c", "a"}));
 
-        // A cleared reminder leaves both lists.
         b->setReminderTime({});
         QVERIFY(f.manager.itemChanged(b));
         QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"c", "a"}));
@@ -167,9 +123,8 @@ private Q_SLOTS:
         auto *top = new Item(QStringLiteral("t"));
         Outline::build(top, "u | rem=2024-03-08T10:00\nv | rem0=2024-03-08T10:00\nw | rem=2024-03-07T10:00\n");
         top->setReminderTime(ReminderManager::pendingAt(at("2024-03-09 10:00:00")));
-        f.document.root()->appendChild(top);
-        QVERIFY(f.manager.branchAdded(top));
-        QVERIFY(!f.manager.branchAdded(nullptr));
+        f.root()->appendChild(top);
+        QVERIFY(f.manager.branchAdded(top) && !f.manager.branchAdded(nullptr));
         QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"c", "a", "t", "u", "w"}));
     }
 
@@ -178,59 +133,41 @@ private Q_SLOTS:
         Fixture f("a | rem=2024-03-05T10:00\n  a1 | rem=2024-03-05T10:30\nb | rem=2024-03-05T09:00\n"
                   "c | rem=2024-03-05T11:00\n");
         QCOMPARE(Outline::names(f.manager.checkDue(at("2024-03-05 09:00:00"))), QStringList({"b"}));
-        Editing::deleteItem(f.document, f.item("a"), nullptr);
-        Editing::deleteItem(f.document, f.item("b"), nullptr);
+        Editing::deleteItem(f, f["a"], nullptr);
+        Editing::deleteItem(f, f["b"], nullptr);
         // Nothing told the manager yet: the dead entries are skipped all the same.
         QCOMPARE(Outline::names(f.manager.reminders()), QStringList({"c"}));
         QCOMPARE(describe(f.manager.reschedule(at("2024-03-05 09:30:00"))), QStringLiteral("2024-03-05 11:00:01"));
         QCOMPARE(Outline::names(f.manager.checkDue(at("2024-03-05 12:00:00"))), QStringList({"c"}));
-        QVERIFY(f.manager.purge());
-        QVERIFY(!f.manager.purge());
-        f.manager.dismissAll();
-        QVERIFY(f.manager.reminders().empty());
+        QVERIFY(f.manager.purge() && !f.manager.purge());
 
-        // An item taken out of the tree but still alive is gone as well.
         Fixture g("x | rem=2024-03-05T10:00\n");
-        std::unique_ptr<Item> taken(g.document.root()->takeChild(0));
+        std::unique_ptr<Item> taken(g.root()->takeChild(0));
         QVERIFY(g.manager.checkDue(at("2024-03-05 12:00:00")).empty());
-    }
-
-    void timeline_data()
-    {
-        QTest::addColumn<QString>("outline");
-        QTest::addColumn<QString>("until");
-        QTest::addColumn<QString>("bubbles");
-        const auto row = [](const char *tag, const char *outline, const char *until, const char *bubbles) {
-            QTest::newRow(tag) << QString::fromLatin1(outline) << QString::fromLatin1(until)
-                               << QString::fromLatin1(bubbles);
-        };
-        // Opened at 2024-03-01 09:00:00.
-        row("on time", "a | rem=2024-03-01T10:00", "2024-03-02 00:00:00", "03-01 10:00 a");
-        row("already past shows at once", "a | rem=2024-02-01T10:00", "2024-03-02 00:00:00", "03-01 09:00 a");
-        row("not before until", "a | rem=2024-03-01T10:00", "2024-03-01 10:00:00", "");
-        // 15 days ahead: out of reach until the timer moves the horizon on
-        // (2024-03-11 09:00), then woken on time.
-        row("fifteen days ahead", "a | rem=2024-03-16T10:00", "2024-04-01 00:00:00", "03-16 10:00 a");
-        // b is last in the list, so a (an hour earlier) waits for it; c comes
-        // after both and gets its own bubble.
-        row("last in list delays earlier",
-            "a | rem=2024-03-01T10:00\nc | rem=2024-03-01T13:00\nb | rem=2024-03-01T11:00", "2024-03-02 00:00:00",
-            "03-01 11:00 a,b; 03-01 13:00 c");
-        row("a past one before a later one waits", "a | rem=2024-02-01T10:00\nb | rem=2024-03-01T11:00",
-            "2024-03-02 00:00:00", "03-01 11:00 a,b");
-        row("an earlier last item goes first", "a | rem=2024-03-01T10:00\nb | rem=2024-03-01T09:30",
-            "2024-04-30 00:00:00", "03-01 09:30 b; 03-01 10:00 a");
     }
 
     void timeline()
     {
-        QFETCH(QString, outline);
-        QFETCH(QString, until);
-        QFETCH(QString, bubbles);
-        Fixture f(outline.toUtf8().constData());
-        QCOMPARE(
-            describe(ReminderTimeline::run(f.manager, at("2024-03-01 09:00:00"), at(until.toLatin1().constData()))),
-            bubbles);
+        // Opened at 2024-03-01 09:00:00, run until the given time.
+        const struct {
+            const char *outline, *until, *bubbles;
+        } cases[] = {
+            {"a | rem=2024-03-01T10:00", "2024-03-02 00:00:00", "03-01 10:00 a"},
+            {"a | rem=2024-02-01T10:00", "2024-03-02 00:00:00", "03-01 09:00 a"}, // already past: at once
+            {"a | rem=2024-03-01T10:00", "2024-03-01 10:00:00", ""},
+            // Out of reach until the timer moves the horizon on (03-11 09:00), then woken on time.
+            {"a | rem=2024-03-16T10:00", "2024-04-01 00:00:00", "03-16 10:00 a"},
+            // b is last in the list, so a (an hour earlier) waits for it; c comes after both and gets its own bubble.
+            {"a | rem=2024-03-01T10:00\nc | rem=2024-03-01T13:00\nb | rem=2024-03-01T11:00", "2024-03-02 00:00:00",
+             "03-01 11:00 a,b; 03-01 13:00 c"},
+            {"a | rem=2024-03-01T10:00\nb | rem=2024-03-01T09:30", "2024-04-30 00:00:00",
+             "03-01 09:30 b; 03-01 10:00 a"},
+        };
+        for (const auto &c : cases) {
+            Fixture f(c.outline);
+            QCOMPARE(describe(ReminderTimeline::run(f.manager, at("2024-03-01 09:00:00"), at(c.until))),
+                     QLatin1String(c.bubbles));
+        }
     }
 };
 

@@ -12,11 +12,11 @@ private Q_SLOTS:
     {
         QVERIFY(m_dir.isValid());
         m_folders = {m_dir.filePath(QStringLiteral("system")), m_dir.filePath(QStringLiteral("user"))};
-        touch(m_dir.filePath(QStringLiteral("system/alarms/Alarm1.wav")));
-        touch(m_dir.filePath(QStringLiteral("system/bell.wav")));
-        touch(m_dir.filePath(QStringLiteral("system/bell.oga")));
-        touch(m_dir.filePath(QStringLiteral("user/Chime.wav")));
-        touch(m_dir.filePath(QStringLiteral("user/(None).wav")));
+        for (const char *name :
+             {"system/alarms/Alarm1.wav", "system/bell.wav", "system/bell.oga", "user/Chime.wav", "user/(None).wav"}) {
+            QFile file(m_dir.filePath(QLatin1String(name)));
+            QVERIFY(QDir().mkpath(QFileInfo(file).absolutePath()) && file.open(QIODevice::WriteOnly));
+        }
         // The same sound reached twice, through a link to its folder, is offered once.
         QVERIFY(QFile::link(m_dir.filePath(QStringLiteral("system/alarms")),
                             m_dir.filePath(QStringLiteral("user/alarms"))));
@@ -33,41 +33,27 @@ private Q_SLOTS:
         QCOMPARE(found[3].value, m_dir.filePath(QStringLiteral("system/bell.wav")));
     }
 
-    void fileFor_data()
-    {
-        QTest::addColumn<QString>("setting");
-        QTest::addColumn<QString>("file"); // below the temporary folder; empty for silence
-
-        const auto row = [](const char *tag, const char *setting, const char *file) {
-            QTest::newRow(tag) << QString::fromLatin1(setting) << QString::fromLatin1(file);
-        };
-        row("none", "(None)", "");
-        row("a path holding (None)", "@user/(None).wav", "");
-        row("bare name in a subfolder", "Alarm1", "system/alarms/Alarm1.wav");
-        row("name with extension", "Chime.wav", "user/Chime.wav");
-        row("path", "@system/bell.wav", "system/bell.wav");
-        row("missing path", "@system/gone.wav", "");
-        row("unknown name", "Alarm2", "");
-        row("empty", "", "");
-    }
-
     void fileFor()
     {
-        QFETCH(QString, setting);
-        QFETCH(QString, file);
-        if (setting.startsWith(u'@'))
-            setting = m_dir.filePath(setting.mid(1));
-        QCOMPARE(ReminderSounds::fileFor(setting, m_folders), file.isEmpty() ? QString() : m_dir.filePath(file));
+        // A setting, and the file it plays below the temporary folder ("" for silence); "@" for the folder.
+        const char *const cases[][2] = {{"(None)", ""},
+                                        {"@user/(None).wav", ""},
+                                        {"Alarm1", "system/alarms/Alarm1.wav"}, // a bare name in a subfolder
+                                        {"Chime.wav", "user/Chime.wav"},
+                                        {"@system/bell.wav", "system/bell.wav"},
+                                        {"@system/gone.wav", ""},
+                                        {"Alarm2", ""},
+                                        {"", ""}};
+        for (const auto &c : cases) {
+            QString setting = QString::fromLatin1(c[0]);
+            if (setting.startsWith(u'@'))
+                setting = m_dir.filePath(setting.mid(1));
+            QCOMPARE(ReminderSounds::fileFor(setting, m_folders),
+                     *c[1] ? m_dir.filePath(QLatin1String(c[1])) : QString());
+        }
     }
 
 private:
-    void touch(const QString &path)
-    {
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-    }
-
     QTemporaryDir m_dir;
     QStringList m_folders;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
-// Test helper: the fields of one iCalendar object as libical itself reads
-// them, so tests check what a calendar program would see.
+// The fields of one iCalendar object as libical reads them: what a calendar program would see.
 
 #include <QDate>
 #include <QDateTime>
@@ -11,9 +10,7 @@
 #include <libical/ical.h>
 
 struct IcalObject {
-    bool valid = false;
     QString kind; // "VTODO" or "VEVENT"
-    QString prodId;
     QString uid;
     QString summary;
     QString description;
@@ -24,7 +21,6 @@ struct IcalObject {
     bool startIsDate = false;
     QDateTime stamp;
     QByteArray attachment;
-    QString attachmentEncoding;
 
     static IcalObject parse(const QByteArray &ics)
     {
@@ -32,11 +28,8 @@ struct IcalObject {
         icalcomponent *calendar = icalparser_parse_string(ics.constData());
         if (!calendar)
             return object;
-        icalproperty *prodId = icalcomponent_get_first_property(calendar, ICAL_PRODID_PROPERTY);
-        object.prodId = prodId ? QString::fromUtf8(icalproperty_get_prodid(prodId)) : QString();
         icalcomponent *component = icalcomponent_get_first_real_component(calendar);
         if (component) {
-            object.valid = true;
             object.kind = QString::fromUtf8(icalcomponent_kind_to_string(icalcomponent_isa(component)));
             const auto text = [component](icalproperty_kind kind, const char *(*get)(const icalproperty *)) {
                 icalproperty *property = icalcomponent_get_first_property(component, kind);
@@ -48,16 +41,15 @@ struct IcalObject {
             for (icalproperty *p = icalcomponent_get_first_property(component, ICAL_CATEGORIES_PROPERTY); p;
                  p = icalcomponent_get_next_property(component, ICAL_CATEGORIES_PROPERTY))
                 object.categories.append(QString::fromUtf8(icalproperty_get_categories(p)));
-            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DUE_PROPERTY)) {
-                const icaltimetype t = icalproperty_get_due(p);
-                object.due = QDate(t.year, t.month, t.day);
-                object.dueIsDate = t.is_date;
-            }
-            if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DTSTART_PROPERTY)) {
-                const icaltimetype t = icalproperty_get_dtstart(p);
-                object.start = QDate(t.year, t.month, t.day);
-                object.startIsDate = t.is_date;
-            }
+            const auto date = [component](icalproperty_kind kind, icaltimetype (*get)(const icalproperty *),
+                                          QDate *date, bool *isDate) {
+                if (icalproperty *p = icalcomponent_get_first_property(component, kind)) {
+                    *date = QDate(get(p).year, get(p).month, get(p).day);
+                    *isDate = get(p).is_date;
+                }
+            };
+            date(ICAL_DUE_PROPERTY, icalproperty_get_due, &object.due, &object.dueIsDate);
+            date(ICAL_DTSTART_PROPERTY, icalproperty_get_dtstart, &object.start, &object.startIsDate);
             if (icalproperty *p = icalcomponent_get_first_property(component, ICAL_DTSTAMP_PROPERTY)) {
                 const icaltimetype t = icalproperty_get_dtstamp(p);
                 object.stamp = QDateTime(QDate(t.year, t.month, t.day), QTime(t.hour, t.minute, t.second),
@@ -68,9 +60,6 @@ struct IcalObject {
                 if (attach && !icalattach_get_is_url(attach))
                     object.attachment =
                         QByteArray::fromBase64(reinterpret_cast<const char *>(icalattach_get_data(attach)));
-                if (icalparameter *e = icalproperty_get_first_parameter(p, ICAL_ENCODING_PARAMETER))
-                    object.attachmentEncoding =
-                        QString::fromUtf8(icalparameter_enum_to_string(icalparameter_get_encoding(e)));
             }
         }
         icalcomponent_free(calendar);

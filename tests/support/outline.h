@@ -1,68 +1,64 @@
 #pragma once
 
-// Test helpers: a note tree written as an indented outline, two spaces a
-// level, each line "name" or "name | field=value ...". Fields: cat, pri,
-// due (YYYY-MM-DD or YYYY-MM-DDTHH:MM), prog, st (status type), col, sort,
-// desc (descending), auto, italic, noicon, exp (expanded), note (plain text,
-// '_' for spaces), rem (YYYY-MM-DDTHH:MM, a pending reminder: seconds field 1),
-// rem0 (the same, dismissed: seconds field 0).
+// Test helpers: a note tree as an indented outline, two spaces a level, each line "name" or "name | field=value ...".
+// Fields: cat, pri, due and made (creation; YYYY-MM-DD[THH:MM]), prog, st (status type), col, sort, desc, auto, italic,
+// noicon, exp (expanded), note ('_' for spaces), rem and rem0 (a reminder, pending or dismissed: seconds field 1 or 0).
 
-#include "notes/notetext.h"
 #include "model/document.h"
 #include "model/treewalker.h"
+#include "notes/notetext.h"
+#include "views/viewrows.h"
 
 #include <QDateTime>
 #include <QRegularExpression>
 #include <QStringList>
+#include <map>
 #include <span>
 #include <vector>
 
 namespace Outline {
 
-inline SystemTime date(const QString &text)
+inline SystemTime date(const QString &text, int seconds = 0)
 {
     QDateTime time = QDateTime::fromString(text, Qt::ISODate);
     if (!time.isValid())
         time = QDateTime(QDate::fromString(text, Qt::ISODate), QTime(0, 0));
-    return SystemTime::fromDateTime(time);
+    return SystemTime::fromDateTime(time.addSecs(seconds));
+}
+
+/// A time written "YYYY-MM-DD HH:MM:SS", with ".ZZZ" milliseconds or not.
+inline QDateTime at(const char *text)
+{
+    const QString time = QString::fromLatin1(text);
+    return QDateTime::fromString(time, time.size() > 19 ? QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")
+                                                        : QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 inline void setFields(Item *item, const QString &fields)
 {
-    const QStringList parts = fields.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    for (const QString &part : parts) {
-        const QString key = part.section(QLatin1Char('='), 0, 0);
-        const QString value = part.section(QLatin1Char('='), 1);
-        if (key == QLatin1String("cat"))
-            item->setCategory(value);
-        else if (key == QLatin1String("pri"))
-            item->setPriority(value.toUShort());
-        else if (key == QLatin1String("due"))
-            item->setDueDate(date(value));
-        else if (key == QLatin1String("prog"))
-            item->storeProgress(value.toUShort());
-        else if (key == QLatin1String("st"))
-            item->setStatusType(value.toUShort());
-        else if (key == QLatin1String("col"))
-            item->setColour(value.toUShort());
-        else if (key == QLatin1String("sort"))
-            item->setSort(value.toUShort());
-        else if (key == QLatin1String("desc"))
-            item->setAscending(false);
-        else if (key == QLatin1String("auto"))
-            item->setAutoProgress(true);
-        else if (key == QLatin1String("italic"))
-            item->setItalic(true);
-        else if (key == QLatin1String("noicon"))
-            item->setShowIcon(false);
-        else if (key == QLatin1String("rem") || key == QLatin1String("rem0")) {
-            SystemTime reminder = date(value);
-            reminder.second = key == QLatin1String("rem") ? 1 : 0;
-            item->setReminderTime(reminder);
-        } else if (key == QLatin1String("note"))
-            item->setNote(NoteText::toPlainNote(QString(value).replace(QLatin1Char('_'), QLatin1Char(' '))));
-        else if (key != QLatin1String("exp"))
-            qFatal("unknown outline field %s", qPrintable(key));
+    using Set = void (*)(Item *, const QString &);
+    static const std::map<QString, Set> setters = {
+        {"cat", [](Item *i, const QString &v) { i->setCategory(v); }},
+        {"pri", [](Item *i, const QString &v) { i->setPriority(v.toUShort()); }},
+        {"due", [](Item *i, const QString &v) { i->setDueDate(date(v)); }},
+        {"made", [](Item *i, const QString &v) { i->setCreated(date(v)); }},
+        {"prog", [](Item *i, const QString &v) { i->storeProgress(v.toUShort()); }},
+        {"st", [](Item *i, const QString &v) { i->setStatusType(v.toUShort()); }},
+        {"col", [](Item *i, const QString &v) { i->setColour(v.toUShort()); }},
+        {"sort", [](Item *i, const QString &v) { i->setSort(v.toUShort()); }},
+        {"desc", [](Item *i, const QString &) { i->setAscending(false); }},
+        {"auto", [](Item *i, const QString &) { i->setAutoProgress(true); }},
+        {"italic", [](Item *i, const QString &) { i->setItalic(true); }},
+        {"noicon", [](Item *i, const QString &) { i->setShowIcon(false); }},
+        {"exp", [](Item *, const QString &) {}}, // set by build once the children are in
+        {"rem", [](Item *i, const QString &v) { i->setReminderTime(date(v, 1)); }},
+        {"rem0", [](Item *i, const QString &v) { i->setReminderTime(date(v)); }},
+        {"note", [](Item *i, const QString &v) { i->setNote(NoteText::toPlainNote(QString(v).replace('_', ' '))); }}};
+    for (const QString &part : fields.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        const auto setter = setters.find(part.section(QLatin1Char('='), 0, 0));
+        if (setter == setters.end())
+            qFatal("unknown outline field %s", qPrintable(part));
+        setter->second(item, part.section(QLatin1Char('='), 1));
     }
 }
 
@@ -73,9 +69,7 @@ inline void build(TreeNode *root, const char *outline)
     std::vector<Item *> expand;
     const QStringList lines = QString::fromUtf8(outline).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString &line : lines) {
-        qsizetype spaces = 0;
-        while (spaces < line.size() && line[spaces] == QLatin1Char(' '))
-            ++spaces;
+        const qsizetype spaces = line.indexOf(QRegularExpression(QStringLiteral("[^ ]")));
         const size_t level = size_t(spaces / 2) + 1;
         if (level > parents.size())
             qFatal("outline skips a level: %s", qPrintable(line));
@@ -108,21 +102,35 @@ inline Item *find(const TreeNode *root, const QString &name)
 /// line, for comparing two items or an item with a hand-written line.
 inline QString fields(const Item &item)
 {
-    const auto time = [](const SystemTime &t) {
+    const auto n = [](auto value) { return QString::number(value); };
+    const auto time = [&](const SystemTime &t) {
         QStringList parts;
         for (quint16 field : t.fields())
-            parts.append(QString::number(field));
+            parts.append(n(field));
         return parts.join(QLatin1Char('.'));
     };
-    return QStringLiteral("%1 pri=%2 cat=%3 img=%4 col=%5 st=%6 prog=%7 flags=%8 sort=%9")
-               .arg(item.name(), QString::number(item.priority()), item.category(), QString::number(item.image()),
-                    QString::number(item.colour()), QString::number(item.statusType()),
-                    QString::number(item.progress()), QString::number(item.flags()), QString::number(item.sort())) +
-           QStringLiteral(" asc=%1 exp=%2 due=%3 rem=%4 time=%5/%6 extra=%7 links=%8 note=%9")
-               .arg(QString::number(item.isAscending()), QString::number(item.isExpanded()), time(item.dueDate()),
-                    time(item.reminderTime()), item.taskTime(), QString::number(item.taskTimeType()),
-                    QString::number(item.extraWord(), 16), item.links().join(QLatin1Char(',')),
-                    QString::fromLatin1(item.note().toHex()));
+    return item.name() + " pri=" + n(item.priority()) + " cat=" + item.category() + " img=" + n(item.image()) +
+           " col=" + n(item.colour()) + " st=" + n(item.statusType()) + " prog=" + n(item.progress()) +
+           " flags=" + n(item.flags()) + " sort=" + n(item.sort()) + " asc=" + n(item.isAscending()) +
+           " exp=" + n(item.isExpanded()) + " due=" + time(item.dueDate()) + " rem=" + time(item.reminderTime()) +
+           " time=" + item.taskTime() + '/' + n(item.taskTimeType()) +
+           " extra=" + QString::number(item.extraWord(), 16) + " links=" + item.links().join(',') +
+           " note=" + QString::fromLatin1(item.note().toHex());
+}
+
+/// A document holding the outline's items, which it finds by name.
+struct Doc : Document {
+    explicit Doc(const char *outline) { build(root(), outline); }
+    Item *operator[](const char *name) const { return find(root(), QString::fromUtf8(name)); }
+};
+
+/// The rows of a view, each indented two spaces a level.
+inline QStringList rowTexts(const ViewRows &rows)
+{
+    QStringList out;
+    for (int i = 0; i < rows.count(); ++i)
+        out.append(QString(rows.row(i).level * 2, QLatin1Char(' ')) + rows.text(i));
+    return out;
 }
 
 inline QStringList names(std::span<Item *const> items)

@@ -1,11 +1,9 @@
 #pragma once
 
-// A seeded random note tree for tests that compare the views and queries with
-// a plain reading of their rules: few distinct values per field, so groups,
-// ties and matches are common.
+// A seeded random note tree with few distinct values per field, so that groups, ties and matches are common.
 
-#include "notes/notetext.h"
 #include "model/document.h"
+#include "notes/notetext.h"
 
 #include <QRandomGenerator>
 #include <QStringList>
@@ -15,20 +13,13 @@ namespace RandomTree {
 
 inline const QStringList &categories()
 {
-    static const QStringList list = {QString(),
-                                     QStringLiteral("Work"),
-                                     QStringLiteral("work"),
-                                     QStringLiteral("Home"),
-                                     QStringLiteral("Économie"),
-                                     QStringLiteral("Zoo")};
+    static const QStringList list = {QString(), "Work", "work", "Home", "Économie", "Zoo"};
     return list;
 }
 
 inline const QStringList &words()
 {
-    static const QStringList list = {QStringLiteral("alpha"), QStringLiteral("Beta"),    QStringLiteral("GAMMA"),
-                                     QStringLiteral("délta"), QStringLiteral("Ünïcode"), QStringLiteral("abc"),
-                                     QStringLiteral("ABC"),   QStringLiteral("x")};
+    static const QStringList list = {"alpha", "Beta", "GAMMA", "délta", "Ünïcode", "abc", "ABC", "x"};
     return list;
 }
 
@@ -40,7 +31,6 @@ inline void fill(TreeNode *root, int count, quint32 seed)
     auto pick = [&](const QStringList &list) { return list[int(rng.bounded(quint32(list.size())))]; };
     static const quint16 progresses[] = {0, 0, 10, 50, 66, 100, 100};
     for (int i = 0; i < count; ++i) {
-        // Go down, stay, or climb a random number of levels.
         const quint32 move = rng.bounded(10u);
         if (move < 3 && path.size() < 9 && path.back()->hasChildren())
             path.push_back(path.back()->children().back());
@@ -49,25 +39,15 @@ inline void fill(TreeNode *root, int count, quint32 seed)
         auto *item = new Item(pick(words()) + QLatin1Char(' ') + pick(words()));
         item->setCategory(pick(categories()));
         item->setPriority(quint16(1 + rng.bounded(5u) * 4)); // 1, 5, 9, 13, 17
-        if (rng.bounded(3u) != 0) {
-            SystemTime due;
-            due.year = 2024;
-            due.month = quint16(1 + rng.bounded(2u));
-            due.day = quint16(1 + rng.bounded(4u));
-            due.hour = quint16(rng.bounded(24u));
-            due.minute = quint16(rng.bounded(60u));
-            item->setDueDate(due);
-        }
+        if (rng.bounded(3u) != 0)
+            item->setDueDate({2024, quint16(1 + rng.bounded(2u)), 0, quint16(1 + rng.bounded(4u)),
+                              quint16(rng.bounded(24u)), quint16(rng.bounded(60u)), 0, 0});
         item->storeProgress(progresses[rng.bounded(quint32(std::size(progresses)))]);
         item->setStatusType(quint16(rng.bounded(3u)));
         item->setColour(quint16(rng.bounded(3u)));
         item->setItalic(rng.bounded(4u) == 0);
         item->setShowIcon(rng.bounded(4u) != 0);
-        SystemTime created;
-        created.year = 2023;
-        created.month = quint16(1 + rng.bounded(12u));
-        created.day = quint16(1 + rng.bounded(28u));
-        item->setCreated(created);
+        item->setCreated({2023, quint16(1 + rng.bounded(12u)), 0, quint16(1 + rng.bounded(28u)), 0, 0, 0, 0});
         if (rng.bounded(3u) == 0)
             item->setNote(NoteText::toPlainNote(pick(words()) + QStringLiteral(" and ") + pick(words())));
         path.back()->appendChild(item);

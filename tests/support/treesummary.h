@@ -1,12 +1,9 @@
 #pragma once
 
-// A note tree as text, one line per Item, walked without recursion so that a
-// chain of any depth can be compared: the depth (1 for a child of the root),
-// a space, the name, then
-// what the outline exchanges keep, each only when it differs from a new
-// Item's: [x] a checked box, [-] no status, [N%] a progress bar, !N the
-// priority, @category, ^due date, <link> each link that is not an item link,
-// {note} the note's text with LF line ends.
+// A note tree as text, one line per Item, walked without recursion: the depth (1 for a child of the root), a space, the
+// name, then what the outline exchanges keep, each only when it differs from a new Item's: [x] checked, [-] no status,
+// [N%] a progress bar, !N the priority, @category, ^due date, <link> each link that is not an item link, {note} with LF
+// line ends.
 
 #include "model/item.h"
 #include "model/treewalker.h"

@@ -9,7 +9,6 @@ class TestApplyAttributes : public QObject {
     Q_OBJECT
 
 private:
-    // Every attribute apply can touch, of every item in pre-order.
     static QStringList snapshot(const TreeNode *root)
     {
         QStringList out;
@@ -26,152 +25,65 @@ private:
     }
 
 private Q_SLOTS:
-    void childrenOnlyOrWholeBranch_data()
-    {
-        QTest::addColumn<bool>("allSubItems");
-        QTest::addColumn<QStringList>("expected");
-
-        const QString untouched = QStringLiteral(" pri=10 cat= img=0 col=0 st=1 icon=1 it=0 prog=0 auto=0");
-        const QString set = QStringLiteral(" pri=4 cat=Errands img=7 col=3 st=2 icon=0 it=1 prog=0 auto=0");
-        QTest::newRow("children only") << false << QStringList{"P" + untouched,  "c1" + set, "g1" + untouched,
-                                                               "gg" + untouched, "c2" + set, "other" + untouched};
-        QTest::newRow("all sub-items") << true << QStringList{"P" + untouched, "c1" + set, "g1" + set,
-                                                              "gg" + set,      "c2" + set, "other" + untouched};
-    }
-
     void childrenOnlyOrWholeBranch()
     {
-        QFETCH(bool, allSubItems);
-        QFETCH(QStringList, expected);
-        Document document;
-        Outline::build(document.root(), R"(
-P
-  c1
-    g1
-      gg
-  c2
-other
-)");
-        AttributeSet set;
-        set.flags = AttributeSet::Priority | AttributeSet::Category | AttributeSet::Icon | AttributeSet::Colour |
-                    AttributeSet::StatusType | AttributeSet::ShowIcon | AttributeSet::Italic;
-        set.priority = 4;
-        set.category = QStringLiteral("Errands");
-        set.icon = 7;
-        set.colour = 3;
-        set.statusType = 2;
-        set.showIcon = false;
-        set.italic = true;
-        set.progress = 90;    // not ticked: not applied
-        set.automatic = true; // nor this
-        set.allSubItems = allSubItems;
-        Item *p = Outline::find(document.root(), QStringLiteral("P"));
-        QVERIFY(ApplyAttributes::isAvailable(p, 0));
-        QVERIFY(!ApplyAttributes::isAvailable(p, 1)); // not in a grouped view
-        QVERIFY(!ApplyAttributes::isAvailable(Outline::find(document.root(), QStringLiteral("gg")), 0));
-        QVERIFY(!ApplyAttributes::isAvailable(document.root(), 0));
-        ApplyAttributes::apply(p, set);
-        QCOMPARE(snapshot(document.root()), expected);
-
-        // An empty set changes nothing.
-        const QStringList before = snapshot(document.root());
-        set.flags = 0;
-        ApplyAttributes::apply(document.root(), set);
-        QCOMPARE(snapshot(document.root()), before);
+        const QString untouched = QStringLiteral(" pri=10 cat= img=0 col=0 st=1 icon=1 it=0 prog=0 auto=0");
+        const QString set = QStringLiteral(" pri=4 cat=Errands img=7 col=3 st=2 icon=0 it=1 prog=0 auto=0");
+        const quint32 flags = AttributeSet::Priority | AttributeSet::Category | AttributeSet::Icon |
+                              AttributeSet::Colour | AttributeSet::StatusType | AttributeSet::ShowIcon |
+                              AttributeSet::Italic;
+        for (const bool allSubItems : {false, true}) {
+            Outline::Doc document("P\n  c1\n    g1\n      gg\n  c2\nother");
+            Item *p = document["P"];
+            // Progress and the automatic flag are given but not ticked.
+            ApplyAttributes::apply(
+                p, AttributeSet{flags, 4, QStringLiteral("Errands"), 7, 3, 2, true, false, 90, allSubItems, true});
+            const QString below = allSubItems ? set : untouched;
+            const QStringList applied = snapshot(document.root());
+            QCOMPARE(applied, (QStringList{"P" + untouched, "c1" + set, "g1" + below, "gg" + below, "c2" + set,
+                                           "other" + untouched}));
+            ApplyAttributes::apply(document.root(), AttributeSet{}); // an empty set changes nothing
+            QCOMPARE(snapshot(document.root()), applied);
+            // Not in a grouped view, nor for an item without children or the root.
+            QVERIFY(ApplyAttributes::isAvailable(p, 0) && !ApplyAttributes::isAvailable(p, 1) &&
+                    !ApplyAttributes::isAvailable(document["gg"], 0) &&
+                    !ApplyAttributes::isAvailable(document.root(), 0));
+        }
     }
 
     void automaticFlagComesLast()
     {
-        Document document;
-        Outline::build(document.root(), R"(
-P
-  wasAuto | auto prog=100
-    x | prog=100
-    y | prog=100
-  wasManual | prog=5
-    u | prog=0
-    v | prog=100
-)");
-        Item *p = Outline::find(document.root(), QStringLiteral("P"));
-        Item *wasAuto = Outline::find(document.root(), QStringLiteral("wasAuto"));
-        Item *wasManual = Outline::find(document.root(), QStringLiteral("wasManual"));
+        Outline::Doc document("P\n  wasAuto | auto prog=100\n    x | prog=100\n    y | prog=100\n"
+                              "  wasManual | prog=5\n    u | prog=0\n    v | prog=100");
+        Item *p = document["P"], *wasAuto = document["wasAuto"], *wasManual = document["wasManual"];
 
-        // Progress is stored while the old flag still holds: an automatic child
-        // takes its children's mean at once, then turns manual.
-        AttributeSet set;
-        set.flags = AttributeSet::Progress;
-        set.progress = 40;
-        set.automatic = false;
-        ApplyAttributes::apply(p, set);
-        QCOMPARE(wasAuto->progress(), 100);
-        QVERIFY(!wasAuto->autoProgress());
-        QCOMPARE(wasManual->progress(), 40);
-
-        // Switched to automatic in the same step, a child keeps the given
-        // progress until something below it changes.
-        set.automatic = true;
-        set.progress = 30;
-        ApplyAttributes::apply(p, set);
-        QCOMPARE(wasManual->progress(), 30);
-        QVERIFY(wasManual->autoProgress());
-        Outline::find(document.root(), QStringLiteral("u"))->setProgress(0);
+        const auto apply = [&](quint32 flags, quint16 progress, bool automatic) {
+            ApplyAttributes::apply(
+                p, AttributeSet{flags, 10, QString(), 0, 0, 1, false, true, progress, false, automatic});
+        };
+        const auto state = [&] {
+            return QList<int>(
+                {wasAuto->progress(), wasAuto->autoProgress(), wasManual->progress(), wasManual->autoProgress()});
+        };
+        // Stored while the old flag holds: an automatic child takes its children's mean, then turns manual.
+        apply(AttributeSet::Progress, 40, false);
+        QCOMPARE(state(), QList<int>({100, 0, 40, 0}));
+        // Switched to automatic in the same step, a child keeps the given progress until something below it changes.
+        apply(AttributeSet::Progress, 30, true);
+        QCOMPARE(state(), QList<int>({30, 1, 30, 1}));
+        document["u"]->setProgress(0);
         QCOMPARE(wasManual->progress(), 50);
-
-        // Bit 0x100 alone stores the flag without touching progress.
-        set.flags = AttributeSet::Automatic;
-        set.automatic = false;
-        ApplyAttributes::apply(p, set);
-        QVERIFY(!wasManual->autoProgress());
-        QCOMPARE(wasManual->progress(), 50);
+        apply(AttributeSet::Automatic, 30, false); // the flag alone, progress untouched
+        QCOMPARE(state(), QList<int>({30, 0, 50, 0}));
     }
 
-    // A parent that keeps its children in order sorts them again when an
-    // applied value moves one of them.
     void sortedParentsSortAgain()
     {
-        Document document;
-        Outline::build(document.root(), R"(
-Q | sort=3
-  x | auto
-    x1
-  y | prog=50
-)");
-        Item *q = Outline::find(document.root(), QStringLiteral("Q"));
-        QCOMPARE(Outline::names(q->children()), (QStringList{"x", "y"}));
-        AttributeSet set;
-        set.flags = AttributeSet::Progress;
-        set.progress = 80;
-        set.automatic = true;
-        ApplyAttributes::apply(Outline::find(document.root(), QStringLiteral("x")), set);
+        Outline::Doc document("Q | sort=3\n  x | auto\n    x1\n  y | prog=50");
+        Item *q = document["Q"];
+        ApplyAttributes::apply(
+            document["x"], AttributeSet{AttributeSet::Progress, 10, QString(), 0, 0, 1, false, true, 80, false, true});
         QCOMPARE(Outline::names(q->children()), (QStringList{"y", "x"}));
-    }
-
-    void deepChain()
-    {
-        Document document;
-        TreeNode *parent = document.root();
-        Item *first = nullptr;
-        for (int i = 0; i < 200000; ++i) {
-            auto *item = new Item(QStringLiteral("n"));
-            item->setAutoProgress(true);
-            parent->appendChild(item);
-            if (!first)
-                first = item;
-            parent = item;
-        }
-        AttributeSet set;
-        set.flags = AttributeSet::Progress | AttributeSet::Colour;
-        set.progress = 60;
-        set.colour = 5;
-        set.automatic = true;
-        set.allSubItems = true;
-        ApplyAttributes::apply(first, set);
-        // The last item has no children, so being automatic it falls to 0 when
-        // its progress is set, and every automatic item above follows it.
-        QCOMPARE(static_cast<Item *>(parent)->colour(), 5);
-        QCOMPARE(static_cast<Item *>(parent)->progress(), 0);
-        QCOMPARE(first->progress(), 0);
-        QCOMPARE(first->colour(), 0);
     }
 };
 
