@@ -1,5 +1,7 @@
 #include "support/outline.h"
 
+#include "model/editing.h"
+#include "model/treewalker.h"
 #include "platform/clock.h"
 #include "platform/collation.h"
 
@@ -107,6 +109,35 @@ private Q_SLOTS:
         QCOMPARE(document.docFlags(), 0x8Fu); // no other bit is written
         document.setDocFlags(0x06);
         QCOMPARE(document.docFlags(), 0x06u);
+    }
+
+    void aMillionLevelsWithoutRecursion()
+    {
+        // Built, walked, looked up, copied, rolled up and destroyed with explicit stacks.
+        constexpr int depth = 1000000;
+        auto document = std::make_unique<Document>();
+        TreeNode *parent = document->root();
+        for (int i = 0; i < depth; ++i) {
+            auto *item = new Item(QString());
+            parent->appendChild(item);
+            parent = item;
+        }
+        Item *top = document->root()->child(0), *deepest = parent->asItem();
+        int count = 0, maxDepth = 0;
+        for (TreeWalker walker(document->root()); walker.next(); ++count)
+            maxDepth = std::max(maxDepth, walker.depth());
+        QCOMPARE(count, depth);
+        QCOMPARE(maxDepth, depth);
+        QCOMPARE(deepest->level(), depth);
+        QCOMPARE(document->linkTarget(deepest->linkText()), deepest);
+        std::unique_ptr<Item> copy(top->clone());
+        Editing::copyChildren(top, copy.get());
+        count = 0;
+        copy->forEachDescendant([&](Item *) { ++count; });
+        QCOMPARE(count, depth - 1);
+        top->setAutoProgress(true);
+        deepest->setProgress(100); // the roll-up climbs the whole chain to a manual 0 below the top
+        QCOMPARE(top->progress(), quint16(0));
     }
 };
 

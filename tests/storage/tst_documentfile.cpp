@@ -94,6 +94,7 @@ private Q_SLOTS:
     void writerNumbersCurrentAndLinkTargetsFirstAndBranches();
     void fileResultsAndBytePrimitives();
     void importIntoNode();
+    void chainOfAMillionLevels();
 };
 
 void TestDocumentFile::versions551And550EveryField()
@@ -447,4 +448,21 @@ void TestDocumentFile::importIntoNode()
 }
 
 QTEST_GUILESS_MAIN(TestDocumentFile)
+void TestDocumentFile::chainOfAMillionLevels()
+{
+    Document chain;
+    DocumentGenerator::generate(&chain, {1000000, 3, true, 0});
+    FB tail; // one more entry back at depth 1 climbs the whole chain at once
+    entry(tail, {1, 0xFFFFFF, QStringLiteral("back at the top")});
+    const QByteArray bytes = DocumentFile::toBytes(chain) + tail.data();
+    Document loaded;
+    QCOMPARE(DocumentFile::loadFromBytes(bytes, &loaded), DocumentFile::Loaded);
+    QCOMPARE(loaded.root()->childCount(), 2);
+    int depth = 0;
+    for (const TreeNode *node = loaded.root()->child(0); node; node = node->hasChildren() ? node->children()[0] : nullptr)
+        ++depth;
+    QCOMPARE(depth, 1000000);
+    QCOMPARE(DocumentFile::toBytes(loaded).size(), bytes.size());
+}
+
 #include "tst_documentfile.moc"
