@@ -459,7 +459,8 @@ void TestDocumentFile::chainOfAMillionLevels()
     QCOMPARE(DocumentFile::loadFromBytes(bytes, &loaded), DocumentFile::Loaded);
     QCOMPARE(loaded.root()->childCount(), 2);
     int depth = 0;
-    for (const TreeNode *node = loaded.root()->child(0); node; node = node->hasChildren() ? node->children()[0] : nullptr)
+    for (const TreeNode *node = loaded.root()->child(0); node;
+         node = node->hasChildren() ? node->children()[0] : nullptr)
         ++depth;
     QCOMPARE(depth, 1000000);
     QCOMPARE(DocumentFile::toBytes(loaded).size(), bytes.size());
