@@ -97,6 +97,18 @@ private Q_SLOTS:
         QTest::keyClicks(tree()->renameEditor(), QStringLiteral("Zzz"));
         QTest::keyClick(tree()->renameEditor(), Qt::Key_Escape);
         QCOMPARE(m_f->names(), (QStringList{"A", "Banana", "After B", "C"}));
+        // The child and italic toggles put an italic item first among the current item's children, which open.
+        select("A");
+        bar->findChild<QToolButton *>(QStringLiteral("quickEntryChild"))->click();
+        bar->findChild<QToolButton *>(QStringLiteral("quickEntryItalic"))->click();
+        QTest::keyClicks(edit, QStringLiteral("first"));
+        QTest::keyClick(edit, Qt::Key_Return);
+        QVERIFY(item("A")->child(0) == item("first") && item("first")->isItalic() && item("A")->isExpanded());
+        // With the root current the item goes last under the root; the box takes 63 characters.
+        select("Root");
+        QTest::keyClicks(edit, QString(70, QLatin1Char('x')));
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(m_f->names().last(), QString(63, QLatin1Char('x')));
     }
 
     void commandsReachTheDocument()
