@@ -27,6 +27,16 @@ std::unique_ptr<Document> documentWithBranch(int count, Item **branch)
     return doc;
 }
 
+// Records one edit as the step's changes and ends the recording.
+template <typename Edit> void record(EditStep &step, Edit edit)
+{
+    {
+        EditStep::Recording recording(step);
+        edit();
+    }
+    step.finish();
+}
+
 // Deleting a branch of half a million items, then undoing and redoing it:
 // the branch is kept aside, not copied.
 void deleteBranchUndoRedo(benchmark::State &state)
@@ -35,11 +45,7 @@ void deleteBranchUndoRedo(benchmark::State &state)
     const auto doc = documentWithBranch(int(state.range(0)), &branch);
     for (auto _ : state) {
         EditStep step(*doc);
-        {
-            EditStep::Recording recording(step);
-            Editing::deleteItem(*doc, branch, nullptr);
-        }
-        step.finish();
+        record(step, [&] { Editing::deleteItem(*doc, branch, nullptr); });
         step.undo();
         step.redo();
         step.undo();
@@ -54,11 +60,7 @@ void moveBranchUndo(benchmark::State &state)
     const auto doc = documentWithBranch(int(state.range(0)), &branch);
     for (auto _ : state) {
         EditStep step(*doc);
-        {
-            EditStep::Recording recording(step);
-            Editing::move(*doc, branch, Editing::Move::DownLevel);
-        }
-        step.finish();
+        record(step, [&] { Editing::move(*doc, branch, Editing::Move::DownLevel); });
         step.undo();
     }
 }
@@ -79,11 +81,7 @@ void applyAttributesUndo(benchmark::State &state)
     size_t kept = 0;
     for (auto _ : state) {
         EditStep step(*doc);
-        {
-            EditStep::Recording recording(step);
-            ApplyAttributes::apply(branch, set);
-        }
-        step.finish();
+        record(step, [&] { ApplyAttributes::apply(branch, set); });
         kept = step.keptFields();
         step.undo();
     }
